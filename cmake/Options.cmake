@@ -1,0 +1,30 @@
+# How every target of this tree is compiled.
+option(DIAGSRUNNER_WERROR "Treat warnings as errors (continuous integration does)" OFF)
+option(DIAGSRUNNER_TESTS "Build the tests" ON)
+option(DIAGSRUNNER_BENCH "Build the benchmarks" OFF)
+option(DIAGSRUNNER_FUZZ "Build the libFuzzer targets (Clang only)" OFF)
+set(DIAGSRUNNER_SANITIZE "" CACHE STRING "Sanitizers for every target, e.g. address,undefined")
+
+add_library(diags_options INTERFACE)
+target_compile_features(diags_options INTERFACE cxx_std_17)
+target_include_directories(diags_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(diags_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+    $<$<BOOL:${DIAGSRUNNER_WERROR}>:-Werror>)
+# The fuzzer's engine is linked into the fuzz targets alone; every other object is only watched.
+if(DIAGSRUNNER_FUZZ)
+  target_compile_options(diags_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(DIAGSRUNNER_SANITIZE)
+  target_compile_options(diags_options INTERFACE
+      -fsanitize=${DIAGSRUNNER_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(diags_options INTERFACE -fsanitize=${DIAGSRUNNER_SANITIZE})
+endif()
+
+# One room of the house: a static library that the shared libraries are put together from, and
+# that tests link piece by piece.
+function(diags_add_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${ROOM_SOURCES})
+  target_link_libraries(${name} PUBLIC diags_options ${ROOM_LINK})
+endfunction()

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/contract/ICIMInstance.h"
+#include "platform/contract/ICIMNamespace.h"
+#include "platform/contract/ILogger.h"
+
+namespace NZEPQEL20 {
+
+/// How a host wants the platform set up.
+struct TPlatformOptions {
+  std::string root;                      ///< Installation root; empty: as TOSSpecific finds it.
+  std::string nameSpace = "root/cimv2";  ///< Namespace in which discovery looks.
+  bool isOEMBuild = false;
+};
+
+/// The platform of one process: schema, provider libraries, object model and record store, put
+/// together for a host.
+///
+/// A fault in one MOF file, registration or library is kept in GetProblems() and logged once;
+/// everything else goes on. Destroying it ends every provider (running tests included), and is to
+/// be done after the last use of anything obtained through it.
+/// Threads: made and destroyed on one thread; the namespaces are safe from several.
+class DIAGSPLATFORM_EXPORT TPlatform {
+ public:
+  /// Errors: TQELException when the installation root itself is unusable, naming it.
+  explicit TPlatform(const TPlatformOptions& options);
+  ~TPlatform();
+  TPlatform(const TPlatform&) = delete;
+  TPlatform& operator=(const TPlatform&) = delete;
+
+  /// The namespace that routes by "nspID"; what GetDiagsRunner() is given.
+  boost::shared_ptr<ICIMNamespace> GetNamespace() const;
+
+  /// The namespace that receives copied completion records.
+  boost::shared_ptr<ICIMNamespace> GetRepository() const;
+
+  /// Records copied since the last call, in the order of copying.
+  std::vector<boost::shared_ptr<ICIMInstance>> TakeRecords();
+
+  /// What could not be loaded, one line each: thing, reason, and what would mend it.
+  const std::vector<std::string>& GetProblems() const;
+
+  /// Asks every job that has not ended to be killed (RequestStateChange 5); returns how many
+  /// were asked. Never throws.
+  /// Threads: may be called while another thread is inside a method call.
+  unsigned int KillRunningJobs() noexcept;
+
+ private:
+  struct TParts;
+  std::unique_ptr<TParts> m_parts;
+};
+
+}  // namespace NZEPQEL20
