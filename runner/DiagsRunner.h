@@ -115,9 +115,26 @@ class DiagsRunner {
                   std::string unused4, std::vector<std::string>& out, int retType,
                   NZEPQEL20::TCIMValue nspID);
 
+  // Launch.
+  std::string Launch(const std::string& testID, const std::string& testLabel, TNamespacePtr& ns);
+  std::string GiveUp(const std::string& testID, const char* erasedTrace);
+  bool FindPair(const std::string& testID, const std::string& name, const std::string& deviceID,
+                TNamespacePtr& ns, TPair& pair);
+  std::string RunPair(const TPair& pair, const std::string& testID, const std::string& testLabel,
+                      TNamespacePtr& ns);
+  void RunDiagnostic(const TPair& pair, unsigned int minutes);
+  bool RunDiagnosticService(const NZEPQEL20::TCIMReference& deviceRef);
+
   // Job tracking.
+  std::string FindRecordedJob(const std::string& deviceID, const NZEPQEL20::TKeyMap& context);
   void HandleConcrete(NZEPQEL20::TCIMReference job, std::string& result, std::string testID,
                       TNamespacePtr& ns);
+
+  // Results.
+  std::string ReadResult(const std::string& testID, TNamespacePtr& ns);
+  void AddMessages(NZEPQEL20::ICIMInstance& record, std::string name);
+  TInstancePtr FindRecord(const std::string& operation, const std::string& testID,
+                          const NZEPQEL20::TCIMValue& nspID, std::string& name);
 
   // Progress.
   void printStatus(unsigned int minutes);
