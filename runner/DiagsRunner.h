@@ -32,13 +32,15 @@ extern DIAGSRUNNER_EXPORT DiagsRunner* fgDiagInstance;
 /// on a detached thread of its own; Execute() returns only after that call has.
 class DiagsRunner {
  public:
+  /// Handles of the object model, shared with the host.
   using TNamespacePtr = boost::shared_ptr<NZEPQEL20::ICIMNamespace>;
   using TInstancePtr = boost::shared_ptr<NZEPQEL20::ICIMInstance>;
 
   /// The runner, made on the first call: reads the message catalogue and the excluded-tests list
   /// below the installation root. Later calls ignore `ns`.
-  /// Errors: TQELException (status 4 when a buffer cannot be had) and what the platform throws;
-  /// a failed construction leaves no runner behind.
+  /// Errors: TQELException (status 4 when a buffer cannot be had) and what the platform throws. A
+  /// failed construction leaves no runner behind; when only the excluded-tests list fails, the
+  /// runner stays, without a list.
   DIAGSRUNNER_EXPORT static DiagsRunner* GetDiagsRunner(TNamespacePtr ns);
 
   /// Destroys the runner, if there is one. To be called once, at the very end of the process: the
@@ -47,43 +49,51 @@ class DiagsRunner {
 
   /// The identifiers of all tests, each followed by "|", or "No matching diagnostic test or
   /// device found.\n". The first answer is kept and given again. `unused` is not consulted.
-  /// Errors: TQELException with status 4 cannot leave it; it answers with what was found.
+  /// Errors: none of the platform's leaves it; a walk that failed counts as "nothing found", and
+  /// that answer is kept, too.
   DIAGSRUNNER_EXPORT std::string EnumerateDiagTests(std::string unused);
 
   /// Runs one test to its end and answers with its result word: "Pass", "Fail", "Aborted",
   /// "Incomplete", or one of the texts for an empty outcome. Progress goes to standard output.
   ///
   /// `testLabel` is the host's name for the test; for a tape test it reaches a shell, so the host
-  /// must refuse quotes in it. `ns` receives a copy of the completion record.
+  /// must refuse quotes in it. `ns` receives a copy of the completion record. The answer is empty
+  /// when the provider's second method threw.
+  /// Errors: none of the platform's leaves it, with one exception: what a timed test's method
+  /// call throws on its own thread ends the process.
   DIAGSRUNNER_EXPORT std::string Execute(std::string testID, std::string testLabel,
                                          TNamespacePtr& ns);
 
   /// The result word of a test that has just ended. Waits up to 50 s for its completion record,
   /// adds the vendor's messages to the record and copies it into `ns`. "No Results.\n" when there
-  /// is none.
+  /// is none, or when reading or copying it failed (the record may then have its messages).
   /// Errors: what the platform throws other than TQELException.
   DIAGSRUNNER_EXPORT std::string ImmediateResults(std::string testID, TNamespacePtr& ns);
 
-  /// The result word in parentheses, without waiting; empty when there is no record. `ns` is not
-  /// used.
+  /// The result word in parentheses, without waiting; empty when there is no record. An unknown
+  /// test becomes a known one without a provider context. `ns` is not used.
   /// Errors: whatever the platform throws.
   DIAGSRUNNER_EXPORT std::string SimpleResults(std::string testID, TNamespacePtr& ns);
 
-  /// The record data of the test's completion record, without waiting, or "No extended
-  /// results.\n". `ns` is not used.
+  /// The record data of the test's completion record, without waiting; "No extended results.\n"
+  /// when there is none, "testID is not found in m_diagNS.\n" for an unknown test. `ns` is not
+  /// used.
   /// Errors: whatever the platform throws.
   DIAGSRUNNER_EXPORT std::string ExtendedResults(std::string testID, TNamespacePtr& ns);
 
   /// The instances of a class, from the runner's own namespace, as text: per instance its object
   /// path, a line end and EnumProperties(), with an empty line between instances; "Class Not
-  /// Found\n" when no provider has the class. A provider that fails is reported in a line of its
-  /// own and the others are still asked.
+  /// Found\n" when neither a provider nor the namespace has the class. What fails is reported in a
+  /// line of its own in front, and the other providers are still asked.
+  /// Errors: TQELException for a null namespace, and what instances throw while they are shown.
   DIAGSRUNNER_EXPORT std::string EI(std::string className);
   /// The same in the given namespace.
   DIAGSRUNNER_EXPORT std::string EI(std::string className, TNamespacePtr ns);
 
   /// Appends one line per non-null property of `instance` to `out`: name, " : ", value, line end.
   /// An array's elements stand in braces, separated by ",".
+  /// Errors: TQELException for a null handle, and what the instance throws; `out` then holds the
+  /// lines so far.
   DIAGSRUNNER_EXPORT void EnumProperties(TInstancePtr instance, std::string& out);
 
  private:

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
-#include <exception>
-#include <utility>
 
 #include "platform/contract/ICIMClass.h"
 #include "platform/contract/TAddToVectorCallback.h"
@@ -40,7 +38,7 @@ boost::shared_ptr<ICIMInstance> FetchEnd(EEnd end, const TCIMReference& path, IC
                                          const TKeyMap& keys, bool& giveUp) {
   try {
     const boost::shared_ptr<ICIMNamespace> ns = type.GetNamespace(keys);
-    return runner::Need(ns, "namespace of the class").GetInstance(path, keys);
+    return ns ? ns->GetInstance(path, keys) : nullptr;
   } catch (const TQELException&) {
     DebugLog("DiagsRunner::GetCIMData, caught qel exception when get instRef" + Number(end) +
              " instance");
@@ -55,7 +53,13 @@ boost::shared_ptr<ICIMInstance> FetchEnd(EEnd end, const TCIMReference& path, IC
 // The second way: as a provider's own upcall finds it. The trace speaks of instRef1 at both ends.
 boost::shared_ptr<ICIMInstance> RetryEnd(EEnd end, const TCIMReference& path) {
   try {
-    const boost::shared_ptr<ICIMInstance> instance = runner::FetchByUpcall(path, nullptr);
+    const TKeyMap plugin{{"nspID", TCIMValue("plugin")}};
+    const boost::shared_ptr<ICIMNamespace> upcall = runner::GetUpcallNamespace(path, nullptr);
+    const boost::shared_ptr<ICIMClass> found = upcall->FindClass(path.GetClassName(), plugin);
+    const boost::shared_ptr<ICIMNamespace> home =
+        runner::Need(found, "class behind the upcall namespace").GetNamespace({});
+    const boost::shared_ptr<ICIMInstance> instance =
+        runner::Need(home, "namespace of the class").GetInstance(path, plugin);
     runner::Need(instance, "instance behind the upcall namespace");
     return instance;
   } catch (...) {
@@ -125,6 +129,9 @@ bool DiagsRunner::TWalk::Collect(TInstances& associations) {
         runner::Need(runner.m_ns, "namespace of the runner").FindClass(className, keys);
     if (!found) return false;
     found->EnumerateInstances(NZEPQEL20::TAddToVectorCallback(associations), 1, keys);
+    // An enumeration may hand out empty handles; nothing below can use one.
+    associations.erase(std::remove(associations.begin(), associations.end(), nullptr),
+                       associations.end());
     if (retType == kEnumTest) runner.filterDiagsItems(associations);
     return true;
   } catch (const TQELException&) {

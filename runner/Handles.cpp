@@ -42,21 +42,18 @@ boost::shared_ptr<ICIMInstance> Fetch(const TCIMReference& path, const TKeyMap& 
   return Need(ns, "namespace of the class").GetInstance(path, context);
 }
 
-boost::shared_ptr<ICIMInstance> FetchByUpcall(const TCIMReference& path,
-                                              const boost::shared_ptr<ICIMNamespace>& fallback) {
+boost::shared_ptr<ICIMNamespace> GetUpcallNamespace(
+    const TCIMReference& path, const boost::shared_ptr<ICIMNamespace>& fallback) {
   const TKeyMap plugin{{"nspID", TCIMValue("plugin")}};
   const boost::shared_ptr<ICIMClass> type = path.GetClass();
   boost::shared_ptr<TCMPINamespace> cmpi = boost::dynamic_pointer_cast<TCMPINamespace>(
       Need(type, "class of the reference").GetNamespace(plugin));
   if (!cmpi) cmpi = boost::dynamic_pointer_cast<TCMPINamespace>(fallback);
 
-  const boost::shared_ptr<ICIMNamespace> upcall =
+  boost::shared_ptr<ICIMNamespace> upcall =
       Need(cmpi, "CMPI namespace \"plugin\"").GetUpcallNamespace();
-  const boost::shared_ptr<ICIMClass> found =
-      Need(upcall, "upcall namespace").FindClass(type->GetName({}), plugin);
-  const boost::shared_ptr<ICIMNamespace> home =
-      Need(found, "class behind the upcall namespace").GetNamespace({});
-  return Need(home, "namespace of the class").GetInstance(path, plugin);
+  Need(upcall, "upcall namespace");
+  return upcall;
 }
 
 }  // namespace runner

@@ -2,8 +2,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <boost/algorithm/string/case_conv.hpp>
+#include <initializer_list>
 
 #include "platform/contract/TAddToVectorCallback.h"
 #include "platform/contract/TCIMCopy.h"
@@ -111,6 +111,8 @@ std::string DiagsRunner::ReadResult(const std::string& testID, TNamespacePtr& ns
     DebugLog("DiagsRunner::ImmediateResults - Returning: No extended results");
     return kNoResults;
   }
+  // A tape drive goes by its device id.
+  if (runner::Contains(name, "Tape Drive")) third = deviceID;
   const auto finished = m_finishedTests.find(testID);
   if (finished == m_finishedTests.end()) return kNoResults;
 

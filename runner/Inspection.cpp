@@ -31,6 +31,12 @@ struct TInspected {
   std::vector<boost::shared_ptr<ICIMInstance>> instances;
   std::string problems;
   bool isClassKnown = false;
+  bool isComplete = false;
+
+  void Report(const std::string& line) {
+    DebugLog(line);
+    problems += line + "\n";
+  }
 };
 
 // Collects the instances of a class that bears the wanted name.
@@ -39,11 +45,13 @@ class TRunnerCollectClassInstances {
   TRunnerCollectClassInstances(std::string className, TInspected& inspected)
       : m_className(std::move(className)), m_inspected(&inspected) {}
 
-  // The enumeration of a class reaches all its providers, so the first find is enough.
+  // The enumeration of a class reaches all its providers, so one that succeeds is enough.
   bool operator()(const boost::shared_ptr<ICIMClass>& type) const {
     if (!type || !NZEPQEL20::IsSameName(type->GetName({}), m_className)) return true;
     m_inspected->isClassKnown = true;
+    m_inspected->instances.clear();
     type->EnumerateInstances(NZEPQEL20::TAddToVectorCallback(m_inspected->instances), 1, {});
+    m_inspected->isComplete = true;
     return false;
   }
 
@@ -60,27 +68,34 @@ class TRunnerCollectClassFromProvider {
 
   bool operator()(const boost::shared_ptr<IProvider>& provider) const {
     if (!provider) return true;
+    std::string name = "?";
+    const auto report = [this, &name](const char* reason) {
+      m_inspected->Report("TRunnerCollectClassFromProvider for: " + name + " threw exception " +
+                          reason);
+    };
     try {
+      name = provider->GetName();
       provider->EnumerateClasses(TRunnerCollectClassInstances(m_className, *m_inspected), {});
     } catch (const std::exception& e) {
-      Report(*provider, e.what());
+      report(e.what());
     } catch (...) {
-      Report(*provider, "no reason given");
+      report("no reason given");
     }
-    return !m_inspected->isClassKnown;
+    return !m_inspected->isComplete;
   }
 
  private:
-  void Report(IProvider& provider, const char* reason) const {
-    const std::string line =
-        "TRunnerCollectClassFromProvider for: " + provider.GetName() + " threw exception " + reason;
-    DebugLog(line);
-    m_inspected->problems += line + "\n";
-  }
-
   std::string m_className;
   TInspected* m_inspected;
 };
+
+// Whether the reason says no more than that there is no such class.
+bool IsUnknownClass(const TQELException& reason) {
+  constexpr unsigned int kInvalidClass = 5;
+  return reason.GetStatusCode() ==
+             NZEPQEL20::TQELStatusCode(NZEPQEL20::TQELStatusCode::kNotFound) ||
+         reason.GetCIMStatus() == kInvalidClass;
+}
 
 // The class as the namespace knows it: a superclass is served by no provider under its own name.
 void CollectFromNamespace(const std::string& className, ICIMNamespace& ns, TInspected& inspected) {
@@ -88,8 +103,11 @@ void CollectFromNamespace(const std::string& className, ICIMNamespace& ns, TInsp
     const boost::shared_ptr<ICIMClass> type = ns.FindClass(className, {});
     if (type) TRunnerCollectClassInstances(className, inspected)(type);
   } catch (const TQELException& e) {
-    DebugLog(std::string("DiagsRunner::EI: ") + e.what());
-    if (inspected.isClassKnown) inspected.problems += std::string(e.what()) + "\n";
+    if (IsUnknownClass(e)) {
+      DebugLog(e.what());
+    } else {
+      inspected.Report(e.what());
+    }
   }
 }
 

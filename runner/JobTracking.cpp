@@ -2,7 +2,7 @@
 #include <unistd.h>
 
 #include <iostream>
-#include <sstream>
+#include <utility>
 
 #include "platform/contract/ICIMClass.h"
 #include "platform/contract/TAddToVectorCallback.h"
@@ -118,7 +118,9 @@ void DiagsRunner::TJob::WaitLonger(int& retries) {
   while (retries > 0 && (state == kStarting || state == kRunning)) {
     --retries;
     sleep(kPollSeconds);
-    Look();
+    Fetch();
+    percent = GetNumber(Get(), "PercentComplete");
+    state = GetNumber(Get(), "JobState");
   }
 }
 
@@ -128,10 +130,8 @@ void DiagsRunner::TJob::Follow() {
   do {
     if (GetNumber(Get(), "JobState") == kCompleted) return;
     Look();
-    std::ostringstream line;
-    line << "JobState = " << state << "\tpercentComplete = " << percent
-         << "\tClassName = " << className << '\n';
-    DebugLog(line.str());
+    DebugLog("JobState = " + std::to_string(state) + "\tpercentComplete = " +
+             std::to_string(percent) + "\tClassName = " + className + "\n");
     if (IsAtEnd(retries)) return;
     sleep(kPollSeconds);
     WaitLonger(retries);
@@ -170,7 +170,8 @@ std::string DiagsRunner::FindRecordedJob(const std::string& deviceID, const TKey
   std::string jobID;
   bool matched = false;
   for (const TInstancePtr& record : records) {
-    ICIMInstance& link = runner::Need(record, "record association");
+    if (!record) continue;
+    ICIMInstance& link = *record;
     const std::string antecedent = runner::GetValue(link, "Antecedent").ToString(10);
     const std::string dependent = runner::GetValue(link, "Dependent").ToString(10);
     DebugLog("DiagsRunner::HandleConcrete Antecedent = " + antecedent);

@@ -69,10 +69,13 @@ void DiagsRunner::TPair::Fetch(const TInstancePtr& from, TKeyMap& context,
   try {
     service = runner::Fetch(serviceRef, context);
     device = runner::Fetch(deviceRef, context);
+    // An empty answer is as good a reason to ask again as a refusal.
+    runner::Need(service, "diagnostic service");
+    runner::Need(device, "device");
   } catch (...) {
     context["nspID"] = TCIMValue("plugin");
-    device = runner::FetchByUpcall(deviceRef, ns);
-    service = runner::FetchByUpcall(serviceRef, ns);
+    device = runner::GetUpcallNamespace(deviceRef, ns)->GetInstance(deviceRef, context);
+    service = runner::GetUpcallNamespace(serviceRef, ns)->GetInstance(serviceRef, context);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <ctime>
 #include <iostream>
+#include <limits>
 
 #include "runner/DiagsRunner.h"
 
@@ -21,16 +22,18 @@ void WriteFigure(std::int32_t figure) {
   std::cout << figure << '%' << std::flush;
 }
 
-// Share of `totalSeconds` that has passed, in single precision.
+// Share of `totalSeconds` that has passed, in single precision; below 0 when it cannot be told.
 float GetPercent(double elapsedSeconds, std::int32_t totalSeconds) {
+  if (totalSeconds == 0) return static_cast<float>(kNone);
   return 100.0F * (static_cast<float>(elapsedSeconds) / static_cast<float>(totalSeconds));
 }
 
-// Towards zero; what no whole number can hold (a total of 0) counts as no percentage.
+// Towards zero. A clock that was set back counts as no percentage: the count-up from far below
+// would keep the host for hours.
 std::int32_t Truncate(float percent) {
   constexpr float kLimit = 2147483648.0F;
-  if (!(percent > -kLimit && percent < kLimit)) return kNone;
-  return static_cast<std::int32_t>(percent);
+  if (percent >= kLimit) return std::numeric_limits<std::int32_t>::max();
+  return percent > static_cast<float>(kNone) ? static_cast<std::int32_t>(percent) : kNone;
 }
 
 // The figures of one run, each written over the one before.
@@ -54,8 +57,8 @@ class TEstimate {
   // The call was faster than announced: climb the rest at one step a second.
   void CountUp() {
     if (m_last == kNone || m_last > 95) return;
-    const std::int64_t steps = (std::int64_t{100} - m_last) / 10;
-    for (std::int64_t i = 0; i < steps; ++i) {
+    const std::int32_t steps = (100 - m_last) / 10;
+    for (std::int32_t i = 0; i < steps; ++i) {
       m_last += 10;
       WriteFigure(m_last);
       WriteBackspaces(m_last <= 9 ? 2 : m_last <= 99 ? 3 : 4);
