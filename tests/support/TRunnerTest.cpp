@@ -3,6 +3,8 @@
 
 #include <iostream>
 
+#include "platform/contract/ICIMProperty.h"
+
 namespace scripted {
 
 TRunnerTest::TRunnerTest() : m_host(m_world.GetHost()) {
