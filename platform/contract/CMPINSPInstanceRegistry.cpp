@@ -6,24 +6,25 @@
 namespace NZEPQEL20 {
 
 CMPINSPInstanceRegistry& CMPINSPInstanceRegistry::GetRegistrySingleton() {
-  // Never destroyed: a detached thread may still register while the process ends.
-  static auto* const registry = new CMPINSPInstanceRegistry();
-  return *registry;
+  static CMPINSPInstanceRegistry registry;
+  return registry;
 }
 
 void CMPINSPInstanceRegistry::Register(std::shared_ptr<const void> instance) {
-  if (!instance) return;
+  if (!instance) {
+    return;
+  }
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_instances.push_back(std::move(instance));
 }
 
 void CMPINSPInstanceRegistry::ClearInstances() {
-  std::vector<std::shared_ptr<const void>> gone;
+  std::vector<std::shared_ptr<const void>> released;
   {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    gone.swap(m_instances);
+    released.swap(m_instances);
   }
-  // The instances die here, outside the lock: what they own may register in turn.
+  // Provider code may run while the last owners go; it must be free to register again.
 }
 
 std::size_t CMPINSPInstanceRegistry::GetCount() const {

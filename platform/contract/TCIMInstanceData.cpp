@@ -4,11 +4,12 @@
 #include <algorithm>
 
 namespace NZEPQEL20 {
+
 namespace {
 
-// DSP0004 folds ASCII only; the process's locale must not change what a name means.
-char Fold(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+// The C library's own folding depends on the locale; CIM names do not.
+char FoldLetter(char letter) {
+  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
 }  // namespace
@@ -16,7 +17,7 @@ char Fold(char c) {
 bool IsSameName(const std::string& left, const std::string& right) {
   return left.size() == right.size() &&
          std::equal(left.begin(), left.end(), right.begin(),
-                    [](char a, char b) { return Fold(a) == Fold(b); });
+                    [](char a, char b) { return FoldLetter(a) == FoldLetter(b); });
 }
 
 TCIMPropertyData* TCIMInstanceData::Find(const std::string& name) {
@@ -27,9 +28,8 @@ TCIMPropertyData* TCIMInstanceData::Find(const std::string& name) {
 }
 
 void TCIMInstanceData::Set(const std::string& name, const TCIMValue& value) {
-  TCIMPropertyData* const known = Find(name);
-  if (known != nullptr) {
-    known->value = value;
+  if (TCIMPropertyData* property = Find(name)) {
+    property->value = value;
   } else {
     properties.push_back({name, value});
   }

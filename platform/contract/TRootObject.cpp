@@ -4,8 +4,10 @@
 #include <atomic>
 
 namespace NZEPQEL20 {
+
 namespace {
 
+// The background thread of a timed run logs, too.
 std::atomic<ILogger*> coreLogger{nullptr};
 
 }  // namespace
