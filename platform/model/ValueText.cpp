@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/model/ValueText.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace NZEPQEL20 {
+namespace {
+
+// A number of any CIM integer type: no single C++ type holds both ends.
+struct TNumber {
+  bool isNegative = false;
+  std::uint64_t magnitude = 0;
+
+  friend bool operator<=(const TNumber& left, const TNumber& right) {
+    if (left.isNegative != right.isNegative) return left.isNegative;
+    return left.isNegative ? left.magnitude >= right.magnitude : left.magnitude <= right.magnitude;
+  }
+  friend bool operator==(const TNumber& left, const TNumber& right) {
+    return left.isNegative == right.isNegative && left.magnitude == right.magnitude;
+  }
+};
+
+// Decimal or hexadecimal, with or without a sign, and nothing else.
+std::optional<TNumber> ParseNumber(std::string_view text) {
+  TNumber number;
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+    number.isNegative = text.front() == '-';
+    text.remove_prefix(1);
+  }
+  int radix = 10;
+  if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+    radix = 16;
+    text.remove_prefix(2);
+  }
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, number.magnitude, radix);
+  if (error != std::errc() || rest != end) return std::nullopt;
+  if (number.magnitude == 0) number.isNegative = false;
+  return number;
+}
+
+// How well an entry of ValueMap fits; the smaller the better.
+enum class EFit { kExact, kClosedRange, kOpenRange, kRest, kNone };
+
+EFit GetNumberFit(std::string_view entry, const TNumber& number) {
+  const std::string_view::size_type dots = entry.find("..");
+  if (dots == std::string_view::npos) {
+    const std::optional<TNumber> exact = ParseNumber(entry);
+    return exact && *exact == number ? EFit::kExact : EFit::kNone;
+  }
+  const std::string_view low = entry.substr(0, dots);
+  const std::string_view high = entry.substr(dots + 2);
+  if (low.empty() && high.empty()) return EFit::kRest;
+  const std::optional<TNumber> first = ParseNumber(low);
+  const std::optional<TNumber> last = ParseNumber(high);
+  const bool isAbove = low.empty() || (first && *first <= number);
+  const bool isBelow = high.empty() || (last && number <= *last);
+  if (!isAbove || !isBelow) return EFit::kNone;
+  return low.empty() || high.empty() ? EFit::kOpenRange : EFit::kClosedRange;
+}
+
+bool IsInteger(ECIMType type) {
+  return type >= ECIMType::kUInt8 && type <= ECIMType::kSInt64;
+}
+
+std::optional<std::string> FindByPosition(const std::vector<std::string>& values,
+                                          const TCIMValue& value) {
+  const std::optional<TNumber> number = ParseNumber(value.ToString(10));
+  if (!number || number->isNegative || number->magnitude >= values.size()) return std::nullopt;
+  return values[static_cast<std::size_t>(number->magnitude)];
+}
+
+std::optional<std::string> FindWord(const TCIMElementDeclaration& declaration,
+                                    const TCIMValue& value) {
+  if (declaration.values.empty() || value.IsNull()) return std::nullopt;
+  const bool isInteger = IsInteger(value.GetType());
+  if (declaration.valueMap.empty()) {
+    return isInteger ? FindByPosition(declaration.values, value) : std::nullopt;
+  }
+  const std::string text = value.ToString(10);
+  const std::optional<TNumber> number = isInteger ? ParseNumber(text) : std::nullopt;
+  EFit best = EFit::kNone;
+  std::optional<std::string> word;
+  const auto pairs = std::min(declaration.valueMap.size(), declaration.values.size());
+  for (std::size_t i = 0; i < pairs; ++i) {
+    const std::string& entry = declaration.valueMap[i];
+    const EFit fit =
+        number ? GetNumberFit(entry, *number) : (entry == text ? EFit::kExact : EFit::kNone);
+    if (fit >= best) continue;
+    best = fit;
+    word = declaration.values[i];
+  }
+  return word;
+}
+
+}  // namespace
+
+std::string GetReadableText(const TCIMElementDeclaration& declaration, const TCIMValue& value) {
+  if (declaration.values.empty() || value.IsNull()) return value.ToString(10);
+  if (!value.IsArray()) return FindWord(declaration, value).value_or(value.ToString(10));
+  std::string text;
+  bool isFirst = true;
+  for (const TCIMValue& element : static_cast<std::vector<TCIMValue>>(value)) {
+    if (!isFirst) text += ",";
+    isFirst = false;
+    text += FindWord(declaration, element).value_or(element.ToString(10));
+  }
+  return text;
+}
+
+}  // namespace NZEPQEL20

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "platform/contract/TCIMClassDeclaration.h"
+#include "platform/contract/TCIMValue.h"
+
+namespace NZEPQEL20 {
+
+/// `value` as a person reads it: the word that Values gives it, by ValueMap or, where there is
+/// none, by position from 0; an array element by element, joined with ",". What no entry maps reads
+/// as TCIMValue::ToString(10).
+///
+/// An exact entry counts before a closed range, that before an open one, that before "..".
+std::string GetReadableText(const TCIMElementDeclaration& declaration, const TCIMValue& value);
+
+}  // namespace NZEPQEL20
