@@ -41,7 +41,9 @@ std::map<std::optional<unsigned int>, TProcessorFacts> ParseCpuInfo(std::string_
     const std::string_view value = Trim(line.substr(colon + 1));
     if (key == "processor") {
       const std::optional<std::uint64_t> number = ParseUnsigned(value);
-      if (number && *number < kMaxProcessors) current = static_cast<unsigned int>(*number);
+      if (!number || *number >= kMaxProcessors) continue;
+      current = static_cast<unsigned int>(*number);
+      facts[current];  // It exists, whatever else is told about it.
     } else if (std::find(kModelKeys.begin(), kModelKeys.end(), key) != kModelKeys.end()) {
       facts[current].model = CleanName(value);
     } else if (key == "cpu MHz") {
@@ -140,7 +142,7 @@ std::vector<TDevice> TDeviceInventory::FindMemory() const {
     device.bytes = *kib * 1024;
     const std::string machine = ReadMachineName();
     device.name =
-        CleanName((machine.empty() ? "" : machine + " ") + "memory " + DescribeBytes(device.bytes));
+        CleanName((machine.empty() ? "Memory " : machine + " memory ") + DescribeBytes(device.bytes));
     return {device};
   }
   return {};
