@@ -6,25 +6,24 @@
 namespace NZEPQEL20 {
 
 CMPINSPInstanceRegistry& CMPINSPInstanceRegistry::GetRegistrySingleton() {
-  static CMPINSPInstanceRegistry registry;
-  return registry;
+  // Never destroyed: a detached thread may still register while the process ends.
+  static auto* const registry = new CMPINSPInstanceRegistry();
+  return *registry;
 }
 
 void CMPINSPInstanceRegistry::Register(std::shared_ptr<const void> instance) {
-  if (!instance) {
-    return;
-  }
+  if (!instance) return;
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_instances.push_back(std::move(instance));
 }
 
 void CMPINSPInstanceRegistry::ClearInstances() {
-  std::vector<std::shared_ptr<const void>> released;
+  std::vector<std::shared_ptr<const void>> gone;
   {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    released.swap(m_instances);
+    gone.swap(m_instances);
   }
-  // Provider code may run while the last owners go; it must be free to register again.
+  // The instances die here, outside the lock: what they own may register in turn.
 }
 
 std::size_t CMPINSPInstanceRegistry::GetCount() const {

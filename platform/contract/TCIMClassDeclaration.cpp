@@ -1,31 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/contract/TCIMClassDeclaration.h"
 
-#include <algorithm>
-
 #include "platform/contract/TCIMInstanceData.h"
 
 namespace NZEPQEL20 {
-
 namespace {
 
 template <typename TElement>
-const TElement* FindNamed(const std::vector<TElement>& elements, const std::string& name) {
-  const auto found =
-      std::find_if(elements.begin(), elements.end(),
-                   [&name](const TElement& element) { return IsSameName(element.name, name); });
-  return found == elements.end() ? nullptr : &*found;
+const TElement* FindByName(const std::vector<TElement>& elements, const std::string& name) {
+  for (const TElement& element : elements) {
+    if (IsSameName(element.name, name)) return &element;
+  }
+  return nullptr;
 }
 
 }  // namespace
 
-const TCIMPropertyDeclaration* TCIMClassDeclaration::FindProperty(
-    const std::string& propertyName) const {
-  return FindNamed(properties, propertyName);
+const TCIMPropertyDeclaration* TCIMClassDeclaration::FindProperty(const std::string& wanted) const {
+  return FindByName(properties, wanted);
 }
 
-const TCIMMethodDeclaration* TCIMClassDeclaration::FindMethod(const std::string& methodName) const {
-  return FindNamed(methods, methodName);
+const TCIMMethodDeclaration* TCIMClassDeclaration::FindMethod(const std::string& wanted) const {
+  return FindByName(methods, wanted);
 }
 
 }  // namespace NZEPQEL20

@@ -4,12 +4,11 @@
 #include <algorithm>
 
 namespace NZEPQEL20 {
-
 namespace {
 
-// The C library's own folding depends on the locale; CIM names do not.
-char FoldLetter(char letter) {
-  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+// DSP0004 folds ASCII only; the process's locale must not change what a name means.
+char Fold(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 }  // namespace
@@ -17,7 +16,7 @@ char FoldLetter(char letter) {
 bool IsSameName(const std::string& left, const std::string& right) {
   return left.size() == right.size() &&
          std::equal(left.begin(), left.end(), right.begin(),
-                    [](char a, char b) { return FoldLetter(a) == FoldLetter(b); });
+                    [](char a, char b) { return Fold(a) == Fold(b); });
 }
 
 TCIMPropertyData* TCIMInstanceData::Find(const std::string& name) {
@@ -28,8 +27,9 @@ TCIMPropertyData* TCIMInstanceData::Find(const std::string& name) {
 }
 
 void TCIMInstanceData::Set(const std::string& name, const TCIMValue& value) {
-  if (TCIMPropertyData* property = Find(name)) {
-    property->value = value;
+  TCIMPropertyData* const known = Find(name);
+  if (known != nullptr) {
+    known->value = value;
   } else {
     properties.push_back({name, value});
   }

@@ -4,10 +4,8 @@
 #include <atomic>
 
 namespace NZEPQEL20 {
-
 namespace {
 
-// The background thread of a timed run logs, too.
 std::atomic<ILogger*> coreLogger{nullptr};
 
 }  // namespace
