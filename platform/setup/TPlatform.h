@@ -19,6 +19,14 @@ struct TPlatformOptions {
   bool isOEMBuild = false;
 };
 
+/// A test that a provider knows and does not offer here.
+struct TUnofferedTest {
+  std::string serviceName;
+  std::string elementName;
+  std::string reason;
+  std::string remedy;
+};
+
 /// The platform of one process: schema, provider libraries, object model and record store, put
 /// together for a host.
 ///
@@ -45,6 +53,11 @@ class DIAGSPLATFORM_EXPORT TPlatform {
 
   /// What could not be loaded, one line each: thing, reason, and what would mend it.
   const std::vector<std::string>& GetProblems() const;
+
+  /// The tests that providers report as not offered on this machine ("DRH_UnofferedTest"); empty
+  /// when nobody serves that class.
+  /// Errors: TQELException when the provider fails.
+  std::vector<TUnofferedTest> GetUnofferedTests() const;
 
   /// Asks every job that has not ended to be killed (RequestStateChange 5); returns how many
   /// were asked. Never throws.
