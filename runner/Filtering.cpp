@@ -77,15 +77,16 @@ void DiagsRunner::filterDiagsItems(TInstances& items) {
   DebugLog("Entering DiagsRunner::filterDiagsItems()");
   TMatrixFile file;
   if (!file.Locate()) return;
-  const std::unique_ptr<char[]> buffer = runner::AllocateZeroed(std::size_t{file.sizeBytes} + 1);
+  const std::uint32_t bufferBytes = runner::GetTerminatedSize(file.sizeBytes);
+  const std::unique_ptr<char[]> buffer = runner::AllocateZeroed(bufferBytes);
   if (!buffer) {
     LogError("Error loading excludetestmatrix.xml");
     runner::ThrowNoMemory(file.path);
   }
-  if (!runner::ReadFile(file.path, buffer.get(), file.sizeBytes)) return;
+  if (!runner::ReadFile(file.path, buffer.get(), runner::GetTextSize(bufferBytes))) return;
 
   const auto parser = std::make_unique<FilterDiagsParser>();
-  parser->Parse(buffer.get());
+  parser->Parse(buffer.get(), bufferBytes);
   const TMatrix matrix = parser->getDiagnosticMatrix();
   filterDiagsItemsLogger(matrix);
 

@@ -33,13 +33,14 @@ DiagsRunner::DiagsRunner(TNamespacePtr ns) {
   boost::algorithm::to_lower(m_biosID);
 
   const std::string path = TOSSpecific::GetQELRootPath() + "/qdx/data/vendor_diagnostic_msgs.xml";
-  const auto sizeBytes = static_cast<std::uint32_t>(TOSSpecific::GetFileSize(path));
-  std::unique_ptr<char[]> buffer = runner::AllocateZeroed(std::size_t{sizeBytes} + 1);
+  const std::uint32_t bufferBytes =
+      runner::GetTerminatedSize(static_cast<std::uint32_t>(TOSSpecific::GetFileSize(path)));
+  std::unique_ptr<char[]> buffer = runner::AllocateZeroed(bufferBytes);
   if (!buffer) runner::ThrowNoMemory(path);
-  if (!runner::ReadFile(path, buffer.get(), sizeBytes)) return;
+  if (!runner::ReadFile(path, buffer.get(), runner::GetTextSize(bufferBytes))) return;
 
   const auto parser = std::make_unique<ResultParser>();
-  parser->Parse(buffer.get());
+  parser->Parse(buffer.get(), bufferBytes);
   m_resultMsgs = std::move(*parser).getResultMsgs();
   buffer.reset();
   DebugLog("Exiting DiagsRunner::DiagsRunner");
