@@ -31,11 +31,14 @@ bool HasChildren() {
   return ::waitpid(-1, nullptr, WNOHANG) != -1 || errno != ECHILD;
 }
 
-// A process that is a zombie, waiting for init, has ended as well.
-bool IsAlive(const std::string& pid) {
-  const std::string file = "/proc/" + pid + "/stat";
-  const std::string stat = THostFiles("").ReadText(file).value_or("");
-  return !stat.empty() && stat.find(") Z") == std::string::npos;
+// A killed process takes a moment to go; one that is a zombie, waiting for init, has ended as well.
+bool HasEnded(const std::string& pid) {
+  for (int i = 0; i < 100; ++i) {
+    const std::string stat = THostFiles("").ReadText("/proc/" + pid + "/stat").value_or("");
+    if (stat.empty() || stat.find(") Z") != std::string::npos) return true;
+    std::this_thread::sleep_for(milliseconds(10));
+  }
+  return false;
 }
 
 class ProcessRunnerTest : public ::testing::Test {
@@ -133,14 +136,14 @@ TEST_F(ProcessRunnerTest, EndsGrandchildrenThatIgnoreTheRequest) {
   EXPECT_EQ(outcome.end, EProcessEnd::kDeadline);
   EXPECT_EQ(outcome.signal, SIGKILL);
   ASSERT_FALSE(outcome.output.empty());
-  EXPECT_FALSE(IsAlive(outcome.output.substr(0, outcome.output.find('\n'))));
+  EXPECT_TRUE(HasEnded(outcome.output.substr(0, outcome.output.find('\n'))));
 }
 
 TEST_F(ProcessRunnerTest, EndsWhatAProgramLeavesBehindInItsGroup) {
   const TProcessOutcome outcome = RunShell("sleep 30 & echo $!");
   EXPECT_EQ(outcome.end, EProcessEnd::kExited);
   EXPECT_LT(outcome.duration, seconds(5));
-  EXPECT_FALSE(IsAlive(outcome.output.substr(0, outcome.output.find('\n'))));
+  EXPECT_TRUE(HasEnded(outcome.output.substr(0, outcome.output.find('\n'))));
 }
 
 TEST_F(ProcessRunnerTest, BoundsAFloodOfOutput) {
