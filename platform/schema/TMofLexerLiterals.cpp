@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <charconv>
+#include <limits>
+
+#include "platform/schema/TMofLexer.h"
+
+namespace NZEPQEL20 {
+
+namespace {
+
+constexpr unsigned int kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(unsigned int unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+bool IsLowSurrogate(unsigned int unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+int GetDigit(char c) {
+  if (c >= '0' && c <= '9') {
+    return c - '0';
+  }
+  const char lower = static_cast<char>(c | 0x20);
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+bool ParseDigits(std::string_view digits, unsigned int base, TMofToken& token) {
+  if (digits.empty()) {
+    return false;
+  }
+  std::uint64_t value = 0;
+  for (const char c : digits) {
+    const int digit = GetDigit(c);
+    if (digit < 0 || static_cast<unsigned int>(digit) >= base) {
+      return false;
+    }
+    const auto added = static_cast<std::uint64_t>(digit);
+    token.isOverflow =
+        token.isOverflow || value > (std::numeric_limits<std::uint64_t>::max() - added) / base;
+    value = value * base + added;
+  }
+  token.kind = EMofToken::kInteger;
+  token.magnitude = value;
+  return true;
+}
+
+bool ParseReal(std::string_view text, TMofToken& token) {
+  const std::size_t point = text.find('.');
+  // The grammar wants a digit behind the point, which from_chars does not.
+  if (point + 1 >= text.size() || GetDigit(text[point + 1]) < 0 || GetDigit(text[point + 1]) > 9) {
+    return false;
+  }
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, token.real, std::chars_format::general);
+  if (result.ptr != end || result.ec == std::errc::invalid_argument) {
+    return false;
+  }
+  token.isOverflow = result.ec == std::errc::result_out_of_range;
+  token.kind = EMofToken::kReal;
+  return true;
+}
+
+}  // namespace
+
+unsigned int DecodeUtf8(std::string_view text, std::size_t& length) {
+  const auto byte = [text](std::size_t i) {
+    return i < text.size() ? static_cast<unsigned int>(static_cast<unsigned char>(text[i])) : 0U;
+  };
+  const unsigned int first = byte(0);
+  if (first < 0x80) {
+    length = 1;
+    return first;
+  }
+  if (first < 0xE0) {
+    length = 2;
+    return ((first & 0x1FU) << 6U) | (byte(1) & 0x3FU);
+  }
+  if (first < 0xF0) {
+    length = 3;
+    return ((first & 0x0FU) << 12U) | ((byte(1) & 0x3FU) << 6U) | (byte(2) & 0x3FU);
+  }
+  length = 4;
+  return ((first & 0x07U) << 18U) | ((byte(1) & 0x3FU) << 12U) | ((byte(2) & 0x3FU) << 6U) |
+         (byte(3) & 0x3FU);
+}
+
+void AppendUtf8(std::string& out, unsigned int codePoint) {
+  if (codePoint > 0x10FFFF || IsHighSurrogate(codePoint) || IsLowSurrogate(codePoint)) {
+    codePoint = kReplacement;
+  }
+  const auto put = [&out](unsigned int byte) { out.push_back(static_cast<char>(byte)); };
+  if (codePoint < 0x80) {
+    put(codePoint);
+  } else if (codePoint < 0x800) {
+    put(0xC0U | (codePoint >> 6U));
+    put(0x80U | (codePoint & 0x3FU));
+  } else if (codePoint < 0x10000) {
+    put(0xE0U | (codePoint >> 12U));
+    put(0x80U | ((codePoint >> 6U) & 0x3FU));
+    put(0x80U | (codePoint & 0x3FU));
+  } else {
+    put(0xF0U | (codePoint >> 18U));
+    put(0x80U | ((codePoint >> 12U) & 0x3FU));
+    put(0x80U | ((codePoint >> 6U) & 0x3FU));
+    put(0x80U | (codePoint & 0x3FU));
+  }
+}
+
+bool ParseMofNumber(std::string_view text, TMofToken& token) {
+  if (!text.empty() && (text[0] == '+' || text[0] == '-')) {
+    token.isNegative = text[0] == '-';
+    text.remove_prefix(1);
+  }
+  if (text.empty() || text[0] == '+' || text[0] == '-') {
+    return false;
+  }
+  if (text.find('.') != std::string_view::npos) {
+    const bool isReal = ParseReal(text, token);
+    token.real = token.isNegative ? -token.real : token.real;
+    return isReal;
+  }
+  if (text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+    return ParseDigits(text.substr(2), 16, token);
+  }
+  if (text.back() == 'b' || text.back() == 'B') {
+    return ParseDigits(text.substr(0, text.size() - 1), 2, token);
+  }
+  return ParseDigits(text, text.size() > 1 && text[0] == '0' ? 8 : 10, token);
+}
+
+unsigned int TMofLexer::ReadHexDigits(std::size_t& count) {
+  unsigned int unit = 0;
+  for (count = 0; count < 4 && GetDigit(At()) >= 0; ++count, ++m_next) {
+    unit = unit * 16 + static_cast<unsigned int>(GetDigit(At()));
+  }
+  return unit;
+}
+
+void TMofLexer::AppendHexEscape(std::string& out) {
+  std::size_t count = 0;
+  unsigned int unit = ReadHexDigits(count);
+  // Escapes are UTF-16 units: two of them can make one character.
+  if (IsHighSurrogate(unit) && At() == '\\' && (At(1) == 'x' || At(1) == 'X')) {
+    const std::size_t before = m_next;
+    m_next += 2;
+    const unsigned int low = ReadHexDigits(count);
+    if (IsLowSurrogate(low)) {
+      unit = 0x10000 + ((unit - 0xD800) << 10U) + (low - 0xDC00);
+    } else {
+      m_next = before;
+    }
+  }
+  AppendUtf8(out, unit);
+}
+
+void TMofLexer::ReadEscape(std::string& out, bool& isKnown) {
+  constexpr std::string_view kNames = "btnfr\"'\\";
+  constexpr std::string_view kCharacters = "\b\t\n\f\r\"'\\";
+  const char name = At(1);
+  const std::size_t place = kNames.find(name);
+  if (name != '\0' && place != std::string_view::npos) {
+    m_next += 2;
+    out.push_back(kCharacters[place]);
+  } else if ((name == 'x' || name == 'X') && GetDigit(At(2)) >= 0) {
+    m_next += 2;
+    AppendHexEscape(out);
+  } else {
+    // The backslash stays, and what follows is read as if it stood alone.
+    isKnown = false;
+    out.push_back('\\');
+    ++m_next;
+  }
+}
+
+void TMofLexer::ReadString(TMofToken& token) {
+  ++m_next;
+  bool isKnown = true;
+  while (!IsEnd() && At() != '\n' && At() != '\r') {
+    if (At() == '"') {
+      ++m_next;
+      token.kind = EMofToken::kString;
+      if (!isKnown) {
+        m_problems.AddWarning(m_file, token.position,
+                              "unknown escape in the string; kept as it is");
+      }
+      return;
+    }
+    if (At() == '\\' && !m_isRaw) {
+      ReadEscape(token.value, isKnown);
+      continue;
+    }
+    std::size_t end = m_text.find_first_of("\"\\\r\n", m_next + 1);
+    end = end == std::string_view::npos ? m_text.size() : end;
+    token.value.append(m_text.substr(m_next, end - m_next));
+    m_next = end;
+  }
+  token.kind = EMofToken::kBad;
+  token.value = "string is not closed by '\"' on its line";
+}
+
+void TMofLexer::ReadChar(TMofToken& token) {
+  ++m_next;
+  std::string content;
+  bool isKnown = true;
+  while (!IsEnd() && At() != '\'' && At() != '\n' && At() != '\r' && content.size() <= 4) {
+    if (At() == '\\') {
+      ReadEscape(content, isKnown);
+    } else {
+      content.push_back(At());
+      ++m_next;
+    }
+  }
+  std::size_t length = 0;
+  const unsigned int unit = DecodeUtf8(content, length);
+  const bool isClosed = At() == '\'';
+  if (isClosed) {
+    ++m_next;
+  }
+  if (!isClosed || content.empty() || length != content.size() || unit > 0xFFFF || !isKnown) {
+    token.kind = EMofToken::kBad;
+    token.value = "expected one character between single quotes";
+    return;
+  }
+  token.kind = EMofToken::kChar;
+  token.magnitude = unit;
+}
+
+}  // namespace NZEPQEL20

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/schema/TMofLoader.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/contract/TQELException.h"
+#include "platform/schema/TMofParser.h"
+
+namespace NZEPQEL20 {
+
+void TMofLoader::Begin() {
+  ++m_unit;
+  m_pieces = 0;
+  m_nameSpace.clear();
+}
+
+bool TMofLoader::Open(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path canonical = std::filesystem::canonical(path, error);
+  return error || m_opened.insert(canonical.string()).second;
+}
+
+void TMofLoader::LoadFile(const std::string& path) {
+  Begin();
+  if (!Open(path)) {
+    return;
+  }
+  try {
+    Parse(TMofSource::ReadFile(path));
+  } catch (const TQELException& exception) {
+    m_problems.AddError(path, {}, std::string("cannot be read: ") + exception.what());
+  }
+}
+
+void TMofLoader::LoadText(const std::string& text, const std::string& name) {
+  Begin();
+  Parse(TMofSource::FromText(name, text));
+}
+
+void TMofLoader::Parse(const TMofSource& source) {
+  TMofParser(source, *this, m_problems).Parse();
+}
+
+void TMofLoader::OnInclude(const std::string& file, TMofPosition position,
+                           const std::string& path) {
+  constexpr std::size_t kLongest = 200;
+  const std::string shown = "include \"" + path.substr(0, kLongest) + "\": ";
+  if (m_depth == kMaxIncludes) {
+    m_problems.AddError(file, position, shown + "nested deeper than 64 files");
+    return;
+  }
+  const std::string target = ResolveMofPath(path, file);
+  if (!Open(target)) {
+    return;
+  }
+  ++m_depth;
+  try {
+    Parse(TMofSource::ReadFile(target));
+  } catch (const TQELException& exception) {
+    m_problems.AddError(file, position, shown + exception.what());
+  }
+  --m_depth;
+}
+
+void TMofLoader::OnQualifier(const std::string& file, TMofQualifierDeclaration&& qualifier) {
+  m_compiler.Declare(file, qualifier);
+}
+
+void TMofLoader::OnClass(const std::string& file, TMofClass&& declaration) {
+  m_store.Add(m_compiler.Compile(file, std::move(declaration)), m_problems);
+}
+
+void TMofLoader::OnInstance(const std::string& /*file*/, TMofInstance&& instance) {
+  instance.nameSpace = m_nameSpace;
+  instance.unit = m_unit;
+  m_store.AddInstance(std::move(instance));
+}
+
+bool TMofLoader::Reserve(std::size_t count) {
+  m_pieces += count;
+  return m_pieces <= kMaxPieces;
+}
+
+}  // namespace NZEPQEL20

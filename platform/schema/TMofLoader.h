@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <unordered_set>
+
+#include "platform/schema/IMofSink.h"
+#include "platform/schema/TMofCompiler.h"
+#include "platform/schema/TMofProblems.h"
+#include "platform/schema/TMofSource.h"
+#include "platform/schema/TSchemaStore.h"
+
+namespace NZEPQEL20 {
+
+/// Brings MOF files, and the files that they include, into a store.
+class TMofLoader : public IMofSink {
+ public:
+  /// Deepest nesting of includes.
+  static constexpr unsigned int kMaxIncludes = 64;
+  /// Most constants that one load may bring, with qualifiers and features at four each. A full
+  /// CIM schema has about a million.
+  static constexpr std::size_t kMaxPieces = 8'000'000;
+
+  TMofLoader(TSchemaStore& store, TMofProblems& problems)
+      : m_store(store), m_problems(problems), m_compiler(m_qualifiers, problems) {}
+
+  /// Nothing happens when the file was read before.
+  void LoadFile(const std::string& path);
+  void LoadText(const std::string& text, const std::string& name);
+
+  void OnQualifier(const std::string& file, TMofQualifierDeclaration&& qualifier) override;
+  void OnClass(const std::string& file, TMofClass&& declaration) override;
+  void OnInstance(const std::string& file, TMofInstance&& instance) override;
+  void OnInclude(const std::string& file, TMofPosition position, const std::string& path) override;
+  void OnNamespace(const std::string& nameSpace) override { m_nameSpace = nameSpace; }
+  bool Reserve(std::size_t count) override;
+
+ private:
+  void Begin();
+  void Parse(const TMofSource& source);
+  /// False when the file was read before.
+  bool Open(const std::string& path);
+
+  TSchemaStore& m_store;
+  TMofProblems& m_problems;
+  TMofQualifierTable m_qualifiers;
+  TMofCompiler m_compiler;
+  std::unordered_set<std::string> m_opened;  ///< Canonical paths.
+  unsigned int m_depth = 0;
+  unsigned int m_unit = 0;
+  std::size_t m_pieces = 0;
+  std::string m_nameSpace;
+};
+
+}  // namespace NZEPQEL20

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "platform/schema/IMofSink.h"
+#include "platform/schema/TMofLexer.h"
+#include "platform/schema/TMofSource.h"
+
+namespace NZEPQEL20 {
+
+/// Reads the declarations of one MOF text and hands each to a sink as soon as it is complete.
+///
+/// After a mistake it goes on behind the next `;`, or at the next declaration: a class keeps its
+/// other features. After TMofProblems::kMaxErrors mistakes it gives the text up.
+class TMofParser {
+ public:
+  TMofParser(const TMofSource& source, IMofSink& sink, TMofProblems& problems);
+
+  void Parse();
+
+ private:
+  struct TSyntaxError;
+  using TQualifiers = std::vector<TMofQualifier>;
+
+  // Tokens.
+  const TMofToken& Peek(std::size_t ahead = 0);
+  TMofToken Take();
+  bool IsSymbol(char symbol, std::size_t ahead = 0);
+  bool IsWord(const char* word, std::size_t ahead = 0);
+  bool TakeSymbol(char symbol);
+  void Expect(char symbol, const std::string& after);
+  TMofToken ExpectName(const std::string& what);
+  void Reserve(std::size_t count, TMofPosition position);
+  [[noreturn]] void Fail(const std::string& expected);
+  void Report(TMofPosition position, const std::string& text);
+  void Warn(TMofPosition position, const std::string& text);
+
+  // The file.
+  void ParseOrSkip();
+  void ParseDeclaration();
+  bool IsDeclarationStart();
+  void SkipToDeclaration();
+  void ParseEnd(const std::string& what);
+  void ParsePragma();
+  void ParseNamespace(const std::string& text);
+
+  // Classes.
+  void ParseClass(TQualifiers&& qualifiers);
+  bool ParseFeature(TMofClass& declaration);
+  bool IsClassCutOff();
+  void SkipFeature();
+  void ParseTypeAndName(TMofElement& element);
+  bool ParseArrayMark();
+  void CheckRoom(std::size_t count, const TMofElement& element);
+  void ParseMethod(TMofElement&& element, TMofClass& declaration);
+  void ParseProperty(TMofElement&& element, TMofClass& declaration);
+  TMofElement ParseParameter();
+
+  // Instances.
+  void ParseInstance();
+  void ParseInstanceProperty(TMofInstance& instance);
+
+  // Qualifiers.
+  TQualifiers ParseQualifiers();
+  TMofQualifier ParseQualifier();
+  void ParseFlavor(TMofFlavors& flavors);
+  void ParseQualifierDeclaration();
+  void ParseScopes();
+
+  // Constants.
+  TMofInitializer ParseInitializer();
+  void ParseArray(TMofInitializer& initializer);
+  TMofLiteral ParseLiteral();
+  std::string ParseString();
+
+  const TMofSource& m_source;
+  IMofSink& m_sink;
+  TMofProblems& m_problems;
+  TMofLexer m_lexer;
+  std::deque<TMofToken> m_ahead;
+  std::size_t m_taken = 0;  ///< Tokens taken so far, to see whether a step made progress.
+  std::size_t m_errorCount = 0;
+  TQualifiers m_pending;  ///< Qualifiers that were read before their class was recognised.
+};
+
+/// The type that a MOF keyword names, in any case; kNone when it names none.
+ECIMType FindMofType(std::string_view name);
+
+}  // namespace NZEPQEL20

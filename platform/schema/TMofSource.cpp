@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/schema/TMofSource.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/contract/TCIMInstanceData.h"
+#include "platform/contract/TQELException.h"
+#include "platform/schema/TMofLexer.h"
+
+namespace NZEPQEL20 {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Closes a file descriptor at the end of its scope.
+struct TDescriptor {
+  explicit TDescriptor(int number) : fd(number) {}
+  TDescriptor(const TDescriptor&) = delete;
+  TDescriptor& operator=(const TDescriptor&) = delete;
+  ~TDescriptor() {
+    if (fd >= 0) {
+      close(fd);
+    }
+  }
+  int fd;
+};
+
+[[noreturn]] void ThrowErrno(int error) {
+  const unsigned int status = error == ENOENT   ? TQELStatusCode::kNotFound
+                              : error == EACCES ? TQELStatusCode::kAccessDenied
+                                                : TQELStatusCode::kFailed;
+  throw TQELException(status, std::generic_category().message(error));
+}
+
+void CheckKind(int fd) {
+  struct stat info = {};
+  if (fstat(fd, &info) != 0) {
+    ThrowErrno(errno);
+  }
+  if (S_ISDIR(info.st_mode)) {
+    throw TQELException(TQELStatusCode::kInvalidArgument, "is a directory");
+  }
+  if (!S_ISREG(info.st_mode)) {
+    throw TQELException(TQELStatusCode::kInvalidArgument, "is not a regular file");
+  }
+  if (static_cast<std::size_t>(info.st_size) > TMofSource::kMaxSize) {
+    throw TQELException(TQELStatusCode::kInvalidArgument, "larger than 256 MiB");
+  }
+}
+
+std::string ReadBytes(const std::string& path) {
+  // Not blocking, so that a pipe in the place of a file cannot hold the host up.
+  const TDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (file.fd < 0) {
+    ThrowErrno(errno);
+  }
+  CheckKind(file.fd);
+  std::string bytes;
+  char block[65536];
+  while (bytes.size() <= TMofSource::kMaxSize) {
+    const ssize_t count = read(file.fd, block, sizeof(block));
+    if (count == 0) {
+      return bytes;
+    }
+    if (count < 0 && errno != EINTR) {
+      ThrowErrno(errno);
+    }
+    bytes.append(block, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  }
+  // The file grew while it was read.
+  throw TQELException(TQELStatusCode::kInvalidArgument, "larger than 256 MiB");
+}
+
+/// Length of the valid UTF-8 sequence at `i`, 0 when there is none.
+std::size_t GetSequenceLength(const std::string& text, std::size_t i) {
+  const auto byte = [&text](std::size_t at) {
+    return at < text.size() ? static_cast<unsigned int>(static_cast<unsigned char>(text[at])) : 0U;
+  };
+  const unsigned int first = byte(i);
+  const auto isTail = [&byte, i](std::size_t offset) {
+    return (byte(i + offset) & 0xC0U) == 0x80U;
+  };
+  if (first < 0x80) {
+    return 1;
+  }
+  if (first >= 0xC2 && first <= 0xDF) {
+    return isTail(1) ? 2 : 0;
+  }
+  if (first >= 0xE0 && first <= 0xEF) {
+    const bool isOverlong = first == 0xE0 && byte(i + 1) < 0xA0;
+    const bool isSurrogate = first == 0xED && byte(i + 1) > 0x9F;
+    return isTail(1) && isTail(2) && !isOverlong && !isSurrogate ? 3 : 0;
+  }
+  if (first >= 0xF0 && first <= 0xF4) {
+    const bool isOverlong = first == 0xF0 && byte(i + 1) < 0x90;
+    const bool isBeyond = first == 0xF4 && byte(i + 1) > 0x8F;
+    return isTail(1) && isTail(2) && isTail(3) && !isOverlong && !isBeyond ? 4 : 0;
+  }
+  return 0;
+}
+
+std::string MendUtf8(std::string bytes) {
+  std::string mended;
+  std::size_t good = 0;
+  std::size_t i = 0;
+  while (i < bytes.size()) {
+    const std::size_t length = GetSequenceLength(bytes, i);
+    if (length == 0) {
+      mended.append(bytes, good, i - good);
+      AppendUtf8(mended, static_cast<unsigned char>(bytes[i]));
+      good = i + 1;
+    }
+    i += std::max<std::size_t>(length, 1);
+  }
+  if (good == 0) {
+    return bytes;
+  }
+  return mended.append(bytes, good, std::string::npos);
+}
+
+std::string ConvertUtf16(const std::string& bytes, bool isBigEndian) {
+  const auto unit = [&bytes, isBigEndian](std::size_t i) {
+    const auto low = static_cast<unsigned char>(bytes[isBigEndian ? i + 1 : i]);
+    const auto high = static_cast<unsigned char>(bytes[isBigEndian ? i : i + 1]);
+    return static_cast<unsigned int>((high << 8U) | low);
+  };
+  std::string text;
+  for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+    unsigned int codePoint = unit(i);
+    const bool isPair = (codePoint & 0xFC00U) == 0xD800U && i + 3 < bytes.size() &&
+                        (unit(i + 2) & 0xFC00U) == 0xDC00U;
+    if (isPair) {
+      codePoint = 0x10000 + ((codePoint - 0xD800) << 10U) + (unit(i + 2) - 0xDC00);
+      i += 2;
+    }
+    AppendUtf8(text, codePoint);
+  }
+  return text;
+}
+
+}  // namespace
+
+TMofSource TMofSource::ReadFile(const std::string& path) {
+  return FromText(path, ReadBytes(path));
+}
+
+TMofSource TMofSource::FromText(const std::string& name, std::string bytes) {
+  if (bytes.compare(0, 2, "\xFF\xFE") == 0 || bytes.compare(0, 2, "\xFE\xFF") == 0) {
+    return {name, ConvertUtf16(bytes, bytes[0] == '\xFE')};
+  }
+  if (bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+    bytes.erase(0, 3);
+  }
+  return {name, MendUtf8(std::move(bytes))};
+}
+
+std::string FindWithoutCase(const std::string& folder, const std::string& name) {
+  std::error_code error;
+  const fs::path place = folder.empty() ? fs::path(".") : fs::path(folder);
+  for (fs::directory_iterator entry(place, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (IsSameName(entry->path().filename().string(), name)) {
+      return (fs::path(folder) / entry->path().filename()).string();
+    }
+  }
+  return {};
+}
+
+std::string ResolveMofPath(const std::string& path, const std::string& includingFile) {
+  std::string plain = path;
+  std::replace(plain.begin(), plain.end(), '\\', '/');
+  const fs::path wanted = fs::path(includingFile).parent_path() / plain;
+  std::error_code error;
+  if (fs::exists(wanted, error)) {
+    return wanted.string();
+  }
+  // Written on a file system without case: each part may be spelled differently here.
+  fs::path found;
+  for (const fs::path& part : wanted) {
+    const fs::path exact = found / part;
+    const std::string similar =
+        fs::exists(exact, error) ? exact.string() : FindWithoutCase(found.string(), part.string());
+    if (similar.empty()) {
+      return wanted.string();
+    }
+    found = similar;
+  }
+  return found.string();
+}
+
+}  // namespace NZEPQEL20

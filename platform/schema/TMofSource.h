@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace NZEPQEL20 {
+
+/// A MOF text in memory, as UTF-8, with the file that it came from.
+struct TMofSource {
+  /// Largest file that is read, in bytes.
+  static constexpr std::size_t kMaxSize = std::size_t{256} * 1024 * 1024;
+
+  /// Reads a regular file.
+  /// Errors: TQELException with the reason alone ("No such file or directory", "is a directory",
+  /// "larger than 256 MiB"), for the caller to put beside the file's name.
+  static TMofSource ReadFile(const std::string& path);
+
+  /// Takes `bytes` as they come: a byte order mark is dropped, UTF-16 with one is converted, and
+  /// each byte that is not UTF-8 counts as Latin-1.
+  static TMofSource FromText(const std::string& name, std::string bytes);
+
+  std::string name;
+  std::string text;
+};
+
+/// The file that `path` means, seen from the folder of `includingFile`: `\` separates like `/`,
+/// and a name that is not there is looked for without case. A path that leads to nothing comes
+/// back in its plain form.
+std::string ResolveMofPath(const std::string& path, const std::string& includingFile);
+
+/// `folder`/`name` with the spelling that the folder has for it in any case; empty when there is
+/// none.
+std::string FindWithoutCase(const std::string& folder, const std::string& name);
+
+}  // namespace NZEPQEL20

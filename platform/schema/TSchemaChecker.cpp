@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/schema/TSchemaChecker.h"
+
+#include <algorithm>
+
+#include "platform/schema/TClassRepository.h"
+#include "platform/schema/TMofQualifierTable.h"
+
+namespace NZEPQEL20 {
+
+namespace {
+
+std::string DescribeType(const TSchemaElement& element) {
+  return (element.type == ECIMType::kReference ? element.referenceClass + " REF"
+                                               : GetTypeName(element.type)) +
+         (element.isArray ? "[]" : "");
+}
+
+bool HasOwnKey(const TSchemaClass& declaration) {
+  return std::any_of(
+      declaration.properties.begin(), declaration.properties.end(),
+      [](const TSchemaProperty& property) { return HasQualifier(property.qualifiers, "Key"); });
+}
+
+}  // namespace
+
+void TSchemaChecker::Check() {
+  for (const TSchemaClass* top : m_store.GetTops()) {
+    CheckTop(*top);
+  }
+  if (m_visited < m_store.GetClasses().size()) {
+    CheckLoops();
+  }
+}
+
+void TSchemaChecker::CheckTop(const TSchemaClass& top) {
+  if (!top.superclass.empty()) {
+    m_problems.AddError(top.file, top.position,
+                        "superclass " + top.superclass + " of class " + top.name +
+                            " is not known; the class lacks what it would inherit");
+  }
+  TScope scope;
+  // A class without its superclass may well be an association.
+  scope.isLink = !top.superclass.empty();
+  CheckTree(top, scope);
+}
+
+void TSchemaChecker::CheckLoops() {
+  // A class that no top leads to is below a loop, or below one that was found too deep.
+  for (const TSchemaClass& declaration : m_store.GetClasses()) {
+    if (m_store.GetChain(declaration.name).end == TSchemaChain::EEnd::kLoop) {
+      m_problems.AddError(declaration.file, declaration.position,
+                          "the superclasses of class " + declaration.name + " form a loop");
+    }
+  }
+}
+
+void TSchemaChecker::CheckTree(const TSchemaClass& declaration, TScope scope) {
+  ++m_visited;
+  if (scope.depth > TClassRepository::kMaxInheritance) {
+    m_problems.AddError(declaration.file, declaration.position,
+                        "class " + declaration.name + " has more than " +
+                            std::to_string(TClassRepository::kMaxInheritance - 1) +
+                            " superclasses");
+    return;
+  }
+  scope.isLink = scope.isLink || HasQualifier(declaration.qualifiers, "Association") ||
+                 HasQualifier(declaration.qualifiers, "Indication");
+  for (const TSchemaProperty& property : declaration.properties) {
+    CheckProperty(declaration, property, scope);
+  }
+  for (const TSchemaProperty& property : declaration.properties) {
+    m_inherited[FoldName(property.name)].push_back(&property);
+  }
+  scope.hasKeys = scope.hasKeys || HasOwnKey(declaration);
+  ++scope.depth;
+  for (const TSchemaClass* child : m_store.GetChildren(declaration.name)) {
+    CheckTree(*child, scope);
+  }
+  for (const TSchemaProperty& property : declaration.properties) {
+    m_inherited[FoldName(property.name)].pop_back();
+  }
+}
+
+void TSchemaChecker::CheckProperty(const TSchemaClass& declaration, const TSchemaProperty& property,
+                                   const TScope& scope) {
+  if (property.type == ECIMType::kReference && !scope.isLink) {
+    m_problems.AddWarning(declaration.file, property.position,
+                          "reference " + property.name + " in class " + declaration.name +
+                              ", which is not an association");
+  }
+  const auto found = m_inherited.find(FoldName(property.name));
+  const TSchemaProperty* inherited =
+      found == m_inherited.end() || found->second.empty() ? nullptr : found->second.back();
+  if (inherited != nullptr) {
+    CheckOverride(declaration, property, *inherited);
+  }
+  const bool wasKey =
+      inherited != nullptr &&
+      std::any_of(found->second.begin(), found->second.end(), [](const TSchemaProperty* above) {
+        return HasQualifier(above->qualifiers, "Key");
+      });
+  if (HasQualifier(property.qualifiers, "Key") && !wasKey && scope.hasKeys) {
+    m_problems.AddWarning(declaration.file, property.position,
+                          "class " + declaration.name + " adds the key " + property.name +
+                              " to those of its superclasses");
+  }
+}
+
+void TSchemaChecker::CheckOverride(const TSchemaClass& declaration, const TSchemaProperty& property,
+                                   const TSchemaProperty& inherited) {
+  const std::string what = "property " + property.name + " of class " + declaration.name;
+  if (property.type != inherited.type || property.isArray != inherited.isArray) {
+    m_problems.AddError(declaration.file, property.position,
+                        what + " is " + DescribeType(property) + ", but " +
+                            DescribeType(inherited) + " where it comes from");
+    return;
+  }
+  if (property.type == ECIMType::kReference) {
+    const TSchemaChain chain = m_store.GetChain(property.referenceClass);
+    const bool isNarrower =
+        chain.end != TSchemaChain::EEnd::kRoot ||
+        std::any_of(chain.classes.begin(), chain.classes.end(),
+                    [&inherited](const TSchemaClass* super) {
+                      return FoldName(super->name) == FoldName(inherited.referenceClass);
+                    });
+    if (!isNarrower && !chain.classes.empty()) {
+      m_problems.AddWarning(declaration.file, property.position,
+                            what + " refers to " + property.referenceClass + ", which is not a " +
+                                inherited.referenceClass);
+    }
+  }
+  for (const TSchemaQualifier& qualifier : property.qualifiers) {
+    const TSchemaQualifier* fixed = FindQualifier(inherited.qualifiers, qualifier.name.c_str());
+    if (fixed != nullptr && fixed->toSubclass && !fixed->isOverridable &&
+        fixed->value != qualifier.value) {
+      m_problems.AddWarning(declaration.file, property.position,
+                            "qualifier " + qualifier.name + " of " + what +
+                                " cannot be changed; the inherited value holds");
+    }
+  }
+}
+
+}  // namespace NZEPQEL20

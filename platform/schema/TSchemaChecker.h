@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/schema/TMofProblems.h"
+#include "platform/schema/TSchemaStore.h"
+
+namespace NZEPQEL20 {
+
+/// Checks what only all classes together show: superclasses, overrides, keys. Walks the class tree
+/// once, so that the work grows with the number of declared features.
+class TSchemaChecker {
+ public:
+  TSchemaChecker(const TSchemaStore& store, TMofProblems& problems)
+      : m_store(store), m_problems(problems) {}
+
+  void Check();
+
+ private:
+  /// What a class has from above.
+  struct TScope {
+    unsigned int depth = 1;
+    bool isLink = false;  ///< An association or indication: it may hold references.
+    bool hasKeys = false;
+  };
+
+  void CheckTop(const TSchemaClass& top);
+  void CheckTree(const TSchemaClass& declaration, TScope scope);
+  void CheckProperty(const TSchemaClass& declaration, const TSchemaProperty& property,
+                     const TScope& scope);
+  void CheckOverride(const TSchemaClass& declaration, const TSchemaProperty& property,
+                     const TSchemaProperty& inherited);
+  void CheckLoops();
+
+  const TSchemaStore& m_store;
+  TMofProblems& m_problems;
+  std::size_t m_visited = 0;
+  /// Declarations of each property on the way down, the nearest last; by folded name.
+  std::unordered_map<std::string, std::vector<const TSchemaProperty*>> m_inherited;
+};
+
+}  // namespace NZEPQEL20
