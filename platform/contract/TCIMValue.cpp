@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 #include "platform/contract/TCIMInstanceData.h"
@@ -13,6 +14,9 @@
 
 namespace NZEPQEL20 {
 namespace {
+
+// A text may be a whole file; an error shows its beginning.
+constexpr std::string::size_type kLongestShown = 80;
 
 struct TBits {
   ECIMType type;
@@ -52,7 +56,9 @@ template <typename TNumber>
 bool ParseWhole(const std::string& text, TNumber& number) {
   const char* const end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, number);
-  return error == std::errc() && rest == end && !text.empty();
+  if (error != std::errc() || rest != end || text.empty()) return false;
+  // The library also reads "inf" and "nan" as reals.
+  return !std::is_floating_point_v<TNumber> || std::isfinite(static_cast<double>(number));
 }
 
 template <typename TNumber>
@@ -194,7 +200,11 @@ std::string TCIMValue::DescribeType() const {
 
 void TCIMValue::Refuse(const char* wanted) const {
   std::string from = DescribeType();
-  if (!m_isArray && m_type <= ECIMType::kDateTime) from += " (" + ToString(10) + ")";
+  if (!m_isArray && m_type <= ECIMType::kDateTime) {
+    const std::string text = ToString(10);
+    from +=
+        " (" + (text.size() <= kLongestShown ? text : text.substr(0, kLongestShown) + "...") + ")";
+  }
   ThrowMismatch(from, wanted);
 }
 

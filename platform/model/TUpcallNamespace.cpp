@@ -27,8 +27,11 @@ class TReasons {
     if (!m_worst || (SaysNotHere(*m_worst) && !SaysNotHere(reason))) m_worst = reason;
   }
   [[noreturn]] void Throw(const std::string& what) const {
-    if (m_worst) throw TQELException(*m_worst);
-    throw TQELException(TQELStatusCode::kNotFound, what + ": no namespace is registered");
+    if (!m_worst) {
+      throw TQELException(TQELStatusCode::kNotFound, what + ": no namespace is registered");
+    }
+    throw TQELException(m_worst->GetStatusCode(), what + ": " + m_worst->what(),
+                        m_worst->GetCIMStatus());
   }
 
  private:
