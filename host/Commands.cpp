@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/Commands.h"
+
+#include <exception>
+#include <memory>
+#include <ostream>
+
+#include "host/Label.h"
+#include "host/TJsonReport.h"
+#include "host/TTextReport.h"
+#include "host/Text.h"
+
+namespace host {
+namespace {
+
+using NZEPQEL20::TUnofferedTest;
+
+constexpr char kName[] = "diagsrun: ";
+constexpr char kClassNotFound[] = "Class Not Found\n";
+
+// One command at work.
+class TCommand {
+ public:
+  TCommand(const TOptions& options, IDiagnostics& diagnostics, const TSurroundings& surroundings)
+      : m_options(options), m_diagnostics(diagnostics), m_around(surroundings) {}
+
+  EExitStatus List();
+  EExitStatus Run();
+  EExitStatus Inspect();
+
+ private:
+  void Complain(const std::string& text) {
+    m_around.err << kName << SafeText(text, ELines::kOne) << "\n";
+  }
+  std::unique_ptr<IReport> MakeReport();
+  std::vector<std::string> ShowProblems();
+  std::vector<TUnofferedTest> GetUnoffered();
+  void ShowUnoffered(const std::vector<TUnofferedTest>& tests);
+  TTestReport RunOne(const TTest& test);
+  void RunAll(const std::vector<TTest>& tests, IReport& report, TRunReport& run);
+  EExitStatus InspectAsJson();
+  EExitStatus CheckOutput(EExitStatus status);
+
+  const TOptions& m_options;
+  IDiagnostics& m_diagnostics;
+  const TSurroundings& m_around;
+};
+
+std::unique_ptr<IReport> TCommand::MakeReport() {
+  if (m_options.isJson) return std::make_unique<TJsonReport>(m_around.out);
+  return std::make_unique<TTextReport>(m_around.out);
+}
+
+// Whoever reads the results must not take a cut output for a whole one.
+EExitStatus TCommand::CheckOutput(EExitStatus status) {
+  m_around.out.flush();
+  if (m_around.out) return status;
+  Complain("standard output: cannot be written to");
+  return EExitStatus::kNotFinished;
+}
+
+std::vector<std::string> TCommand::ShowProblems() {
+  std::vector<std::string> problems = m_diagnostics.GetProblems();
+  for (const std::string& problem : problems) Complain(problem);
+  return problems;
+}
+
+std::vector<TUnofferedTest> TCommand::GetUnoffered() {
+  try {
+    return m_diagnostics.GetUnofferedTests();
+  } catch (const std::exception& e) {
+    Complain(std::string("tests that are not offered: ") + e.what());
+    return {};
+  }
+}
+
+void TCommand::ShowUnoffered(const std::vector<TUnofferedTest>& tests) {
+  for (const TUnofferedTest& test : tests) {
+    std::string line = "not offered: " + test.serviceName;
+    if (!test.elementName.empty()) line += " (" + test.elementName + ")";
+    line += ": " + test.reason;
+    if (!test.remedy.empty()) line += "; " + test.remedy;
+    Complain(line);
+  }
+}
+
+EExitStatus TCommand::List() {
+  TListReport list;
+  list.tests = FilterTests(ReadCatalogue(m_diagnostics.EnumerateTests()), m_options.selection);
+  list.unoffered = GetUnoffered();
+  list.problems = ShowProblems();
+  MakeReport()->ShowList(list);
+  m_around.out.flush();
+  if (!m_options.isJson) ShowUnoffered(list.unoffered);
+  return CheckOutput(list.tests.empty() ? EExitStatus::kNotFinished : EExitStatus::kAllPassed);
+}
+
+TTestReport TCommand::RunOne(const TTest& test) {
+  TTestReport report;
+  report.test = test;
+  report.started = m_around.wallClock();
+  const auto start = m_around.steadyClock();
+  try {
+    TRunResult result =
+        m_diagnostics.Run(test.id, m_options.label.value_or(MakeDefaultLabel(test.service)));
+    report.outcome = JudgeAnswer(result.answer);
+    report.answer = Trim(result.answer);
+    report.record = std::move(result.record);
+  } catch (const std::exception& e) {
+    report.outcome = EOutcome::kError;
+    report.answer = e.what();
+  }
+  report.seconds = std::chrono::duration<double>(m_around.steadyClock() - start).count();
+  return report;
+}
+
+void TCommand::RunAll(const std::vector<TTest>& tests, IReport& report, TRunReport& run) {
+  for (const TTest& test : tests) {
+    run.isInterrupted = run.isInterrupted || m_around.isInterrupted();
+    // Nobody reads any more when the output is gone, so no further test is started.
+    if (run.isInterrupted || !m_around.out) {
+      run.tests.push_back({test, EOutcome::kNotRun, {}, std::nullopt, {}, 0});
+      continue;
+    }
+    report.ShowTestStart(test, run.tests.size() + 1, tests.size());
+    run.tests.push_back(RunOne(test));
+    report.ShowTestEnd(run.tests.back());
+    if (run.tests.back().outcome == EOutcome::kError) {
+      Complain(test.id + ": could not run or did not finish: " +
+               (run.tests.back().answer.empty() ? "no answer" : run.tests.back().answer) +
+               "; --log - --log-level trace shows the steps");
+    }
+  }
+  run.isInterrupted = run.isInterrupted || m_around.isInterrupted();
+}
+
+EExitStatus TCommand::Run() {
+  TRunReport run;
+  const std::vector<TTest> catalogue = ReadCatalogue(m_diagnostics.EnumerateTests());
+  run.problems = ShowProblems();
+  const std::vector<TTest> tests = SelectTests(catalogue, m_options.selection);
+  if (tests.empty()) {
+    Complain(catalogue.empty() ? "run: no tests found on this machine"
+                               : "run: no test matches; `diagsrun list` shows the tests");
+    ShowUnoffered(GetUnoffered());
+  }
+  const std::unique_ptr<IReport> report = MakeReport();
+  RunAll(tests, *report, run);
+  std::vector<EOutcome> outcomes;
+  for (const TTestReport& test : run.tests) outcomes.push_back(test.outcome);
+  // An interrupted run is never reported as a finished one.
+  run.status = run.isInterrupted ? EExitStatus::kNotFinished : GetExitStatus(outcomes);
+  report->ShowRunEnd(run);
+  return CheckOutput(run.status);
+}
+
+EExitStatus TCommand::InspectAsJson() {
+  TInspectReport inspected;
+  inspected.className = m_options.className;
+  std::optional<std::vector<TInstanceText>> instances =
+      m_diagnostics.GetInstances(m_options.className);
+  inspected.isKnown = instances.has_value();
+  if (instances) inspected.instances = std::move(*instances);
+  inspected.problems = ShowProblems();
+  TJsonReport(m_around.out).ShowInstances(inspected);
+  return CheckOutput(inspected.isKnown ? EExitStatus::kAllPassed : EExitStatus::kNotFinished);
+}
+
+EExitStatus TCommand::Inspect() {
+  if (m_options.isJson) return InspectAsJson();
+  std::string text = m_diagnostics.Inspect(m_options.className);
+  ShowProblems();
+  const std::string end = kClassNotFound;
+  const bool isUnknown =
+      text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+  if (isUnknown) {
+    text.resize(text.size() - end.size());
+    Complain(m_options.className + ": no such class");
+  }
+  m_around.out << SafeText(text, ELines::kKeep);
+  return CheckOutput(isUnknown ? EExitStatus::kNotFinished : EExitStatus::kAllPassed);
+}
+
+}  // namespace
+
+EExitStatus RunCommand(const TOptions& options, IDiagnostics& diagnostics,
+                       const TSurroundings& surroundings) {
+  TCommand command(options, diagnostics, surroundings);
+  switch (options.command) {
+    case ECommand::kList:
+      return command.List();
+    case ECommand::kRun:
+      return command.Run();
+    case ECommand::kInspect:
+      return command.Inspect();
+  }
+  return EExitStatus::kWrongUsage;
+}
+
+}  // namespace host

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/Host.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <optional>
+
+#include "host/Commands.h"
+#include "host/Progress.h"
+#include "host/TBlockedSignals.h"
+#include "host/TRunnerDiagnostics.h"
+#include "host/TSignalWatch.h"
+#include "host/TUsageError.h"
+#include "host/Text.h"
+#include "platform/contract/TRootObject.h"
+#include "platform/services/TCoreLogger.h"
+#include "platform/setup/TPlatform.h"
+
+namespace host {
+namespace {
+
+using NZEPQEL20::TCoreLogger;
+using NZEPQEL20::TRootObject;
+
+// The process's log for as long as it lives.
+class TLog {
+ public:
+  explicit TLog(const TOptions& options) {
+    if (options.logFile.empty()) return;
+    m_logger.emplace(options.logFile == "-" ? std::string() : options.logFile, options.logLevel);
+    TRootObject::SetCoreLogger(&*m_logger);
+  }
+  ~TLog() { TRootObject::SetCoreLogger(nullptr); }
+  TLog(const TLog&) = delete;
+  TLog& operator=(const TLog&) = delete;
+
+ private:
+  std::optional<TCoreLogger> m_logger;
+};
+
+int Complain(const char* reason, EExitStatus status) noexcept {
+  try {
+    std::cerr << "diagsrun: " << SafeText(reason, ELines::kOne) << "\n";
+  } catch (...) {
+    std::fputs("diagsrun: out of memory\n", stderr);
+  }
+  return static_cast<int>(status);
+}
+
+NZEPQEL20::TPlatformOptions GetPlatformOptions(const TOptions& options) {
+  NZEPQEL20::TPlatformOptions wanted;
+  wanted.root = options.root;
+  wanted.nameSpace = options.nameSpace;
+  return wanted;
+}
+
+// What is made here goes in the reverse order: the watch first, since it reaches into the
+// platform, then the runner, then the platform with its providers.
+EExitStatus RunOnPlatform(const TOptions& options, const TBlockedSignals* signals) {
+  const TLog log(options);
+  NZEPQEL20::TPlatform platform(GetPlatformOptions(options));
+  TRunnerDiagnostics diagnostics(
+      platform,
+      ChooseProgressTarget(options, ::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1));
+  std::optional<TSignalWatch> watch;
+  if (signals != nullptr) watch.emplace(*signals, [&platform] { platform.KillRunningJobs(); });
+  const TSurroundings surroundings{
+      std::cout, std::cerr, [&watch] { return watch && watch->IsInterrupted(); },
+      &std::chrono::system_clock::now, &std::chrono::steady_clock::now};
+  return RunCommand(options, diagnostics, surroundings);
+}
+
+EExitStatus RunArguments(const std::vector<std::string>& arguments) {
+  TCommandLine commandLine;
+  const std::optional<TOptions> options = commandLine.Parse(arguments, std::cout, std::cerr);
+  if (!options) {
+    std::cout.flush();
+    return std::cout ? commandLine.GetStatus() : EExitStatus::kNotFinished;
+  }
+  // The other commands start nothing that has to be ended, so signals end them as usual.
+  if (options->command != ECommand::kRun) return RunOnPlatform(*options, nullptr);
+  const TBlockedSignals signals;
+  return RunOnPlatform(*options, &signals);
+}
+
+}  // namespace
+
+int RunHost(int argc, char** argv) noexcept {
+  try {
+    OpenStandardDescriptors();
+    // A reader that goes away must not end the process in the middle of a test.
+    std::signal(SIGPIPE, SIG_IGN);
+    return static_cast<int>(
+        RunArguments(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc)));
+  } catch (const TUsageError& e) {
+    return Complain(e.what(), EExitStatus::kWrongUsage);
+  } catch (const std::exception& e) {
+    return Complain(e.what(), EExitStatus::kNotFinished);
+  } catch (...) {
+    return Complain("failed for a reason that it did not give", EExitStatus::kNotFinished);
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/TOutputRedirect.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <initializer_list>
+#include <iostream>
+#include <system_error>
+
+namespace host {
+namespace {
+
+[[noreturn]] void Fail(const char* what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
+
+void FlushAll() {
+  std::cout.flush();
+  std::fflush(stdout);
+}
+
+}  // namespace
+
+TOutputRedirect::TOutputRedirect(EOutputTarget target) {
+  if (target == EOutputTarget::kUnchanged) return;
+  FlushAll();
+  m_wasGood = std::cout.good();
+  m_saved = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  if (m_saved < 0) Fail("standard output");
+  const int sink = target == EOutputTarget::kStandardError
+                       ? ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)
+                       : ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  const bool isDone = sink >= 0 && ::dup2(sink, STDOUT_FILENO) >= 0;
+  const int error = errno;
+  if (sink >= 0) ::close(sink);
+  if (isDone) return;
+  ::close(m_saved);
+  errno = error;
+  Fail("standard output");
+}
+
+TOutputRedirect::~TOutputRedirect() {
+  if (m_saved < 0) return;
+  FlushAll();
+  ::dup2(m_saved, STDOUT_FILENO);
+  ::close(m_saved);
+  // A fault of the other target says nothing about standard output.
+  if (m_wasGood) std::cout.clear();
+}
+
+void OpenStandardDescriptors() {
+  // The wrong way round on purpose: /dev/null in the right mode would swallow the results.
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(descriptor, F_GETFD) >= 0) continue;
+    const int mode = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    const int opened = ::open("/dev/null", mode);
+    if (opened >= 0 && opened != descriptor) {
+      ::dup2(opened, descriptor);
+      ::close(opened);
+    }
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+namespace host {
+
+/// Where standard output goes meanwhile.
+enum class EOutputTarget {
+  kUnchanged,
+  kStandardError,
+  kNowhere,
+};
+
+/// Sends what anybody in this process writes to standard output somewhere else, for as long as it
+/// lives. What has been written before and after goes where it belongs.
+/// Errors: std::system_error when the descriptor cannot be changed.
+/// Threads: one at a time.
+class TOutputRedirect {
+ public:
+  explicit TOutputRedirect(EOutputTarget target);
+  ~TOutputRedirect();
+  TOutputRedirect(const TOutputRedirect&) = delete;
+  TOutputRedirect& operator=(const TOutputRedirect&) = delete;
+
+ private:
+  int m_saved = -1;
+  bool m_wasGood = true;
+};
+
+/// Opens the standard descriptors that the caller closed, so that no file of this process takes
+/// their numbers; using one of them fails as it would have.
+void OpenStandardDescriptors();
+
+}  // namespace host

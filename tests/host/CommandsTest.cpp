@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <stdexcept>
+
+#include "host/Commands.h"
+#include "host/TUsageError.h"
+#include "tests/host/TFakeDiagnostics.h"
+
+namespace host {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+constexpr char kList[] = "Stress,cpu0,CPU|Pattern,memory0,Memory|Read,sda,Disk|";
+
+class CommandsTest : public ::testing::Test {
+ protected:
+  CommandsTest() {
+    m_fake.list = kList;
+    m_fake.results["Stress,cpu0,CPU"] = {"Pass", TRecordText{"p", "OK", "all well\nreally"}};
+    m_fake.results["Pattern,memory0,Memory"] = {"Fail", std::nullopt};
+    m_fake.results["Read,sda,Disk"] = {"Aborted", std::nullopt};
+    m_options.command = ECommand::kRun;
+  }
+
+  // Every look at the clock takes a quarter of a second.
+  int Do() {
+    const TSurroundings surroundings{
+        m_out, m_err, [this] { return m_isInterrupted; },
+        [] { return std::chrono::system_clock::from_time_t(0); },
+        [this] { return std::chrono::steady_clock::time_point(m_time += m_step); }};
+    return static_cast<int>(RunCommand(m_options, m_fake, surroundings));
+  }
+
+  int Run(const std::vector<std::string>& ids) {
+    m_options.selection.ids = ids;
+    return Do();
+  }
+
+  TFakeDiagnostics m_fake;
+  TOptions m_options;
+  std::ostringstream m_out;
+  std::ostringstream m_err;
+  bool m_isInterrupted = false;
+  std::chrono::milliseconds m_step{250};
+  std::chrono::milliseconds m_time{0};
+};
+
+TEST_F(CommandsTest, ListShowsATable) {
+  m_options.command = ECommand::kList;
+  m_fake.list = "Stress,cpu0,CPU|Pattern,memory0,Memory|";
+  EXPECT_EQ(Do(), 0);
+  EXPECT_EQ(m_out.str(),
+            "NO.  SERVICE  DEVICE   ELEMENT  TEST ID\n"
+            "#1   Stress   cpu0     CPU      Stress,cpu0,CPU\n"
+            "#2   Pattern  memory0  Memory   Pattern,memory0,Memory\n");
+  EXPECT_EQ(m_err.str(), "");
+}
+
+TEST_F(CommandsTest, ListKeepsTheNumbersWhenItFilters) {
+  m_options.command = ECommand::kList;
+  m_options.selection.device = "sda";
+  EXPECT_EQ(Do(), 0);
+  EXPECT_THAT(m_out.str(), HasSubstr("#3 "));
+  EXPECT_THAT(m_out.str(), Not(HasSubstr("cpu0")));
+}
+
+TEST_F(CommandsTest, ListSaysWhenThereIsNothing) {
+  m_options.command = ECommand::kList;
+  m_fake.list = "No matching diagnostic test or device found.\n";
+  EXPECT_EQ(Do(), 2);
+  EXPECT_EQ(m_out.str(), "No tests found.\n");
+}
+
+TEST_F(CommandsTest, ListTellsOnStandardErrorWhatIsMissingAndWhy) {
+  m_options.command = ECommand::kList;
+  m_fake.unoffered = {{"Pattern", "Memory", "memtester is not installed", "install memtester"},
+                      {"Bare", "", "no right", ""}};
+  m_fake.problems = {"/r/x.mof: line 3: not a class\nfaked"};
+  EXPECT_EQ(Do(), 0);
+  EXPECT_EQ(m_err.str(),
+            "diagsrun: /r/x.mof: line 3: not a class\\x0afaked\n"
+            "diagsrun: not offered: Pattern (Memory): memtester is not installed; install "
+            "memtester\n"
+            "diagsrun: not offered: Bare: no right\n");
+}
+
+TEST_F(CommandsTest, ListHidesWhatWouldSteerTheTerminal) {
+  m_options.command = ECommand::kList;
+  m_fake.list = "\x1b[2JStress,cpu0,C\nPU|";
+  EXPECT_EQ(Do(), 0);
+  EXPECT_THAT(m_out.str(), HasSubstr("\\x1b[2JStress"));
+  EXPECT_THAT(m_out.str(), HasSubstr("C\\x0aPU"));
+  EXPECT_THAT(m_out.str(), Not(HasSubstr("\x1b")));
+}
+
+TEST_F(CommandsTest, RunShowsWordTimeAndRecordOfEachTest) {
+  EXPECT_EQ(Run({"#1", "#2"}), 1);
+  EXPECT_EQ(m_out.str(),
+            "[1/2] Stress,cpu0,CPU\n"
+            "      Pass (0.2 s)\n"
+            "      | all well\n"
+            "      | really\n"
+            "[2/2] Pattern,memory0,Memory\n"
+            "      Fail (0.2 s)\n"
+            "2 tests: 1 passed, 1 failed, 0 could not run or finish, 0 not started\n");
+  EXPECT_EQ(m_err.str(), "");
+}
+
+TEST_F(CommandsTest, RunPassesOnlyWhenEveryTestPasses) {
+  EXPECT_EQ(Run({"Stress,cpu0,CPU"}), 0);
+  EXPECT_EQ(Run({"#1", "#3"}), 2);
+  EXPECT_EQ(Run({"#2", "#3"}), 2);
+}
+
+TEST_F(CommandsTest, RunExplainsATestThatDidNotFinish) {
+  EXPECT_EQ(Run({"#3"}), 2);
+  EXPECT_THAT(m_err.str(),
+              HasSubstr("diagsrun: Read,sda,Disk: could not run or did not finish: Aborted"));
+}
+
+TEST_F(CommandsTest, RunGoesOnAfterATestThatThrew) {
+  bool isFirst = true;
+  m_fake.duringRun = [&] {
+    if (isFirst) {
+      isFirst = false;
+      throw std::runtime_error("the provider is gone");
+    }
+  };
+  EXPECT_EQ(Run({"#1", "#1"}), 2);
+  EXPECT_THAT(m_fake.runs, ::testing::SizeIs(2));
+  EXPECT_THAT(m_err.str(), HasSubstr("the provider is gone"));
+  EXPECT_THAT(m_out.str(), HasSubstr("2 tests: 1 passed, 0 failed, 1 could not run"));
+}
+
+TEST_F(CommandsTest, RunStartsNothingWhenOneIdIsUnknown) {
+  EXPECT_THROW(Run({"#1", "no,such,test"}), TUsageError);
+  EXPECT_THAT(m_fake.runs, IsEmpty());
+  EXPECT_EQ(m_out.str(), "");
+}
+
+TEST_F(CommandsTest, RunOfNothingIsAnError) {
+  m_options.selection.match = "floppy";
+  EXPECT_EQ(Do(), 2);
+  EXPECT_THAT(m_err.str(), HasSubstr("no test matches"));
+  m_fake.list = "No matching diagnostic test or device found.\n";
+  m_fake.unoffered = {{"Pattern", "Memory", "memtester is not installed", "install memtester"}};
+  EXPECT_EQ(Do(), 2);
+  EXPECT_THAT(m_err.str(), HasSubstr("no tests found on this machine"));
+  EXPECT_THAT(m_err.str(), HasSubstr("install memtester"));
+}
+
+TEST_F(CommandsTest, RunPassesTheLabelOrTheServiceName) {
+  Run({"#1"});
+  m_options.label = "mine";
+  Run({"#2"});
+  m_options.label.reset();
+  m_fake.list = "it's,a,b|";
+  Run({"#1"});
+  EXPECT_THAT(m_fake.runs,
+              ElementsAre("Stress,cpu0,CPU|Stress", "Pattern,memory0,Memory|mine", "it's,a,b|"));
+}
+
+TEST_F(CommandsTest, AnInterruptedRunStartsNoFurtherTestAndIsAnError) {
+  m_fake.duringRun = [this] { m_isInterrupted = true; };
+  EXPECT_EQ(Run({"#1", "#2", "#3"}), 2);
+  EXPECT_THAT(m_fake.runs, ElementsAre("Stress,cpu0,CPU|Stress"));
+  EXPECT_THAT(m_out.str(), HasSubstr("3 tests: 1 passed, 0 failed, 0 could not run or finish, 2 "
+                                     "not started (interrupted)"));
+}
+
+TEST_F(CommandsTest, AnInterruptedRunIsAnErrorEvenWhenItsLastTestPassed) {
+  m_fake.duringRun = [this] { m_isInterrupted = true; };
+  EXPECT_EQ(Run({"#1"}), 2);
+}
+
+TEST_F(CommandsTest, AnOutputThatCannotBeWrittenIsAnErrorAndStopsTheRun) {
+  m_fake.duringRun = [this] { m_out.setstate(std::ios::badbit); };
+  EXPECT_EQ(Run({"#1", "#2"}), 2);
+  EXPECT_THAT(m_fake.runs, ElementsAre("Stress,cpu0,CPU|Stress"));
+  EXPECT_THAT(m_err.str(), HasSubstr("standard output: cannot be written to"));
+}
+
+TEST_F(CommandsTest, InspectPrintsTheRunnersText) {
+  m_options.command = ECommand::kInspect;
+  m_options.className = "A";
+  m_fake.texts["A"] = "A.K=\"1\"\nK : 1\x07\n";
+  EXPECT_EQ(Do(), 0);
+  EXPECT_EQ(m_out.str(), "A.K=\"1\"\nK : 1\\x07\n");
+}
+
+TEST_F(CommandsTest, InspectNamesAnUnknownClassAndKeepsWhatWasSaidBefore) {
+  m_options.command = ECommand::kInspect;
+  m_options.className = "B";
+  m_fake.texts["B"] = "a provider failed\nClass Not Found\n";
+  EXPECT_EQ(Do(), 2);
+  EXPECT_EQ(m_out.str(), "a provider failed\n");
+  EXPECT_EQ(m_err.str(), "diagsrun: B: no such class\n");
+}
+
+}  // namespace
+}  // namespace host

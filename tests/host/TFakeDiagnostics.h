@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "host/IDiagnostics.h"
+
+namespace host {
+
+/// Diagnostics that answer as a test sets them up, and keep what they were asked to run.
+class TFakeDiagnostics : public IDiagnostics {
+ public:
+  std::string list;
+  std::vector<NZEPQEL20::TUnofferedTest> unoffered;
+  std::vector<std::string> problems;
+  std::map<std::string, TRunResult> results;  ///< By test id; others answer "No Results.\n".
+  std::map<std::string, std::string> texts;   ///< What Inspect() answers, by class.
+  std::map<std::string, std::vector<TInstanceText>> instances;
+  std::function<void()> duringRun = [] {};
+  std::vector<std::string> runs;  ///< "id|label" of each test that was run.
+
+  std::string EnumerateTests() override { return list; }
+  std::vector<NZEPQEL20::TUnofferedTest> GetUnofferedTests() override { return unoffered; }
+  std::vector<std::string> GetProblems() override { return problems; }
+  TRunResult Run(const std::string& id, const std::string& label) override {
+    runs.push_back(id + "|" + label);
+    duringRun();
+    const auto found = results.find(id);
+    return found == results.end() ? TRunResult{"No Results.\n", std::nullopt} : found->second;
+  }
+  std::string Inspect(const std::string& className) override {
+    const auto found = texts.find(className);
+    return found == texts.end() ? "Class Not Found\n" : found->second;
+  }
+  std::optional<std::vector<TInstanceText>> GetInstances(const std::string& className) override {
+    const auto found = instances.find(className);
+    if (found == instances.end()) return std::nullopt;
+    return found->second;
+  }
+};
+
+}  // namespace host
