@@ -26,9 +26,6 @@ class LaunchTest : public TRunnerTest {
     method.outParameters = outParameters;
     return method;
   }
-  static bool Holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-  }
 };
 
 TEST_F(LaunchTest, RunsATestToItsWord) {
@@ -271,6 +268,25 @@ TEST_F(LaunchTest, AFirstOutParameterThatIsNoReferenceEndsTheRun) {
   EXPECT_EQ(Run(runner, test.identifier), kNoMatch);
   EXPECT_THAT(TAccess::Finished(runner), IsEmpty());
   EXPECT_EQ(Count("clear"), 0U);
+}
+
+TEST_F(LaunchTest, AnExceptionFromTheResultForgetsTheFinishedTest) {
+  const TTest test = m_world.AddRunningTest("Quick", "OK");
+  DiagsRunner& runner = StartAndEnumerate();
+  m_faults.When("copy", EFault::kStdException);
+  EXPECT_EQ(Run(runner, test.identifier), kNoMatch);
+  EXPECT_THAT(Logs(), Contains("DiagsRunner::Execute erased test from finished map"));
+  EXPECT_THAT(TAccess::Finished(runner), IsEmpty());
+  EXPECT_EQ(Count("clear"), 0U);
+}
+
+TEST_F(LaunchTest, APlatformExceptionFromTheResultMeansNoResults) {
+  const TTest test = m_world.AddRunningTest("Quick", "OK");
+  DiagsRunner& runner = StartAndEnumerate();
+  m_faults.When("copy", EFault::kQELException);
+  EXPECT_EQ(Run(runner, test.identifier), "No Results.\n");
+  EXPECT_EQ(TAccess::Finished(runner).count(test.identifier), 1U);
+  EXPECT_EQ(Count("clear"), 1U);
 }
 
 TEST_F(LaunchTest, AServiceThatIsNoCMPIInstanceIsNotRun) {

@@ -10,7 +10,6 @@ namespace {
 using NZEPQEL20::TCIMValue;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
-using ::testing::IsEmpty;
 
 class ProgressTest : public TRunnerTest {
  protected:
@@ -137,6 +136,18 @@ TEST_F(ProgressTest, TheBackgroundCallLeavesItsOutParametersAndSetsTheFlag) {
   EXPECT_EQ(Count("invoke root/cimv2:Test_Service.Id=\"1\" RunDiagnostic {ManagedElement=x}"), 1U);
   ASSERT_EQ(TAccess::RunArgs(runner).count("Job"), 1U);
   EXPECT_EQ(TAccess::RunArgs(runner).at("Job").ToString(10), job->GetPath().GetPath());
+}
+
+TEST_F(ProgressTest, WhatTheBackgroundCallThrowsLeavesItAndTheFlagStaysClear) {
+  const TTest test = m_world.AddTest("A", "d", "e");
+  test.service->SetMethod("RunDiagnostic", {});
+  DiagsRunner& runner = Start();
+  TAccess::RunInstance(runner) = m_world.MakeInstance(test.service);
+  m_faults.When("invoke", EFault::kQELException, 1);
+  EXPECT_THROW(TAccess::ExecuteInThread(), NZEPQEL20::TQELException);
+  m_faults.When("invoke", EFault::kStdException, 1);
+  EXPECT_THROW(TAccess::ExecuteInThread(), std::runtime_error);
+  EXPECT_FALSE(TAccess::IsThreadDone(runner));
 }
 
 TEST_F(ProgressTest, BlanksAreTheLastBytesWithOneFlushEach) {
