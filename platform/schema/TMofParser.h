@@ -52,6 +52,7 @@ class TMofParser {
   void ParseClass(TQualifiers&& qualifiers);
   bool ParseFeature(TMofClass& declaration);
   bool IsClassCutOff();
+  bool IsClosingBrace();
   void SkipFeature();
   void ParseTypeAndName(TMofElement& element);
   bool ParseArrayMark();

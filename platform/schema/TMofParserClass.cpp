@@ -103,16 +103,23 @@ bool TMofParser::ParseFeature(TMofClass& declaration) {
   return true;
 }
 
+bool TMofParser::IsClosingBrace() {
+  if (!IsSymbol('}')) {
+    return false;
+  }
+  // The brace of an array goes on with its qualifier, or ends a property that others follow.
+  if (IsSymbol(']', 1) || IsSymbol(')', 1) || IsSymbol(',', 1) || IsSymbol('}', 1)) {
+    return false;
+  }
+  const bool isProperty = IsSymbol(';', 1) && (IsSymbol('}', 2) || IsWord("ref", 3) ||
+                                               FindMofType(Peek(2).text) != ECIMType::kNone);
+  return !isProperty;
+}
+
 void TMofParser::SkipFeature() {
   // No semicolon stands inside parentheses, brackets or array braces, so the next one ends the
-  // feature whatever is still open. A brace closes the class unless the feature opened one.
-  std::size_t depth = 0;
-  while (!IsClassCutOff()) {
-    if (IsSymbol('}') && depth == 0) {
-      return;
-    }
-    depth += IsSymbol('{') ? 1 : 0;
-    depth -= IsSymbol('}') ? 1 : 0;
+  // feature whatever is still open.
+  while (!IsClassCutOff() && !IsClosingBrace()) {
     if (TakeSymbol(';')) {
       return;
     }

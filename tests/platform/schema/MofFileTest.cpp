@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tests/platform/schema/SchemaSupport.h"
+
+namespace {
+
+using namespace schematest;
+
+TEST(MofFileTest, IncludesAreRelativeToTheirFileWithEitherSlashInAnyCase) {
+  const TFolder folder;
+  const std::string master =
+      folder.Write("schema.mof",
+                   "#pragma include (\"DMTF/Interop\\Class_P.mof\")\n"
+                   "#pragma Include (\"dmtf/CLASS_C.MOF\")\nclass A_Last : A_Deep { };");
+  folder.Write("DMTF/Interop/Class_P.mof", "#pragma include (\"sub/Deep.mof\")\nclass A_P { };");
+  folder.Write("DMTF/Interop/sub/Deep.mof", "class A_Deep { };");
+  folder.Write("DMTF/Class_C.mof", "class A_C { };");
+  TClassRepository repository;
+  EXPECT_EQ(Lines(repository.Load(master)), TLines());
+  EXPECT_EQ(repository.GetSubclasses("", true), (TLines{"A_Deep", "A_Last", "A_P", "A_C"}));
+}
+
+TEST(MofFileTest, CirclesOfIncludesEndAndFilesAreReadOnce) {
+  const TFolder folder;
+  const std::string first =
+      folder.Write("a.mof", "#pragma include (\"./b.mof\")\nclass A_A { };\ninstance of A_A { };");
+  const std::string second =
+      folder.Write("b.mof", "#pragma include (\"../" +
+                                std::filesystem::path(folder.GetPath()).filename().string() +
+                                "/a.mof\")\n#pragma include (\"b.mof\")\nclass A_B { };");
+  TClassRepository repository;
+  EXPECT_EQ(Lines(repository.Load(first)), TLines());
+  EXPECT_EQ(Lines(repository.Load(second)), TLines());
+  EXPECT_EQ(Lines(repository.Load(first)), TLines());
+  EXPECT_EQ(repository.GetCount(), 2U);
+  EXPECT_EQ(repository.GetInstances().size(), 1U);
+}
+
+TEST(MofFileTest, ErrorsOfAnIncludedFileNameThatFile) {
+  const TFolder folder;
+  const std::string master = folder.Write("m.mof", "#pragma include (\"x.mof\")\nclass A_A { };");
+  const std::string inner = folder.Write("x.mof", "\nclass ;");
+  TClassRepository repository;
+  EXPECT_EQ(Lines(repository.Load(master)),
+            TLines{inner + ":2:7: expected the name of a class, found ';'"});
+  EXPECT_NE(repository.Find("A_A"), nullptr);
+}
+
+TEST(MofFileTest, IncludesNestOnlySoDeep) {
+  const TFolder folder;
+  for (int i = 0; i < 70; ++i) {
+    const std::string number = std::to_string(i);
+    folder.Write("f" + number + ".mof", "#pragma include (\"f" + std::to_string(i + 1) +
+                                            ".mof\")\nclass A_" + number + " { };");
+  }
+  TClassRepository repository;
+  EXPECT_EQ(
+      Lines(repository.Load(folder.GetPath() + "/f0.mof")),
+      TLines{folder.GetPath() + "/f64.mof:1:18: include \"f65.mof\": nested deeper than 64 files"});
+  EXPECT_EQ(repository.GetCount(), 65U);
+}
+
+TEST(MofFileTest, FilesThatCannotBeReadAreReported) {
+  const TFolder folder;
+  const std::string missing = folder.GetPath() + "/none.mof";
+  const std::string pipe = folder.GetPath() + "/pipe.mof";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const std::string large = folder.Write("large.mof", "class A_A { };");
+  ASSERT_EQ(truncate(large.c_str(), 256L * 1024 * 1024 + 1), 0);
+  TClassRepository repository;
+  EXPECT_EQ(Lines(repository.Load(missing)),
+            TLines{missing + ": cannot be read: No such file or directory"});
+  EXPECT_EQ(Lines(repository.Load(folder.GetPath())),
+            TLines{folder.GetPath() + ": cannot be read: is a directory"});
+  EXPECT_EQ(Lines(repository.Load(pipe)), TLines{pipe + ": cannot be read: is not a regular file"});
+  EXPECT_EQ(Lines(repository.Load(large)), TLines{large + ": cannot be read: larger than 256 MiB"});
+  EXPECT_EQ(repository.GetCount(), 0U);
+}
+
+TEST(MofFileTest, AFileWithoutReadPermissionIsReported) {
+  if (geteuid() == 0) {
+    GTEST_SKIP() << "root reads every file";
+  }
+  const TFolder folder;
+  const std::string file = folder.Write("a.mof", "class A_A { };");
+  ASSERT_EQ(chmod(file.c_str(), 0), 0);
+  TClassRepository repository;
+  EXPECT_EQ(Lines(repository.Load(file)), TLines{file + ": cannot be read: Permission denied"});
+}
+
+TEST(MofFileTest, MissingSuperclassesAreLookedForOnTheSearchPath) {
+  const TFolder folder;
+  folder.Write("cim_base.MOF", "class CIM_Base : CIM_Root { };");
+  folder.Write("CIM_Root.mof", "class CIM_Root { [Key] uint8 k; };");
+  TClassRepository repository;
+  LoadLines(repository, "class V_X : CIM_Base { };");
+  repository.AddSearchPath(folder.GetPath() + "/nowhere");
+  repository.AddSearchPath(folder.GetPath());
+  EXPECT_EQ(Lines(repository.Check()), TLines());
+  EXPECT_TRUE(repository.IsA("V_X", "CIM_Root"));
+  EXPECT_TRUE(repository.Find("V_X")->FindProperty("k")->isKey);
+}
+
+}  // namespace
