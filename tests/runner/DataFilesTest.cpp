@@ -126,6 +126,17 @@ INSTANTIATE_TEST_SUITE_P(
 
 class LargeFilesTest : public TRunnerTest {};
 
+TEST_F(LargeFilesTest, ACatalogueOneByteShortOf32BitsGetsABufferOfTheReducedCount) {
+  // With its terminator the count is 0: nothing huge is asked for, and nothing is overrun.
+  m_world.AddTest("Quick", "cpu0", "Processor");
+  m_dataRoot.Write(kCatalogue, std::string(100, 'x'));
+  m_system.m_fileSizes[kCatalogue] = 0xFFFFFFFFU;
+  const TAllocationFault fault(std::size_t{1} << 30U);
+  ASSERT_NO_THROW(Start());
+  EXPECT_FALSE(fault.HasStruck());
+  EXPECT_EQ(fgDiagInstance->EnumerateDiagTests(""), "Quick,cpu0,Processor|");
+}
+
 TEST_F(LargeFilesTest, AMatrixOneByteShortOf32BitsOverrunsNothing) {
   m_world.AddTest("Quick", "cpu0", "Processor");
   m_dataRoot.Write(kMatrix, std::string(100, 'x'));
