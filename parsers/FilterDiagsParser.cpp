@@ -12,6 +12,8 @@ std::map<std::string, std::vector<std::string>> FilterDiagsParser::getDiagnostic
   return m_matrix;
 }
 
+// The text's type is fixed.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void FilterDiagsParser::DebugOutput(ILogger::EQELLogSeverity, std::string) {}
 
 void FilterDiagsParser::StartElement(const char* name, TXmlAttributes& attributes) {

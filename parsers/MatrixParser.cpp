@@ -12,6 +12,8 @@ std::multimap<std::string, std::string> MatrixParser::getDiagnosticMatrix() cons
   return m_matrix;
 }
 
+// The text's type is fixed.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void MatrixParser::DebugOutput(ILogger::EQELLogSeverity, std::string) {}
 
 void MatrixParser::StartElement(const char* name, TXmlAttributes& attributes) {

@@ -23,6 +23,8 @@ ResultParser::TResultMsgs ResultParser::getResultMsgs() && {
   return std::move(m_resultMsgs);
 }
 
+// The text's type is fixed.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void ResultParser::DebugOutput(ILogger::EQELLogSeverity, std::string) {}
 
 void ResultParser::StartElement(const char* name, TXmlAttributes& attributes) {
@@ -50,7 +52,8 @@ void ResultParser::StartElement(const char* name, TXmlAttributes& attributes) {
 void ResultParser::TraceStart(const TXmlAttributes& attributes) {
   DebugOutput(ILogger::kTrace, "++ ELEMENT: " + m_currentElement);
   for (const auto& [name, value] : attributes) {
-    DebugOutput(ILogger::kTrace, "    " + name + ":" + value);
+    std::string line = "    ";
+    DebugOutput(ILogger::kTrace, line.append(name).append(":").append(value));
   }
 }
 

@@ -60,6 +60,8 @@ std::string TOSSpecific::GetQELRootPath() {
   return root;
 }
 
+// The path's type is fixed.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::uint64_t TOSSpecific::GetFileSize(std::string path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) {

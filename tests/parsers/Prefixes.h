@@ -21,8 +21,7 @@ inline std::vector<std::string> GetUselessDocuments() {
           " \n",
           "plain text",
           "{\"json\": true}",
-          "\x7F"
-          "ELF\x01\x01\x01",
+          "\177ELF\1\1\1",
           "<",
           "<!DOCTYPE x [<!ENTITY y SYSTEM 'file:///etc/passwd'>]><x>&y;</x>",
           "<?xml version='1.0' encoding='EBCDIC-XX'?><x/>",
