@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <utility>
 
 #include "platform/contract/ICIMClass.h"
 #include "platform/contract/TAddToVectorCallback.h"
@@ -147,8 +148,8 @@ bool DiagsRunner::TWalk::ReadEnds(ICIMInstance& association, boost::shared_ptr<I
   try {
     instRef1 = runner::GetReference(association, property1);
     instRef2 = runner::GetReference(association, property2);
-    DebugLog("DiagsRunner::GetCIMData:Property 1: " + property1 + "=" + instRef1.GetPath());
-    DebugLog("DiagsRunner::GetCIMData:Property 2: " + property2 + "=" + instRef2.GetPath());
+    DebugLog({"DiagsRunner::GetCIMData:Property 1: ", property1, "=", instRef1.GetPath()});
+    DebugLog({"DiagsRunner::GetCIMData:Property 2: ", property2, "=", instRef2.GetPath()});
     class1 = instRef1.GetClass();
     class2 = instRef2.GetClass();
     runner::Need(class1, "class of the service");
@@ -178,7 +179,8 @@ bool DiagsRunner::TWalk::Identify(ICIMInstance& association, ICIMInstance& servi
   try {
     const std::string elementName = runner::GetText(device, "ElementName");
     const std::string deviceID = runner::GetText(device, "DeviceID");
-    testID = runner::GetText(service, "Name") + "," + deviceID + "," + elementName;
+    testID = runner::GetText(service, "Name");
+    testID.append(",").append(deviceID).append(",").append(elementName);
     if (className == runner::kServiceClass && nspID == TCIMValue("pegasus")) {
       const std::string nameSpace = association.GetNamespaceText({});
       runner.m_diagPegasusNS.insert({testID, TCIMValue(nameSpace)});
@@ -222,7 +224,7 @@ bool DiagsRunner::GetCIMData(TCIMReference& instRef1, TCIMReference& instRef2,
   for (const TInstancePtr& association : associations) {
     std::string testID;
     if (!walk.Visit(*association, testID)) continue;
-    out.push_back(testID);
+    out.push_back(std::move(testID));
     found = true;
   }
   if (className == runner::kServiceClass) {
@@ -240,10 +242,11 @@ std::string DiagsRunner::EnumerateDiagTests(std::string /*unused*/) {
   TTestIDs list;
   if (GetCIMData(instRef1, instRef2, runner::kServiceClass, runner::kServiceProperty,
                  runner::kDeviceProperty, "", "", "", "", list, kEnumTest, TCIMValue("cmpi"))) {
+    const TCIMValue nspID("cmpi");
     for (const std::string& testID : list) {
       if (testID.empty()) continue;
-      m_diagNS.insert({testID, TCIMValue("cmpi")});
-      m_testList += testID + "|";
+      m_diagNS.try_emplace(testID, nspID);
+      m_testList.append(testID).append("|");
     }
   }
   if (m_testList.empty()) m_testList = runner::kNoMatch;

@@ -22,7 +22,7 @@ void ThrowMissing(const char* what) {
                                  std::string(what) + ": the platform gave no object");
 }
 
-TCIMValue GetValue(ICIMInstance& instance, const char* property) {
+TCIMValue GetValue(ICIMInstance& instance, const std::string& property) {
   const boost::shared_ptr<ICIMProperty> found = instance.GetProperty(property, {});
   return found ? found->GetValue({}) : TCIMValue();
 }
@@ -33,7 +33,7 @@ std::string GetText(ICIMInstance& instance, const char* property) {
 }
 
 TCIMReference GetReference(ICIMInstance& instance, const std::string& property) {
-  return static_cast<TCIMReference>(GetValue(instance, property.c_str()));
+  return static_cast<TCIMReference>(GetValue(instance, property));
 }
 
 boost::shared_ptr<ICIMInstance> Fetch(const TCIMReference& path, const TKeyMap& context) {

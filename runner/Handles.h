@@ -24,7 +24,7 @@ TObject& Need(const boost::shared_ptr<TObject>& handle, const char* what) {
 }
 
 /// The property's value; NULL when the instance has no such property.
-NZEPQEL20::TCIMValue GetValue(NZEPQEL20::ICIMInstance& instance, const char* property);
+NZEPQEL20::TCIMValue GetValue(NZEPQEL20::ICIMInstance& instance, const std::string& property);
 
 /// The property as a person reads it; empty when the instance has no such property.
 std::string GetText(NZEPQEL20::ICIMInstance& instance, const char* property);

@@ -26,8 +26,8 @@ struct TNumber {
 };
 
 // Decimal or hexadecimal, with or without a sign, and nothing else.
-std::optional<TNumber> ParseNumber(std::string_view text) {
-  TNumber number;
+bool ParseNumber(std::string_view text, TNumber& number) {
+  number = TNumber();
   if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
     number.isNegative = text.front() == '-';
     text.remove_prefix(1);
@@ -39,9 +39,8 @@ std::optional<TNumber> ParseNumber(std::string_view text) {
   }
   const char* const end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, number.magnitude, radix);
-  if (error != std::errc() || rest != end) return std::nullopt;
   if (number.magnitude == 0) number.isNegative = false;
-  return number;
+  return error == std::errc() && rest == end;
 }
 
 // How well an entry of ValueMap fits; the smaller the better.
@@ -50,16 +49,16 @@ enum class EFit { kExact, kClosedRange, kOpenRange, kRest, kNone };
 EFit GetNumberFit(std::string_view entry, const TNumber& number) {
   const std::string_view::size_type dots = entry.find("..");
   if (dots == std::string_view::npos) {
-    const std::optional<TNumber> exact = ParseNumber(entry);
-    return exact && *exact == number ? EFit::kExact : EFit::kNone;
+    TNumber exact;
+    return ParseNumber(entry, exact) && exact == number ? EFit::kExact : EFit::kNone;
   }
   const std::string_view low = entry.substr(0, dots);
   const std::string_view high = entry.substr(dots + 2);
   if (low.empty() && high.empty()) return EFit::kRest;
-  const std::optional<TNumber> first = ParseNumber(low);
-  const std::optional<TNumber> last = ParseNumber(high);
-  const bool isAbove = low.empty() || (first && *first <= number);
-  const bool isBelow = high.empty() || (last && number <= *last);
+  TNumber first;
+  TNumber last;
+  const bool isAbove = low.empty() || (ParseNumber(low, first) && first <= number);
+  const bool isBelow = high.empty() || (ParseNumber(high, last) && number <= last);
   if (!isAbove || !isBelow) return EFit::kNone;
   return low.empty() || high.empty() ? EFit::kOpenRange : EFit::kClosedRange;
 }
@@ -70,9 +69,10 @@ bool IsInteger(ECIMType type) {
 
 std::optional<std::string> FindByPosition(const std::vector<std::string>& values,
                                           const TCIMValue& value) {
-  const std::optional<TNumber> number = ParseNumber(value.ToString(10));
-  if (!number || number->isNegative || number->magnitude >= values.size()) return std::nullopt;
-  return values[static_cast<std::size_t>(number->magnitude)];
+  TNumber number;
+  if (!ParseNumber(value.ToString(10), number) || number.isNegative) return std::nullopt;
+  if (number.magnitude >= values.size()) return std::nullopt;
+  return values[static_cast<std::size_t>(number.magnitude)];
 }
 
 std::optional<std::string> FindWord(const TCIMElementDeclaration& declaration,
@@ -83,14 +83,15 @@ std::optional<std::string> FindWord(const TCIMElementDeclaration& declaration,
     return isInteger ? FindByPosition(declaration.values, value) : std::nullopt;
   }
   const std::string text = value.ToString(10);
-  const std::optional<TNumber> number = isInteger ? ParseNumber(text) : std::nullopt;
+  TNumber number;
+  const bool isNumber = isInteger && ParseNumber(text, number);
   EFit best = EFit::kNone;
   std::optional<std::string> word;
   const auto pairs = std::min(declaration.valueMap.size(), declaration.values.size());
   for (std::size_t i = 0; i < pairs; ++i) {
     const std::string& entry = declaration.valueMap[i];
     const EFit fit =
-        number ? GetNumberFit(entry, *number) : (entry == text ? EFit::kExact : EFit::kNone);
+        isNumber ? GetNumberFit(entry, number) : (entry == text ? EFit::kExact : EFit::kNone);
     if (fit >= best) continue;
     best = fit;
     word = declaration.values[i];
