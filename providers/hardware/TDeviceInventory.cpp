@@ -141,8 +141,8 @@ std::vector<TDevice> TDeviceInventory::FindMemory() const {
     device.id = "memory0";
     device.bytes = *kib * 1024;
     const std::string machine = ReadMachineName();
-    device.name =
-        CleanName((machine.empty() ? "Memory " : machine + " memory ") + DescribeBytes(device.bytes));
+    device.name = CleanName((machine.empty() ? "Memory " : machine + " memory ") +
+                            DescribeBytes(device.bytes));
     return {device};
   }
   return {};

@@ -74,7 +74,7 @@ TAvailability TNetworkDriverTest::Check(const TDevice& device) const {
 }
 
 TVerdict TNetworkDriverTest::Run(const TDevice& device, const TRunControl& control) const {
-  const std::string version = m_tools.GetVersion("ethtool", "--version");
+  const std::string version = m_tools.GetVersion("ethtool", "--version", control.stop);
   // The mode is always named: the default would take the port out of use.
   const TProcessOutcome outcome = m_tools.Run(
       {"ethtool", "-t", device.kernelName, "online"}, m_deadline, control.stop,

@@ -127,7 +127,7 @@ TVerdict TNvmeSelfTest::Run(const TDevice& device, const TRunControl& control) c
       TSelfTestWatch(steps, std::chrono::seconds(m_tools.GetConfig().selfTestPollSeconds),
                      m_deadline)
           .Run(control);
-  verdict.tool = m_tools.GetVersion("nvme", "version");
+  verdict.tool = m_tools.GetVersion("nvme", "version", control.stop);
   return verdict;
 }
 

@@ -124,7 +124,7 @@ TAvailability TProcessorStress::Check(const TDevice& device) const {
 }
 
 TVerdict TProcessorStress::Run(const TDevice& device, const TRunControl& control) const {
-  const std::string version = m_tools.GetVersion("stress-ng", "--version");
+  const std::string version = m_tools.GetVersion("stress-ng", "--version", control.stop);
   const TMemoryErrors before = TMemoryErrors::Read(m_tools.GetFiles());
   const std::chrono::milliseconds length = m_length;
   const TProcessOutcome outcome =

@@ -58,7 +58,8 @@ TProcessOutcome TTestTools::Run(const std::vector<std::string>& arguments,
   return m_runner.Run(command, deadline, stop, watcher);
 }
 
-TProcessOutcome TTestTools::Ask(const std::vector<std::string>& question, const TDevice& device) {
+TProcessOutcome TTestTools::Ask(const std::vector<std::string>& question, const TDevice& device,
+                                const TStopSignal& stop) {
   const std::string key = Join(question, "\n") + "\n" + device.id + "\n" + device.name;
   {
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -66,14 +67,16 @@ TProcessOutcome TTestTools::Ask(const std::vector<std::string>& question, const 
     if (known != m_answers.end()) return known->second;
   }
   // Asked without the lock: one device that does not answer must not hold up the others.
-  TProcessOutcome answer = Run(question, kQuestionTime, TStopSignal());
+  TProcessOutcome answer = Run(question, kQuestionTime, stop);
+  if (stop.Get() != EStop::kNone) return answer;
   const std::lock_guard<std::mutex> lock(m_mutex);
   if (m_answers.size() >= kMaxAnswers) m_answers.clear();
   return m_answers.emplace(key, std::move(answer)).first->second;
 }
 
-std::string TTestTools::GetVersion(const std::string& name, const std::string& versionOption) {
-  const TProcessOutcome answer = Ask({name, versionOption}, TDevice());
+std::string TTestTools::GetVersion(const std::string& name, const std::string& versionOption,
+                                   const TStopSignal& stop) {
+  const TProcessOutcome answer = Ask({name, versionOption}, TDevice(), stop);
   const std::string& text = answer.output.empty() ? answer.errors : answer.output;
   const std::vector<std::string_view> lines = SplitLines(text);
   return answer.end == EProcessEnd::kExited && !lines.empty() ? Excerpt(lines.front(), 200) : name;

@@ -40,11 +40,15 @@ class TTestTools {
                       const TProcessRunner::TWatcher& watcher = nullptr) const;
 
   /// Asks a program something about `device` and keeps the answer: the same question is answered
-  /// from memory ever after. Takes at most five seconds.
-  TProcessOutcome Ask(const std::vector<std::string>& question, const TDevice& device);
+  /// from memory ever after. Takes at most five seconds. An answer that was not awaited because of
+  /// `stop` is not kept.
+  TProcessOutcome Ask(const std::vector<std::string>& question, const TDevice& device,
+                      const TStopSignal& stop = TStopSignal());
 
-  /// First line of what `name version` prints, kept like the answer to Ask().
-  std::string GetVersion(const std::string& name, const std::string& versionOption);
+  /// First line of what the program prints with this option, asked and kept like Ask(); its name
+  /// when there is no such line.
+  std::string GetVersion(const std::string& name, const std::string& versionOption,
+                         const TStopSignal& stop);
 
  private:
   std::string Find(const std::string& name) const;

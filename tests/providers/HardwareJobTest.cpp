@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "tests/providers/HardwareTestFixture.h"
+#include "tests/providers/THardwareFixture.h"
 
 namespace hardware {
 namespace {
@@ -16,7 +16,7 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
-class HardwareJobTest : public HardwareTestFixture {
+class HardwareJobTest : public THardwareFixture {
  protected:
   HardwareJobTest() {
     m_machine.AddProcessors(2, "AMD EPYC");

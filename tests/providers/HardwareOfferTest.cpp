@@ -7,7 +7,7 @@
 #include <set>
 
 #include "providers/hardware/Text.h"
-#include "tests/providers/HardwareTestFixture.h"
+#include "tests/providers/THardwareFixture.h"
 
 namespace hardware {
 namespace {
@@ -18,7 +18,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class HardwareOfferTest : public HardwareTestFixture {
+class HardwareOfferTest : public THardwareFixture {
  protected:
   void AddAllTools() {
     for (const char* const tool : {"stress-ng", "memtester", "fio", "smartctl", "nvme"}) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/providers/HardwareTestFixture.h"
+#include "tests/providers/THardwareFixture.h"
 
 #include <chrono>
 #include <thread>
@@ -14,7 +14,7 @@ const char* const kGoodMemory =
     "got  16MB (16777216 bytes), trying mlock ...locked.\nLoop 1/1:\n"
     "  16-bit Writes       : ok\n\nDone.\n";
 
-HardwareTestFixture::HardwareTestFixture() {
+THardwareFixture::THardwareFixture() {
   m_config.processorSeconds = 1;
   m_config.networkSeconds = 1;
   m_config.diskSeconds = 1;
@@ -22,13 +22,12 @@ HardwareTestFixture::HardwareTestFixture() {
   m_rights = {true, true, true, 0};
 }
 
-void HardwareTestFixture::Open() {
+void THardwareFixture::Open() {
   m_hardware = std::make_unique<THardware>(m_config, THostFiles(m_machine.GetRoot()), m_rights,
                                            TToolFinder(m_machine.GetToolFolder()));
 }
 
-std::string HardwareTestFixture::Start(const std::string& serviceName,
-                                       const std::string& deviceId) {
+std::string THardwareFixture::Start(const std::string& serviceName, const std::string& deviceId) {
   const auto offer = m_hardware->FindOffer(serviceName, deviceId);
   if (offer == nullptr) {
     ADD_FAILURE() << serviceName << " is not offered for " << deviceId;
@@ -39,7 +38,7 @@ std::string HardwareTestFixture::Start(const std::string& serviceName,
   return started.jobId;
 }
 
-TRecord HardwareTestFixture::RunToEnd(const std::string& serviceName, const std::string& deviceId) {
+TRecord THardwareFixture::RunToEnd(const std::string& serviceName, const std::string& deviceId) {
   const std::string jobId = Start(serviceName, deviceId);
   m_hardware->GetJobs().WaitFor(jobId);
   const std::optional<TRecord> record = m_hardware->GetJobs().FindRecord(jobId + ":record");
@@ -47,7 +46,7 @@ TRecord HardwareTestFixture::RunToEnd(const std::string& serviceName, const std:
   return record.value_or(TRecord());
 }
 
-void HardwareTestFixture::WaitForPercent(const std::string& jobId, unsigned int percent) {
+void THardwareFixture::WaitForPercent(const std::string& jobId, unsigned int percent) {
   for (int i = 0; i < 1000; ++i) {
     const std::optional<TJobView> job = m_hardware->GetJobs().FindJob(jobId);
     if (job && job->percent >= percent) return;
@@ -56,7 +55,7 @@ void HardwareTestFixture::WaitForPercent(const std::string& jobId, unsigned int 
   ADD_FAILURE() << jobId << " never came to " << percent << " %";
 }
 
-std::vector<std::string> HardwareTestFixture::ListOffers() {
+std::vector<std::string> THardwareFixture::ListOffers() {
   std::vector<std::string> offers;
   for (const THardware::TOffer& offer : m_hardware->Refresh()->offers) {
     offers.push_back(offer.test->GetService().name + " on " + offer.device.id);

@@ -18,9 +18,9 @@ extern const char* const kGoodStress;
 extern const char* const kGoodMemory;
 
 /// A fake machine with its tests.
-class HardwareTestFixture : public ::testing::Test {
+class THardwareFixture : public ::testing::Test {
  protected:
-  HardwareTestFixture();
+  THardwareFixture();
 
   /// Makes the provider of the machine as it is now; its programs are the fake ones alone.
   void Open();
