@@ -111,6 +111,19 @@ TEST_F(LaunchTest, ASecondRunTrustsTheIndexAndComparesNoNames) {
   EXPECT_EQ(Count("property root/cimv2:Test_Device.Id=\"1\" DeviceID"), 0U);
 }
 
+TEST_F(LaunchTest, TheCachedIndexIsTheOneOfTheTest) {
+  m_world.AddTest("Other", "d", "e");
+  const TTest test = m_world.AddRunningTest("Quick", "OK");
+  DiagsRunner& runner = StartAndEnumerate();
+  Run(runner, test.identifier);
+  ClearTranscript();
+  EXPECT_EQ(Run(runner, test.identifier), "Pass");
+  EXPECT_EQ(Count("invoke root/cimv2:Test_Service.Id=\"2\" RunDiagnostic "
+                  "{ManagedElement=root/cimv2:Test_Device.Id=\"2\"}"),
+            1U);
+  EXPECT_EQ(Count("fetch root root/cimv2:Test_Service.Id=\"1\""), 0U);
+}
+
 TEST_F(LaunchTest, ATestThatIsNotCachedIsSearchedEvenWhenOthersAre) {
   const TTest first = m_world.AddRunningTest("Quick", "OK");
   const TTest second = m_world.AddRunningTest("Slow", "Failed");
