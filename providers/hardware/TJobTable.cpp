@@ -4,9 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
-#include <cstdio>
 #include <ctime>
 #include <exception>
 #include <utility>
@@ -18,18 +16,18 @@ namespace {
 
 constexpr std::chrono::minutes kKeptTime{5};
 
+// Digits in front of the number make it `width` characters long.
+std::string Pad(unsigned long number, std::size_t width) {
+  const std::string digits = std::to_string(number);
+  return std::string(width - std::min(width, digits.size()), '0') + digits;
+}
+
 // Ids of the same length that differ in time, process or number: none is contained in another.
 std::string MakeJobId() {
   static std::atomic<unsigned int> counter{0};
-  const std::time_t now = std::time(nullptr);
-  std::tm fields{};
-  ::gmtime_r(&now, &fields);
-  std::array<char, 20> stamp{};
-  std::strftime(stamp.data(), stamp.size(), "%Y%m%dT%H%M%S", &fields);
-  std::array<char, 64> id{};
-  std::snprintf(id.data(), id.size(), "DRH:%s-%07ld-%010u", stamp.data(),
-                static_cast<long>(::getpid()), ++counter);
-  return id.data();
+  const auto now = static_cast<unsigned long>(std::time(nullptr));
+  return "DRH:" + Pad(now, 10) + "-" + Pad(static_cast<unsigned long>(::getpid()), 7) + "-" +
+         Pad(++counter, 10);
 }
 
 EJobState ToJobState(const TVerdict& verdict) {
@@ -71,9 +69,8 @@ bool IsFinal(EJobState state) {
 }
 
 std::string ComposeRecordData(const TVerdict& verdict, std::chrono::milliseconds duration) {
-  std::array<char, 32> seconds{};
-  std::snprintf(seconds.data(), seconds.size(), "%.1f s",
-                std::chrono::duration<double>(duration).count());
+  const std::string seconds = std::to_string(duration.count() / 1000) + "." +
+                              std::to_string(duration.count() % 1000 / 100) + " s";
   std::string text = "Verdict: " + NameVerdict(verdict.state) + ": " + verdict.summary + "\n";
   const auto add = [&text](const char* label, const std::string& value) {
     if (!value.empty()) text += std::string(label) + ": " + value + "\n";
@@ -82,7 +79,7 @@ std::string ComposeRecordData(const TVerdict& verdict, std::chrono::milliseconds
   add("Tool", verdict.tool);
   add("Command", verdict.command);
   add("Ended with", verdict.exit);
-  add("Duration", seconds.data());
+  add("Duration", seconds);
   if (!verdict.excerpt.empty()) text += "Output:\n" + verdict.excerpt + "\n";
   return CleanText(text);
 }

@@ -40,7 +40,7 @@ std::string FindLibraryFolder() {
 }
 
 std::string FindSystemName(const THostFiles& files) {
-  const std::string own = CleanName(files.ReadText("/proc/sys/kernel/hostname").value_or(""));
+  std::string own = CleanName(files.ReadText("/proc/sys/kernel/hostname").value_or(""));
   if (!own.empty()) return own;
   std::array<char, 256> name{};
   return ::gethostname(name.data(), name.size() - 1) == 0 ? CleanName(name.data()) : "localhost";
