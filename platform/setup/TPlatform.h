@@ -51,7 +51,9 @@ class DIAGSPLATFORM_EXPORT TPlatform {
   /// Records copied since the last call, in the order of copying.
   std::vector<boost::shared_ptr<ICIMInstance>> TakeRecords();
 
-  /// What could not be loaded, one line each: thing, reason, and what would mend it.
+  /// What could not be loaded or has failed so far, one line each: thing, reason, and what would
+  /// mend it. The answer holds until the next call.
+  /// Threads: one at a time.
   const std::vector<std::string>& GetProblems() const;
 
   /// The tests that providers report as not offered on this machine ("DRH_UnofferedTest"); empty

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/setup/InstalledFiles.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/contract/TQELException.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void Refuse(const std::string& root, const std::error_code& error,
+                         const std::string& reason) {
+  const bool isDenied = error == std::errc::permission_denied;
+  throw TQELException(isDenied ? TQELStatusCode::kAccessDenied : TQELStatusCode::kNotFound,
+                      "installation root " + root + ": " + reason +
+                          "; --root or DIAGSRUNNER_ROOT names another one");
+}
+
+// What a folder holds, by name; a folder that is not there holds nothing.
+std::vector<fs::path> ReadFolder(const fs::path& folder, std::vector<std::string>& problems) {
+  std::vector<fs::path> found;
+  std::error_code error;
+  fs::directory_iterator entries(folder, error);
+  while (!error && entries != fs::directory_iterator()) {
+    found.push_back(entries->path());
+    entries.increment(error);
+  }
+  if (error && error != std::errc::no_such_file_or_directory) {
+    problems.push_back(folder.string() + ": cannot be read: " + error.message());
+  }
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+void TakeFiles(const std::vector<fs::path>& entries, const char* extension,
+               std::vector<std::string>& files) {
+  for (const fs::path& entry : entries) {
+    if (entry.extension() == extension) files.push_back(entry.string());
+  }
+}
+
+}  // namespace
+
+std::string CheckRoot(const std::string& root) {
+  std::error_code error;
+  const fs::path path = fs::absolute(root, error);
+  if (root.empty() || error) Refuse(root, error, "is not a path");
+  const bool isFolder = fs::is_directory(path, error);
+  if (error) Refuse(root, error, error.message());
+  if (!isFolder) Refuse(root, error, "is not a directory");
+  fs::directory_iterator probe(path, error);
+  if (error) Refuse(root, error, error.message());
+  std::string text = path.lexically_normal().string();
+  while (text.size() > 1 && text.back() == '/') text.pop_back();
+  return text;
+}
+
+TInstalledFiles FindInstalledFiles(const std::string& root) {
+  TInstalledFiles files;
+  const fs::path top(root);
+  TakeFiles(ReadFolder(top / "schema", files.problems), ".mof", files.schema);
+  if (files.schema.empty()) {
+    files.problems.push_back((top / "schema").string() + ": holds no class declarations (*.mof)");
+  }
+  for (const fs::path& folder : ReadFolder(top / "providers", files.problems)) {
+    std::error_code error;
+    if (!fs::is_directory(folder, error)) continue;
+    files.providerFolders.push_back(folder.string());
+    const std::vector<fs::path> entries = ReadFolder(folder, files.problems);
+    TakeFiles(entries, ".mof", files.providerSchema);
+    TakeFiles(entries, ".registration", files.registrations);
+  }
+  if (files.registrations.empty()) {
+    files.problems.push_back((top / "providers").string() +
+                             ": holds no provider (<vendor>/*.registration)");
+  }
+  return files;
+}
+
+}  // namespace NZEPQEL20::setup

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/setup/RunningJobs.h"
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "platform/contract/ILogger.h"
+#include "platform/contract/TRootObject.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+constexpr char kJobClass[] = "CIM_ConcreteJob";
+// RequestStateChange: end at once, without waiting for the work to tidy up.
+constexpr std::uint16_t kKill = 5;
+
+void Note(const std::string& text) {
+  ILogger* logger = TRootObject::GetCoreLogger();
+  if (logger != nullptr) logger->Log(ILogger::kWarning, text);
+}
+
+// Completed, terminated, killed and exception are final. What cannot be read may be running.
+bool HasEnded(const TCIMInstanceData& job) {
+  const TCIMPropertyData* state = job.Find("JobState");
+  if (state == nullptr || state->value.IsNull()) return false;
+  try {
+    const auto number = static_cast<unsigned short>(state->value);
+    return number >= 7 && number <= 10;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+std::vector<TCIMReference> FindRunning(ICIMOperations& operations, const std::string& nameSpace) {
+  std::vector<TCIMReference> running;
+  try {
+    operations.EnumerateInstances(nameSpace, kJobClass, [&](TCIMInstanceData&& job) {
+      if (!HasEnded(job)) running.push_back(job.path);
+      return true;
+    });
+  } catch (const std::exception& e) {
+    Note(std::string("looking for running jobs: ") + e.what());
+  }
+  return running;
+}
+
+bool Kill(ICIMOperations& operations, const TCIMReference& job) {
+  try {
+    TKeyMap parameters = {{"RequestedState", TCIMValue::UInt16(kKill)}};
+    operations.InvokeMethod(job, "RequestStateChange", parameters);
+    return true;
+  } catch (const std::exception& e) {
+    Note(std::string("ending a job: ") + e.what());
+    return false;
+  }
+}
+
+}  // namespace
+
+unsigned int KillJobs(ICIMOperations& operations) noexcept {
+  unsigned int asked = 0;
+  try {
+    for (const std::string& nameSpace : operations.GetNamespaces()) {
+      for (const TCIMReference& job : FindRunning(operations, nameSpace)) {
+        if (Kill(operations, job)) ++asked;
+      }
+    }
+  } catch (...) {
+    // Out of memory: nothing more can be asked, and nothing can be said about it either.
+  }
+  return asked;
+}
+
+}  // namespace NZEPQEL20::setup

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The manual page, the help and the completion say what the code does.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "host/ExitStatus.h"
+#include "host/TCommandLine.h"
+
+namespace host {
+namespace {
+
+using ::testing::HasSubstr;
+
+std::string Read(const char* name) {
+  std::ifstream file(std::string(DIAGSRUNNER_HOST_DIR "/") + name);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// The manual page without its `\-` for a dash.
+std::string ReadManual() {
+  std::string text = Read("diagsrun.1");
+  for (std::size_t at = text.find("\\-"); at != std::string::npos; at = text.find("\\-", at)) {
+    text.erase(at, 1);
+  }
+  return text;
+}
+
+const std::vector<std::string>& GetCommands() {
+  static const std::vector<std::string> commands = {"", "list", "run", "inspect"};
+  return commands;
+}
+
+TEST(DocumentsTest, TheManualHasEveryExitStatusWithItsMeaning) {
+  const std::string manual = ReadManual();
+  ASSERT_EQ(GetExitStatusTexts().size(), 4U);
+  for (const TExitStatusText& text : GetExitStatusTexts()) {
+    EXPECT_THAT(manual, HasSubstr(".TP\n.B " + std::to_string(static_cast<int>(text.status)) +
+                                  "\n" + text.meaning + "\n"));
+  }
+}
+
+TEST(DocumentsTest, EveryHelpHasEveryExitStatusWithItsMeaning) {
+  const TCommandLine commandLine;
+  for (const std::string& command : GetCommands()) {
+    for (const TExitStatusText& text : GetExitStatusTexts()) {
+      EXPECT_THAT(commandLine.GetHelp(command),
+                  HasSubstr(std::to_string(static_cast<int>(text.status)) + "  " + text.meaning));
+    }
+  }
+}
+
+TEST(DocumentsTest, ManualHelpAndCompletionHaveEveryOption) {
+  const TCommandLine commandLine;
+  const std::string manual = ReadManual();
+  const std::string completion = Read("diagsrun.bash");
+  std::size_t count = 0;
+  for (const std::string& command : GetCommands()) {
+    for (const std::string& option : commandLine.GetOptionNames(command)) {
+      ++count;
+      EXPECT_THAT(manual, HasSubstr(option));
+      EXPECT_THAT(completion, HasSubstr(option));
+      EXPECT_THAT(commandLine.GetHelp(command), HasSubstr(option));
+    }
+  }
+  EXPECT_GE(count, 15U);
+}
+
+TEST(DocumentsTest, TheManualHasEveryJsonKey) {
+  const std::string manual = ReadManual();
+  for (const char* key :
+       {"format",  "command",   "tests",     "number",    "id",       "service", "device",
+        "element", "unoffered", "reason",    "remedy",    "problems", "status",  "interrupted",
+        "outcome", "answer",    "started",   "seconds",   "record",   "path",    "completionState",
+        "data",    "summary",   "selected",  "passed",    "failed",   "errors",  "notRun",
+        "class",   "known",     "instances", "properties"}) {
+    EXPECT_THAT(manual, HasSubstr(key));
+  }
+}
+
+}  // namespace
+}  // namespace host

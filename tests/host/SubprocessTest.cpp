@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "tests/host/TSubprocess.h"
+
+namespace host {
+namespace {
+
+TProgram MakeShell(const std::string& script) {
+  TProgram program;
+  program.arguments = {"/bin/sh", "-c", script};
+  return program;
+}
+
+TEST(SubprocessTest, KeepsTheTwoOutputsAndTheStatusApart) {
+  const TFinished finished = RunToEnd(MakeShell("echo out; echo err >&2; exit 3"));
+  EXPECT_EQ(finished.status, 3);
+  EXPECT_EQ(finished.out, "out\n");
+  EXPECT_EQ(finished.err, "err\n");
+}
+
+TEST(SubprocessTest, AddsToTheEnvironment) {
+  TProgram program = MakeShell("echo $SUBPROCESS_TEST");
+  program.environment["SUBPROCESS_TEST"] = "there";
+  EXPECT_EQ(RunToEnd(program).out, "there\n");
+}
+
+TEST(SubprocessTest, GivesATerminalWhenAskedTo) {
+  TProgram program = MakeShell("test -t 1 && echo terminal || echo pipe");
+  EXPECT_EQ(RunToEnd(program).out, "pipe\n");
+  program.hasTerminal = true;
+  EXPECT_EQ(RunToEnd(program).out, "terminal\r\n");
+}
+
+TEST(SubprocessTest, ClosesTheReadersSideWhenAskedTo) {
+  TProgram program = MakeShell("trap '' PIPE; echo x 2>/dev/null || exit 9");
+  program.isOutputClosed = true;
+  EXPECT_EQ(RunToEnd(program).status, 9);
+}
+
+TEST(SubprocessTest, WaitsForOutputAndDeliversSignals) {
+  TSubprocess process(MakeShell("echo ready; exec sleep 30"));
+  ASSERT_TRUE(process.WaitForOutput("ready"));
+  process.Signal(SIGTERM);
+  EXPECT_EQ(process.Wait(), 128 + SIGTERM);
+  EXPECT_FALSE(process.WaitForOutput("never"));
+}
+
+TEST(SubprocessTest, FailsVisiblyWhenTheProgramIsMissing) {
+  TProgram program;
+  program.arguments = {"/no/such/program"};
+  EXPECT_EQ(RunToEnd(program).status, 127);
+}
+
+TEST(SubprocessTest, CountsProcessesByTheirCommandLine) {
+  const std::string mark = "subprocess-test-" + std::to_string(::getpid());
+  EXPECT_EQ(CountProcesses(mark), 0U);
+  TSubprocess process(MakeShell("echo ready; kill -STOP $$; : " + mark));
+  ASSERT_TRUE(process.WaitForOutput("ready"));
+  EXPECT_EQ(CountProcesses(mark), 1U);
+  process.Signal(SIGKILL);
+  process.Wait();
+  EXPECT_EQ(CountProcesses(mark), 0U);
+}
+
+}  // namespace
+}  // namespace host

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <ostream>
+
+#include "platform/contract/TQELException.h"
+#include "platform/setup/InstalledFiles.h"
+#include "tests/platform/setup/TTemporaryRoot.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+TEST(InstalledFilesTest, AreFoundByFolderAndEndingInOrderOfTheirNames) {
+  const TTemporaryRoot root;
+  const std::string second = root.Write("schema/b.mof", "");
+  const std::string first = root.Write("schema/a.mof", "");
+  root.Write("schema/notes.txt", "");
+  const std::string vendorSchema = root.Write("providers/acme/acme.mof", "");
+  const std::string registration = root.Write("providers/acme/acme.registration", "");
+  root.Write("providers/stray.registration", "");
+  const TInstalledFiles files = FindInstalledFiles(root.GetPath());
+  EXPECT_THAT(files.schema, ElementsAre(first, second));
+  EXPECT_THAT(files.providerSchema, ElementsAre(vendorSchema));
+  EXPECT_THAT(files.providerFolders, ElementsAre(root.GetPath() + "/providers/acme"));
+  EXPECT_THAT(files.registrations, ElementsAre(registration));
+  EXPECT_THAT(files.problems, IsEmpty());
+}
+
+TEST(InstalledFilesTest, AnEmptyRootHasNoSchemaAndNoProvider) {
+  const TTemporaryRoot root;
+  const TInstalledFiles files = FindInstalledFiles(root.GetPath());
+  EXPECT_THAT(files.problems, ElementsAre(HasSubstr("/schema: holds no class declarations"),
+                                          HasSubstr("/providers: holds no provider")));
+}
+
+TEST(InstalledFilesTest, AFileInThePlaceOfAFolderIsNamed) {
+  const TTemporaryRoot root;
+  root.Write("schema", "not a folder");
+  EXPECT_THAT(FindInstalledFiles(root.GetPath()).problems,
+              ::testing::Contains(HasSubstr("/schema: cannot be read: Not a directory")));
+}
+
+TEST(InstalledFilesTest, ARootIsMadeAbsoluteAndLosesItsTrailingSlash) {
+  const TTemporaryRoot root;
+  EXPECT_EQ(CheckRoot(root.GetPath() + "//./"), root.GetPath());
+  const std::string relative = std::filesystem::relative(root.GetPath()).string();
+  EXPECT_EQ(CheckRoot(relative), root.GetPath());
+  EXPECT_EQ(CheckRoot("/"), "/");
+}
+
+struct TBadRoot {
+  const char* name;
+  const char* root;
+  const char* reason;
+};
+void PrintTo(const TBadRoot& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class BadRootTest : public ::testing::TestWithParam<TBadRoot> {};
+
+TEST_P(BadRootTest, IsRefusedByNameReasonAndRemedy) {
+  try {
+    CheckRoot(GetParam().root);
+    FAIL() << "was accepted";
+  } catch (const TQELException& e) {
+    EXPECT_THAT(e.what(), HasSubstr(std::string("installation root ") + GetParam().root));
+    EXPECT_THAT(e.what(), HasSubstr(GetParam().reason));
+    EXPECT_THAT(e.what(), HasSubstr("DIAGSRUNNER_ROOT"));
+    EXPECT_EQ(e.GetStatusCode(), TQELStatusCode::kNotFound);
+  }
+}
+INSTANTIATE_TEST_SUITE_P(All, BadRootTest,
+                         ::testing::Values(TBadRoot{"Missing", "/no/such/root", "No such file"},
+                                           TBadRoot{"AFile", "/etc/passwd", "not a directory"},
+                                           TBadRoot{"Empty", "", "not a path"}),
+                         [](const auto& row) { return row.param.name; });
+
+}  // namespace
+}  // namespace NZEPQEL20::setup
