@@ -59,7 +59,7 @@ boost::shared_ptr<ICIMInstance> RetryEnd(EEnd end, const TCIMReference& path) {
     const boost::shared_ptr<ICIMClass> found = upcall->FindClass(path.GetClassName(), plugin);
     const boost::shared_ptr<ICIMNamespace> home =
         runner::Need(found, "class behind the upcall namespace").GetNamespace({});
-    const boost::shared_ptr<ICIMInstance> instance =
+    boost::shared_ptr<ICIMInstance> instance =
         runner::Need(home, "namespace of the class").GetInstance(path, plugin);
     runner::Need(instance, "instance behind the upcall namespace");
     return instance;
@@ -73,7 +73,7 @@ boost::shared_ptr<ICIMInstance> RetryEnd(EEnd end, const TCIMReference& path) {
 boost::shared_ptr<ICIMInstance> ReachEnd(EEnd end, const TCIMReference& path, ICIMClass& type,
                                          const TKeyMap& keys) {
   bool giveUp = false;
-  const boost::shared_ptr<ICIMInstance> instance = FetchEnd(end, path, type, keys, giveUp);
+  boost::shared_ptr<ICIMInstance> instance = FetchEnd(end, path, type, keys, giveUp);
   if (instance || giveUp) return instance;
   return RetryEnd(end, path);
 }

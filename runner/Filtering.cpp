@@ -107,7 +107,7 @@ void DiagsRunner::filterDiagsItems(TInstances& items) {
 void DiagsRunner::filterDiagsItemsLogger(TMatrix matrix) {
   DebugLog("Entering DiagsRunner::filterDiagsItemsLogger()");
   for (const auto& [biosID, fragments] : matrix) {
-    for (const std::string& fragment : fragments) DebugLog(biosID + " -> " + fragment);
+    for (const std::string& fragment : fragments) DebugLog({biosID, " -> ", fragment});
   }
   DebugLog("Leaving DiagsRunner::filterDiagsItemsLogger()");
 }

@@ -124,7 +124,7 @@ std::string DiagsRunner::ReadResult(const std::string& testID, TNamespacePtr& ns
   const TInstancePtr record = runner::ChooseRecord(records, name, finished->second);
   if (!record) return NoResults();
 
-  const std::string word = runner::GetResultWord(*record, name);
+  std::string word = runner::GetResultWord(*record, name);
   if (IsInCatalogue(testID)) AddMessages(*record, name);
   TCIMCopy::CopyInstance(record, ns);
   return word;

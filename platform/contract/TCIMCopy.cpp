@@ -5,6 +5,8 @@
 
 namespace NZEPQEL20 {
 
+// The signature is part of what hosts are built against.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 boost::shared_ptr<ICIMInstance> TCIMCopy::CopyInstance(boost::shared_ptr<ICIMInstance> instance,
                                                        boost::shared_ptr<ICIMNamespace> ns) {
   if (!instance) {

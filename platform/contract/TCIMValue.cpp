@@ -156,8 +156,9 @@ TCIMValue TCIMValue::Unsigned(ECIMType type, std::uint64_t value) {
 }
 
 TCIMValue TCIMValue::Signed(ECIMType type, std::int64_t value) {
-  if (!IsSignedType(type)) ThrowMismatch("signed integer", GetTypeName(type));
-  const std::int64_t most = std::numeric_limits<std::int64_t>::max() >> (64U - GetBits(type));
+  const unsigned int bits = GetBits(type);
+  if (!IsSignedType(type) || bits == 0) ThrowMismatch("signed integer", GetTypeName(type));
+  const std::int64_t most = std::numeric_limits<std::int64_t>::max() >> (64U - bits);
   if (value > most || value < -most - 1) ThrowMismatch(Print(value, 10), GetTypeName(type));
   return {type, false, value};
 }

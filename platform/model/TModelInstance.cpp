@@ -48,7 +48,7 @@ TCIMValue TModelInstance::InvokeMethod(const std::string& method, TKeyMap& param
                                        const TKeyMap& /*context*/) {
   // On a copy: a call that fails half-way must leave the caller's map alone.
   TKeyMap arguments = parameters;
-  const TCIMValue result = m_home->Bind(
+  TCIMValue result = m_home->Bind(
       m_home->GetContext()->GetOperations().InvokeMethod(GetObjectPath({}), method, arguments));
   for (auto& [name, value] : arguments) value = m_home->Bind(value);
   parameters.swap(arguments);

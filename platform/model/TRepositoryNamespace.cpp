@@ -41,7 +41,7 @@ boost::shared_ptr<ICIMInstance> TRepositoryNamespace::CreateInstance(
     throw TQELException(TQELStatusCode::kInvalidArgument, "CreateInstance: no instance to store");
   }
   const TCIMReference path = source->GetObjectPath({});
-  const boost::shared_ptr<ICIMInstance> copy = boost::make_shared<TStoredInstance>(*source);
+  boost::shared_ptr<ICIMInstance> copy = boost::make_shared<TStoredInstance>(*source);
   TEntry entry{path.GetPath(), path.GetClassName(), copy};
 
   const std::lock_guard<std::mutex> lock(m_mutex);
