@@ -291,7 +291,8 @@ TCimInstance TCimModel::Get(const TCimPath& path) {
     if (IsSameObject(path, instance.path)) return std::move(instance);
   }
   std::string keys;
-  for (const auto& [name, value] : path.keys) keys += "." + name + "=\"" + value + "\"";
+  for (const auto& [name, value] : path.keys)
+    keys.append(".").append(name).append("=\"").append(value).append("\"");
   throw TCimError(TCimError::kNotFound, path.className + CleanText(keys) + ": no such instance");
 }
 

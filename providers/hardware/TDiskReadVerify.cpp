@@ -114,7 +114,7 @@ TAvailability TDiskReadVerify::Check(const TDevice& device) const {
   for (const IDiagnosticTest* test : m_selfTests) {
     if (test->Check(device).answer == EAvailability::kOffered) return {};
   }
-  const TAvailability tool = m_tools.CheckTool("fio", "fio");
+  TAvailability tool = m_tools.CheckTool("fio", "fio");
   return tool.answer == EAvailability::kOffered ? m_tools.CheckDisk(device) : tool;
 }
 

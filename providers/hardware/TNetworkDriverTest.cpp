@@ -62,7 +62,7 @@ TNetworkDriverTest::TNetworkDriverTest(TTestTools& tools)
 
 TAvailability TNetworkDriverTest::Check(const TDevice& device) const {
   if (device.kind != EDeviceKind::kNetworkPort) return {};
-  const TAvailability tool = m_tools.CheckTool("ethtool", "ethtool");
+  TAvailability tool = m_tools.CheckTool("ethtool", "ethtool");
   if (tool.answer != EAvailability::kOffered) return tool;
   const TProcessOutcome answer = m_tools.Ask({"ethtool", "-i", device.kernelName}, device);
   if (answer.exitStatus != 0 || !Contains(answer.output, "supports-test: yes")) return {};

@@ -75,9 +75,9 @@ TNvmeSelfTest::TNvmeSelfTest(TTestTools& tools)
 
 TAvailability TNvmeSelfTest::Check(const TDevice& device) const {
   if (device.kind != EDeviceKind::kDisk || device.controllerNode.empty()) return {};
-  const TAvailability disk = m_tools.CheckDisk(device);
+  TAvailability disk = m_tools.CheckDisk(device);
   if (disk.answer != EAvailability::kOffered) return disk;
-  const TAvailability tool = m_tools.CheckTool("nvme", "nvme-cli");
+  TAvailability tool = m_tools.CheckTool("nvme", "nvme-cli");
   if (tool.answer != EAvailability::kOffered) return tool;
   const TProcessOutcome answer = m_tools.Ask(
       {"nvme", "id-ctrl", m_tools.GetFiles().Locate(device.controllerNode), "-o", "json"}, device);

@@ -111,9 +111,9 @@ TSmartSelfTest::TSmartSelfTest(TTestTools& tools)
 TAvailability TSmartSelfTest::Check(const TDevice& device) const {
   // Only drives behind the SCSI layer can be ATA drives.
   if (device.kind != EDeviceKind::kDisk || !StartsWith(device.kernelName, "sd")) return {};
-  const TAvailability disk = m_tools.CheckDisk(device);
+  TAvailability disk = m_tools.CheckDisk(device);
   if (disk.answer != EAvailability::kOffered) return disk;
-  const TAvailability tool = m_tools.CheckTool("smartctl", "smartmontools");
+  TAvailability tool = m_tools.CheckTool("smartctl", "smartmontools");
   if (tool.answer != EAvailability::kOffered) return tool;
   const TProcessOutcome answer =
       m_tools.Ask({"smartctl", "-j", "-i", "-c", m_tools.GetFiles().Locate(device.node)}, device);
