@@ -3,6 +3,13 @@
 
 /// Scalar types, values and status of the CMPI C interface (layouts of 1.0 to 2.1, LP64).
 
+/// Makes an enumeration an int in C++ as it is in C: the other side may send any number.
+#ifdef __cplusplus
+#define CMPI_INT_ENUM : int
+#else
+#define CMPI_INT_ENUM
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -112,7 +119,7 @@ typedef struct CMPIData {
 } CMPIData;
 
 /// Return codes. 1 to 29 are CIM status codes; others may come from providers, too.
-typedef enum CMPIrc {
+typedef enum CMPIrc CMPI_INT_ENUM {
   CMPI_RC_OK = 0,
   CMPI_RC_ERR_FAILED = 1,
   CMPI_RC_ERR_ACCESS_DENIED = 2,

@@ -3,6 +3,8 @@
 
 /// Enumerations of the CMPI C interface beside the return codes.
 
+#include "platform/cmpi/abi/cmpidt.h"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -10,7 +12,7 @@ extern "C" {
 // NOLINTBEGIN(readability-identifier-naming): the names are fixed by the interface.
 
 /// Comparison of a predicate.
-typedef enum CMPIPredOp {
+typedef enum CMPIPredOp CMPI_INT_ENUM {
   CMPI_PredOp_Equals = 1,
   CMPI_PredOp_NotEquals = 2,
   CMPI_PredOp_LessThan = 3,
@@ -28,7 +30,7 @@ typedef enum CMPIPredOp {
 } CMPIPredOp;
 
 /// Severity of a log message.
-typedef enum CMPISeverity {
+typedef enum CMPISeverity CMPI_INT_ENUM {
   CMPI_SEV_ERROR = 1,
   CMPI_SEV_INFO = 2,
   CMPI_SEV_WARNING = 3,
@@ -36,13 +38,20 @@ typedef enum CMPISeverity {
 } CMPISeverity;
 
 /// Level of a trace message.
-typedef enum CMPILevel { CMPI_LEV_INFO = 1, CMPI_LEV_WARNING = 2, CMPI_LEV_VERBOSE = 3 } CMPILevel;
+typedef enum CMPILevel CMPI_INT_ENUM {
+  CMPI_LEV_INFO = 1,
+  CMPI_LEV_WARNING = 2,
+  CMPI_LEV_VERBOSE = 3
+} CMPILevel;
 
 /// Form of a condition: disjunctive or conjunctive.
-typedef enum CMPISelectCondType { CMPI_COND_DOC = 0, CMPI_COND_COD = 1 } CMPISelectCondType;
+typedef enum CMPISelectCondType CMPI_INT_ENUM {
+  CMPI_COND_DOC = 0,
+  CMPI_COND_COD = 1
+} CMPISelectCondType;
 
 /// Kind of error, as CIM_Error.ErrorType.
-typedef enum CMPIErrorType {
+typedef enum CMPIErrorType CMPI_INT_ENUM {
   UnknownErrorType = 0,
   OtherErrorType = 1,
   CommunicationsError = 2,
@@ -58,7 +67,7 @@ typedef enum CMPIErrorType {
 } CMPIErrorType;
 
 /// As CIM_Error.PerceivedSeverity.
-typedef enum CMPIErrorSeverity {
+typedef enum CMPIErrorSeverity CMPI_INT_ENUM {
   ErrorSevUnknown = 0,
   ErrorSevLow = 2,
   ErrorSevMedium = 3,
@@ -67,21 +76,21 @@ typedef enum CMPIErrorSeverity {
 } CMPIErrorSeverity;
 
 /// As CIM_Error.ErrorSourceFormat.
-typedef enum CMPIErrorSrcFormat {
+typedef enum CMPIErrorSrcFormat CMPI_INT_ENUM {
   CMPIErrSrcUnknown = 0,
   CMPIErrSrcOther = 1,
   CIMObjectHandle = 2
 } CMPIErrorSrcFormat;
 
 /// Code pages that texts are converted from and to.
-typedef enum CMPICodepageID {
+typedef enum CMPICodepageID CMPI_INT_ENUM {
   CMPI_CPID_SYSTEM = 1,
   CMPI_CPID_USASCII = 2,
   CMPI_CPID_UTF16 = 3
 } CMPICodepageID;
 
 /// As CIM_Error.ProbableCause.
-typedef enum CMPIErrorProbableCause {
+typedef enum CMPIErrorProbableCause CMPI_INT_ENUM {
   ErrorProbCauseUnknown,
   ErrorProbCauseOther,
   Adapter_Card_Error,

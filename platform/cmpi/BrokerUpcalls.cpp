@@ -1,0 +1,309 @@
+// SPDX-License-Identifier: Apache-2.0
+// The function table through which providers ask for what other providers have.
+#include <memory>
+#include <utility>
+
+#include "platform/cmpi/TBrokerArgs.h"
+#include "platform/cmpi/TBrokerEnumeration.h"
+#include "platform/cmpi/TBrokerInstance.h"
+#include "platform/cmpi/TBrokerPath.h"
+#include "platform/cmpi/TBrokerString.h"
+#include "platform/cmpi/THostLease.h"
+#include "platform/cmpi/Values.h"
+
+namespace NZEPQEL20::cmpi {
+
+namespace {
+
+using TFilter = ICIMOperations::TAssociationFilter;
+
+/// One upcall: the host, and the object that it is about.
+class TUpcall {
+ public:
+  TUpcall(const CMPIBroker* mb, const CMPIObjectPath* path) : m_lease(mb) {
+    TPathContent content = TBrokerPath::From(path).GetContent();
+    content.nameSpace = m_lease.Require().FindNamespace(content.nameSpace, content.className);
+    m_target = content.ToReference();
+  }
+
+  ICIMOperations& Operations() const { return m_lease.Require().GetOperations(); }
+  const TCIMReference& Target() const { return m_target; }
+  const std::string& NameSpace() const { return m_target.GetNamespaceName(); }
+
+ private:
+  THostLease m_lease;
+  TCIMReference m_target;
+};
+
+/// Drops what `properties` (NULL for all) does not name; keys stay, because they are the path's.
+void Project(TCIMInstanceData& data, const char** properties) {
+  if (properties == nullptr) return;
+  TInstanceContent content = TInstanceContent::From(data);
+  content.SetFilter(ReadNames(properties));
+  data.properties = std::move(content.properties);
+}
+
+/// Gathers instances for an enumeration.
+class TGatherer {
+ public:
+  explicit TGatherer(const char** properties) : m_properties(properties) {}
+
+  ICIMOperations::TInstanceSink Sink() {
+    return [this](TCIMInstanceData&& data) {
+      Project(data, m_properties);
+      m_elements.push_back(
+          TCIMValue::Instance(std::make_shared<TCIMInstanceData>(std::move(data))));
+      return true;
+    };
+  }
+  CMPIEnumeration* Finish() {
+    return Make<TBrokerEnumeration>(ECIMType::kInstance, std::move(m_elements));
+  }
+
+ private:
+  const char** m_properties;
+  TCIMValue::TArray m_elements;
+};
+
+CMPIEnumeration* EnumerationOf(const std::vector<TCIMReference>& paths) {
+  TCIMValue::TArray elements;
+  for (const TCIMReference& path : paths) elements.emplace_back(path);
+  return Make<TBrokerEnumeration>(ECIMType::kReference, std::move(elements));
+}
+
+CMPIContext* PrepareAttachThread(const CMPIBroker* mb, const CMPIContext* current) noexcept {
+  return Answer(nullptr, [&]() -> CMPIContext* {
+    TBroker* broker = TBroker::Find(mb);
+    return broker == nullptr ? nullptr : broker->Prepare(current);
+  });
+}
+
+TBroker& RequireBroker(const CMPIBroker* mb) {
+  TBroker* broker = TBroker::Find(mb);
+  if (broker == nullptr) throw TBrokerFault(CMPI_RC_ERR_FAILED, "no broker is at work");
+  return *broker;
+}
+
+CMPIStatus AttachThread(const CMPIBroker* mb, const CMPIContext* prepared) noexcept {
+  return AnswerStatus([&] { RequireBroker(mb).Attach(prepared); });
+}
+
+CMPIStatus DetachThread(const CMPIBroker* mb, const CMPIContext* prepared) noexcept {
+  return AnswerStatus([&] { RequireBroker(mb).Detach(prepared); });
+}
+
+CMPIStatus DeliverIndication(const CMPIBroker*, const CMPIContext*, const char*,
+                             const CMPIInstance*) noexcept {
+  return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
+}
+
+CMPIEnumeration* EnumerateInstanceNames(const CMPIBroker* mb, const CMPIContext*,
+                                        const CMPIObjectPath* path, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TUpcall call(mb, path);
+    return EnumerationOf(
+        call.Operations().EnumerateInstanceNames(call.NameSpace(), call.Target().GetClassName()));
+  });
+}
+
+CMPIInstance* GetInstance(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
+                          const char** properties, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&]() -> CMPIInstance* {
+    const TUpcall call(mb, path);
+    TCIMInstanceData data = call.Operations().GetInstance(call.Target());
+    Project(data, properties);
+    return Make<TBrokerInstance>(TInstanceContent::From(data));
+  });
+}
+
+CMPIObjectPath* CreateInstance(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
+                               const CMPIInstance* instance, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&]() -> CMPIObjectPath* {
+    const TUpcall call(mb, path);
+    TCIMInstanceData data = *TBrokerInstance::From(instance).GetData();
+    data.path.SetClassName(call.Target().GetClassName());
+    return Make<TBrokerPath>(
+        TPathContent::From(call.Operations().CreateInstance(call.NameSpace(), data)));
+  });
+}
+
+CMPIStatus ModifyInstance(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
+                          const CMPIInstance* instance, const char** properties) noexcept {
+  return AnswerStatus([&] {
+    const TUpcall call(mb, path);
+    TCIMInstanceData data = *TBrokerInstance::From(instance).GetData();
+    data.path = call.Target();
+    Project(data, properties);
+    call.Operations().ModifyInstance(data);
+  });
+}
+
+CMPIStatus DeleteInstance(const CMPIBroker* mb, const CMPIContext*,
+                          const CMPIObjectPath* path) noexcept {
+  return AnswerStatus([&] {
+    const TUpcall call(mb, path);
+    call.Operations().DeleteInstance(call.Target());
+  });
+}
+
+CMPIEnumeration* ExecQuery(const CMPIBroker*, const CMPIContext*, const CMPIObjectPath*,
+                           const char*, const char*, CMPIStatus* rc) noexcept {
+  return Answer(rc, []() -> CMPIEnumeration* {
+    throw TBrokerFault(CMPI_RC_ERR_NOT_SUPPORTED, "no query language");
+  });
+}
+
+CMPIEnumeration* EnumerateInstances(const CMPIBroker* mb, const CMPIContext*,
+                                    const CMPIObjectPath* path, const char** properties,
+                                    CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TUpcall call(mb, path);
+    TGatherer gatherer(properties);
+    call.Operations().EnumerateInstances(call.NameSpace(), call.Target().GetClassName(),
+                                         gatherer.Sink());
+    return gatherer.Finish();
+  });
+}
+
+TFilter MakeFilter(const char* associationClass, const char* resultClass, const char* role,
+                   const char* resultRole) {
+  return {TextOrEmpty(associationClass), TextOrEmpty(resultClass), TextOrEmpty(role),
+          TextOrEmpty(resultRole)};
+}
+
+CMPIEnumeration* Associators(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
+                             const char* associationClass, const char* resultClass,
+                             const char* role, const char* resultRole, const char** properties,
+                             CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TUpcall call(mb, path);
+    TGatherer gatherer(properties);
+    call.Operations().Associators(call.Target(),
+                                  MakeFilter(associationClass, resultClass, role, resultRole),
+                                  gatherer.Sink());
+    return gatherer.Finish();
+  });
+}
+
+CMPIEnumeration* AssociatorNames(const CMPIBroker* mb, const CMPIContext*,
+                                 const CMPIObjectPath* path, const char* associationClass,
+                                 const char* resultClass, const char* role, const char* resultRole,
+                                 CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TUpcall call(mb, path);
+    return EnumerationOf(call.Operations().AssociatorNames(
+        call.Target(), MakeFilter(associationClass, resultClass, role, resultRole)));
+  });
+}
+
+CMPIEnumeration* References(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
+                            const char* resultClass, const char* role, const char** properties,
+                            CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TUpcall call(mb, path);
+    TGatherer gatherer(properties);
+    call.Operations().References(call.Target(), MakeFilter(nullptr, resultClass, role, nullptr),
+                                 gatherer.Sink());
+    return gatherer.Finish();
+  });
+}
+
+CMPIEnumeration* ReferenceNames(const CMPIBroker* mb, const CMPIContext*,
+                                const CMPIObjectPath* path, const char* resultClass,
+                                const char* role, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TUpcall call(mb, path);
+    return EnumerationOf(call.Operations().ReferenceNames(
+        call.Target(), MakeFilter(nullptr, resultClass, role, nullptr)));
+  });
+}
+
+CMPIData InvokeMethod(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* target,
+                      const char* method, const CMPIArgs* in, CMPIArgs* out,
+                      CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TUpcall call(mb, target);
+    TKeyMap parameters;
+    if (in != nullptr) {
+      for (const TCIMPropertyData& argument : TBrokerArgs::From(in).GetValues()) {
+        parameters.emplace(argument.name, argument.value);
+      }
+    }
+    TBrokerArgs* results = TBrokerArgs::FromOrNull(out);
+    const TCIMValue answer = call.Operations().InvokeMethod(
+        call.Target(), RequireName(method, "method name"), parameters);
+    if (results != nullptr) {
+      for (const auto& [name, value] : parameters) SetNamed(results->GetValues(), name, value);
+    }
+    return ToCMPI(answer);
+  });
+}
+
+CMPIStatus SetProperty(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
+                       const char* name, const CMPIValue* value, CMPIType type) noexcept {
+  return AnswerStatus([&] {
+    const TUpcall call(mb, path);
+    TCIMInstanceData data;
+    data.path = call.Target();
+    data.properties.push_back({RequireName(name, "property name"), FromCMPI(value, type)});
+    call.Operations().ModifyInstance(data);
+  });
+}
+
+CMPIData GetProperty(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
+                     const char* name, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TUpcall call(mb, path);
+    const TCIMInstanceData data = call.Operations().GetInstance(call.Target());
+    const TCIMPropertyData* property = data.Find(RequireName(name, "property name"));
+    if (property == nullptr) {
+      throw TBrokerFault(CMPI_RC_ERR_NO_SUCH_PROPERTY, std::string("no property ") + name);
+    }
+    return ToCMPI(property->value);
+  });
+}
+
+CMPIEnumeration* RefuseQuery(CMPIStatus* rc) noexcept {
+  return ExecQuery(nullptr, nullptr, nullptr, nullptr, nullptr, rc);
+}
+
+CMPIEnumeration* EnumerateInstancesFiltered(const CMPIBroker*, const CMPIContext*,
+                                            const CMPIObjectPath*, const char**, const char*,
+                                            const char*, CMPIStatus* rc) noexcept {
+  return RefuseQuery(rc);
+}
+
+CMPIEnumeration* AssociatorsFiltered(const CMPIBroker*, const CMPIContext*, const CMPIObjectPath*,
+                                     const char*, const char*, const char*, const char*,
+                                     const char**, const char*, const char*,
+                                     CMPIStatus* rc) noexcept {
+  return RefuseQuery(rc);
+}
+
+CMPIEnumeration* ReferencesFiltered(const CMPIBroker*, const CMPIContext*, const CMPIObjectPath*,
+                                    const char*, const char*, const char**, const char*,
+                                    const char*, CMPIStatus* rc) noexcept {
+  return RefuseQuery(rc);
+}
+
+constexpr unsigned int kCapabilities =
+    CMPI_MB_InstanceManipulation | CMPI_MB_AssociationTraversal | CMPI_MB_OSEncapsulationSupport |
+    CMPI_MB_Supports_MemEnhancements | CMPI_MB_Supports_Extended_Error | CMPI_MB_Logging |
+    CMPI_MB_Tracing;
+
+}  // namespace
+
+const CMPIBrokerFT kBrokerTable = {kCapabilities,       kBrokerVersion,
+                                   "diagsrunner",       PrepareAttachThread,
+                                   AttachThread,        DetachThread,
+                                   DeliverIndication,   EnumerateInstanceNames,
+                                   GetInstance,         CreateInstance,
+                                   ModifyInstance,      DeleteInstance,
+                                   ExecQuery,           EnumerateInstances,
+                                   Associators,         AssociatorNames,
+                                   References,          ReferenceNames,
+                                   InvokeMethod,        SetProperty,
+                                   GetProperty,         EnumerateInstancesFiltered,
+                                   AssociatorsFiltered, ReferencesFiltered};
+
+}  // namespace NZEPQEL20::cmpi

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: Apache-2.0
+// The chapter of TCMPIOperations about instances.
+#include "platform/cmpi/TBrokerInstance.h"
+#include "platform/cmpi/TOperationsParts.h"
+
+namespace NZEPQEL20 {
+
+using namespace cmpi;
+
+namespace {
+
+using EKind = TBrokerResult::EKind;
+
+TPathContent ClassPath(const std::string& nameSpace, const std::string& className) {
+  return {{}, nameSpace, className, {}};
+}
+
+/// Whether a provider asked for one class gave an object that belongs to another: providers
+/// ignore the class that they are asked for.
+bool IsForOther(const TProviders& providers, const TProviders::TServices& all,
+                const TProviders::TService& asked, const std::string& className) {
+  const std::string& wanted = asked.registration->className;
+  if (className.empty() || IsSameName(className, wanted)) return false;
+  if (providers.FindClass(className) == nullptr) return false;
+  if (!providers.IsA(className, wanted)) return true;
+  for (const auto& other : all) {
+    if (other.provider == asked.provider && IsSameName(other.registration->className, className)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// An enumeration of a class nobody serves is empty; one of an unknown class is an error.
+void RequireKnown(const TProviders& providers, const TProviders::TServices& services,
+                  const std::string& what, const std::string& className) {
+  if (!services.empty() || providers.FindClass(className) != nullptr) return;
+  throw TQELException(TQELStatusCode::kNotFound, what + ": no such class",
+                      CMPI_RC_ERR_INVALID_CLASS);
+}
+
+/// An instance object that stays the broker's.
+class TPassedInstance : public TBrokerInstance {
+ public:
+  explicit TPassedInstance(TInstanceContent content) : TBrokerInstance(std::move(content)) {
+    SetLifetime(ELifetime::kPassed);
+  }
+};
+
+}  // namespace
+
+void TCMPIOperations::EnumerateInstances(const std::string& nameSpace, const std::string& className,
+                                         const TInstanceSink& sink) {
+  TProviders& providers = m_parts->providers;
+  const auto services = providers.FindServices(nameSpace, className, ERole::kInstance);
+  const std::string what = "EnumerateInstances of " + nameSpace + ':' + className;
+  RequireKnown(providers, services, what, className);
+  const auto ask = [&](const TParts::TService& service) {
+    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+    TPassedPath path(ClassPath(nameSpace, service.registration->className));
+    return m_parts->Call(service, what, nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
+      return mi.ft->enumerateInstances == nullptr
+                 ? NoSuchFunction()
+                 : mi.ft->enumerateInstances(&mi, ctx, result, &path, nullptr);
+    });
+  };
+  const auto take = [&](const TParts::TService& service, TCallOutcome& outcome) {
+    for (auto& content : outcome.content.instances) {
+      if (IsForOther(providers, services, service, content->path.className)) continue;
+      if (!sink(m_parts->Finish(content, nameSpace, service.registration->className))) return false;
+    }
+    return true;
+  };
+  m_parts->AskAll(services, ask, take);
+}
+
+std::vector<TCIMReference> TCMPIOperations::EnumerateInstanceNames(const std::string& nameSpace,
+                                                                   const std::string& className) {
+  TProviders& providers = m_parts->providers;
+  const auto services = providers.FindServices(nameSpace, className, ERole::kInstance);
+  const std::string what = "EnumerateInstanceNames of " + nameSpace + ':' + className;
+  RequireKnown(providers, services, what, className);
+  const auto ask = [&](const TParts::TService& service) {
+    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+    TPassedPath path(ClassPath(nameSpace, service.registration->className));
+    return m_parts->Call(service, what, nameSpace, EKind::kPaths, [&](auto* ctx, auto* result) {
+      return mi.ft->enumerateInstanceNames == nullptr
+                 ? NoSuchFunction()
+                 : mi.ft->enumerateInstanceNames(&mi, ctx, result, &path);
+    });
+  };
+  std::vector<TCIMReference> found;
+  const auto take = [&](const TParts::TService& service, TCallOutcome& outcome) {
+    for (TPathContent& path : outcome.content.paths) {
+      if (IsForOther(providers, services, service, path.className)) continue;
+      found.push_back(m_parts->Finish(path, nameSpace, service.registration->className));
+    }
+    return true;
+  };
+  m_parts->AskAll(services, ask, take);
+  return found;
+}
+
+TCIMInstanceData TCMPIOperations::GetInstance(const TCIMReference& path) {
+  TProviders& providers = m_parts->providers;
+  const std::string& nameSpace = path.GetNamespaceName();
+  const std::string what = "GetInstance of " + path.GetPath();
+  const TPathContent content = m_parts->ToContent(path);
+  const auto ask = [&](const TParts::TService& service) {
+    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+    TPassedPath given(content);
+    TCallOutcome outcome =
+        m_parts->Call(service, what, nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
+          return mi.ft->getInstance == nullptr
+                     ? NoSuchFunction()
+                     : mi.ft->getInstance(&mi, ctx, result, &given, nullptr);
+        });
+    if (outcome.content.instances.empty()) {
+      throw TQELException(TQELStatusCode::kCIMError,
+                          what + ": " + service.provider->Describe() + " returned no instance",
+                          CMPI_RC_ERR_NOT_FOUND);
+    }
+    return outcome;
+  };
+  TCallOutcome outcome = m_parts->AskFirst(
+      providers.FindServicesOfObject(nameSpace, path.GetClassName(), ERole::kInstance), ask,
+      what + ": no provider serves the class there");
+  auto& instance = outcome.content.instances.front();
+  // The path that was asked for is the instance's own, whatever the provider forgot of it.
+  if (instance->path.keys.empty()) instance->path.keys = content.keys;
+  return m_parts->Finish(instance, nameSpace, path.GetClassName());
+}
+
+TCIMReference TCMPIOperations::CreateInstance(const std::string& nameSpace,
+                                              const TCIMInstanceData& instance) {
+  TProviders& providers = m_parts->providers;
+  const std::string& className = instance.path.GetClassName();
+  const std::string what = "CreateInstance of " + nameSpace + ':' + className;
+  const auto ask = [&](const TParts::TService& service) {
+    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+    TPassedInstance given(TInstanceContent::From(instance));
+    TPathContent target = m_parts->ToContent(instance.path);
+    target.nameSpace = nameSpace;
+    TPassedPath path(target);
+    return m_parts->Call(service, what, nameSpace, EKind::kPaths, [&](auto* ctx, auto* result) {
+      return mi.ft->createInstance == nullptr
+                 ? NoSuchFunction()
+                 : mi.ft->createInstance(&mi, ctx, result, &path, &given);
+    });
+  };
+  TCallOutcome outcome =
+      m_parts->AskFirst(providers.FindServicesOfObject(nameSpace, className, ERole::kInstance), ask,
+                        what + ": no provider serves the class there");
+  if (outcome.content.paths.empty()) return instance.path;
+  return m_parts->Finish(outcome.content.paths.front(), nameSpace, className);
+}
+
+void TCMPIOperations::ModifyInstance(const TCIMInstanceData& instance) {
+  TProviders& providers = m_parts->providers;
+  const TCIMReference& path = instance.path;
+  const std::string what = "ModifyInstance of " + path.GetPath();
+  std::vector<const char*> names;
+  for (const TCIMPropertyData& property : instance.properties) {
+    names.push_back(property.name.c_str());
+  }
+  names.push_back(nullptr);
+  const auto ask = [&](const TParts::TService& service) {
+    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+    TPassedInstance given(TInstanceContent::From(instance));
+    TPassedPath target(m_parts->ToContent(path));
+    return m_parts->Call(
+        service, what, path.GetNamespaceName(), EKind::kNothing, [&](auto* ctx, auto* result) {
+          return mi.ft->modifyInstance == nullptr
+                     ? NoSuchFunction()
+                     : mi.ft->modifyInstance(&mi, ctx, result, &target, &given, names.data());
+        });
+  };
+  m_parts->AskFirst(providers.FindServicesOfObject(path.GetNamespaceName(), path.GetClassName(),
+                                                   ERole::kInstance),
+                    ask, what + ": no provider serves the class there");
+}
+
+void TCMPIOperations::DeleteInstance(const TCIMReference& path) {
+  TProviders& providers = m_parts->providers;
+  const std::string what = "DeleteInstance of " + path.GetPath();
+  const auto ask = [&](const TParts::TService& service) {
+    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+    TPassedPath target(m_parts->ToContent(path));
+    return m_parts->Call(service, what, path.GetNamespaceName(), EKind::kNothing,
+                         [&](auto* ctx, auto* result) {
+                           return mi.ft->deleteInstance == nullptr
+                                      ? NoSuchFunction()
+                                      : mi.ft->deleteInstance(&mi, ctx, result, &target);
+                         });
+  };
+  m_parts->AskFirst(providers.FindServicesOfObject(path.GetNamespaceName(), path.GetClassName(),
+                                                   ERole::kInstance),
+                    ask, what + ": no provider serves the class there");
+}
+
+}  // namespace NZEPQEL20

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+// The chapter of TCMPIOperations about methods.
+#include "platform/cmpi/TBrokerArgs.h"
+#include "platform/cmpi/TOperationsParts.h"
+#include "platform/cmpi/Typing.h"
+
+namespace NZEPQEL20 {
+
+using namespace cmpi;
+
+namespace {
+
+const TCIMParameterDeclaration* FindParameter(const TCIMMethodDeclaration* method,
+                                              const std::string& name) {
+  if (method == nullptr) return nullptr;
+  for (const TCIMParameterDeclaration& parameter : method->parameters) {
+    if (IsSameName(parameter.name, name)) return &parameter;
+  }
+  return nullptr;
+}
+
+/// In-parameters of the declared types.
+TNamedValues ConvertParameters(const TKeyMap& parameters, const TCIMMethodDeclaration* method,
+                               const std::string& what) {
+  TNamedValues converted;
+  for (const auto& [name, value] : parameters) {
+    const TCIMParameterDeclaration* declared = FindParameter(method, name);
+    converted.push_back({name, declared == nullptr
+                                   ? value
+                                   : ConvertTo(*declared, value, what + ": parameter " + name)});
+  }
+  return converted;
+}
+
+/// Arguments that stay the broker's.
+class TPassedArgs : public TBrokerArgs {
+ public:
+  explicit TPassedArgs(TNamedValues values) : TBrokerArgs(std::move(values)) {
+    SetLifetime(ELifetime::kPassed);
+  }
+};
+
+}  // namespace
+
+TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::string& method,
+                                        TKeyMap& parameters) {
+  TProviders& providers = m_parts->providers;
+  const std::string& nameSpace = path.GetNamespaceName();
+  const std::string what = "InvokeMethod " + method + " of " + path.GetPath();
+  const auto declaration = providers.FindClass(path.GetClassName());
+  const TNamedValues in = ConvertParameters(
+      parameters, declaration == nullptr ? nullptr : declaration->FindMethod(method), what);
+  TKeyMap results;
+  const auto ask = [&](const TParts::TService& service) {
+    CMPIMethodMI& mi = service.provider->GetMethodMI(providers.GetBroker());
+    TPassedPath target(m_parts->ToContent(path));
+    const TPassedArgs inArgs(in);
+    TPassedArgs outArgs({});
+    TCallOutcome outcome = m_parts->Call(
+        service, what, nameSpace, TBrokerResult::EKind::kData, [&](auto* ctx, auto* result) {
+          return mi.ft->invokeMethod == nullptr
+                     ? NoSuchFunction()
+                     : mi.ft->invokeMethod(&mi, ctx, result, &target, method.c_str(), &inArgs,
+                                           &outArgs);
+        });
+    for (const TCIMPropertyData& out : outArgs.GetValues()) results[out.name] = out.value;
+    return outcome;
+  };
+  const TCallOutcome outcome = m_parts->AskFirst(
+      providers.FindServicesOfObject(nameSpace, path.GetClassName(), ERole::kMethod), ask,
+      what + ": no provider offers methods of the class there");
+  parameters = std::move(results);
+  return outcome.content.data.empty() ? TCIMValue() : outcome.content.data.front();
+}
+
+}  // namespace NZEPQEL20

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/cmpi/ProviderCall.h"
+
+#include <exception>
+
+#include "platform/cmpi/TBrokerString.h"
+
+namespace NZEPQEL20::cmpi {
+
+namespace {
+
+struct TCodeName {
+  int code;
+  const char* name;
+};
+
+constexpr TCodeName kCodeNames[] = {
+    {CMPI_RC_ERR_FAILED, "CIM_ERR_FAILED"},
+    {CMPI_RC_ERR_ACCESS_DENIED, "CIM_ERR_ACCESS_DENIED"},
+    {CMPI_RC_ERR_INVALID_NAMESPACE, "CIM_ERR_INVALID_NAMESPACE"},
+    {CMPI_RC_ERR_INVALID_PARAMETER, "CIM_ERR_INVALID_PARAMETER"},
+    {CMPI_RC_ERR_INVALID_CLASS, "CIM_ERR_INVALID_CLASS"},
+    {CMPI_RC_ERR_NOT_FOUND, "CIM_ERR_NOT_FOUND"},
+    {CMPI_RC_ERR_NOT_SUPPORTED, "CIM_ERR_NOT_SUPPORTED"},
+    {CMPI_RC_ERR_CLASS_HAS_CHILDREN, "CIM_ERR_CLASS_HAS_CHILDREN"},
+    {CMPI_RC_ERR_CLASS_HAS_INSTANCES, "CIM_ERR_CLASS_HAS_INSTANCES"},
+    {CMPI_RC_ERR_INVALID_SUPERCLASS, "CIM_ERR_INVALID_SUPERCLASS"},
+    {CMPI_RC_ERR_ALREADY_EXISTS, "CIM_ERR_ALREADY_EXISTS"},
+    {CMPI_RC_ERR_NO_SUCH_PROPERTY, "CIM_ERR_NO_SUCH_PROPERTY"},
+    {CMPI_RC_ERR_TYPE_MISMATCH, "CIM_ERR_TYPE_MISMATCH"},
+    {CMPI_RC_ERR_QUERY_LANGUAGE_NOT_SUPPORTED, "CIM_ERR_QUERY_LANGUAGE_NOT_SUPPORTED"},
+    {CMPI_RC_ERR_INVALID_QUERY, "CIM_ERR_INVALID_QUERY"},
+    {CMPI_RC_ERR_METHOD_NOT_AVAILABLE, "CIM_ERR_METHOD_NOT_AVAILABLE"},
+    {CMPI_RC_ERR_METHOD_NOT_FOUND, "CIM_ERR_METHOD_NOT_FOUND"},
+};
+
+/// The text of a status that is not OK. `msg` may be uninitialised only when all is well.
+std::string ReadMessage(const CMPIString* message) {
+  try {
+    return message == nullptr ? std::string() : ToUtf8(TBrokerString::From(message).GetText());
+  } catch (const TBrokerFault&) {
+    return {};
+  }
+}
+
+void Run(TCallOutcome& outcome, const TProviderFunction& function, const CMPIContext* context,
+         const CMPIResult* result) {
+  try {
+    const CMPIStatus status = function(context, result);
+    outcome.code = status.rc;
+    if (outcome.code != CMPI_RC_OK) outcome.message = ReadMessage(status.msg);
+  } catch (const std::exception& failure) {
+    outcome.code = CMPI_RC_ERR_FAILED;
+    outcome.message = std::string("the provider threw an exception: ") + ToUtf8(failure.what());
+  } catch (...) {
+    outcome.code = CMPI_RC_ERR_FAILED;
+    outcome.message = "the provider threw an exception";
+  }
+}
+
+}  // namespace
+
+std::string GetCodeName(int code) {
+  for (const TCodeName& entry : kCodeNames) {
+    if (entry.code == code) return entry.name;
+  }
+  return "CMPI status " + std::to_string(code);
+}
+
+TQELException TCallOutcome::ToException(const std::string& what) const {
+  return TQELException(TQELStatusCode::kCIMError, what + ": " + message,
+                       static_cast<unsigned int>(code));
+}
+
+TCallOutcome CallProvider(TBroker& broker, const std::string& nameSpace, TBrokerResult::EKind kind,
+                          const TProviderFunction& function) {
+  TCallOutcome outcome;
+  const std::shared_ptr<TBrokerResult> result = TBrokerResult::Open(kind);
+  {
+    const TCallFrame frame(broker);
+    TBrokerContext context(TBrokerContext::EntriesFor(nameSpace));
+    context.SetLifetime(ELifetime::kPassed);
+    Run(outcome, function, &context, result.get());
+  }
+  outcome.content = result->Close();
+  if (outcome.code == CMPI_RC_OK) return outcome;
+  if (outcome.message.empty()) outcome.message = ToUtf8(outcome.content.error);
+  if (outcome.message.empty()) outcome.message = GetCodeName(outcome.code);
+  outcome.content = {};
+  return outcome;
+}
+
+}  // namespace NZEPQEL20::cmpi

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "platform/cmpi/TProviderLibrary.h"
+#include "platform/contract/TQELException.h"
+
+namespace NZEPQEL20::cmpi {
+
+/// Function objects of one kind of a provider: made once, when first needed.
+/// Threads: safe from several; no lock is held while the provider makes them.
+template <class TMI>
+class TProviderPart {
+ public:
+  /// Errors: TQELException, as TProviderLibrary::Create(), the same each time; also when the
+  /// provider comes back here while it makes them.
+  TMI& Get(TProviderLibrary& library, const char* kind, const std::string& providerName,
+           TBroker& broker);
+
+  /// Ends what was made, if anything was.
+  void Cleanup(TBroker& broker) noexcept;
+
+ private:
+  enum class EState { kNew, kBusy, kReady, kFailed };
+
+  bool Begin(const char* kind, const std::string& providerName);
+  void Finish(EState state);
+
+  std::mutex m_mutex;
+  std::condition_variable m_changed;
+  EState m_state = EState::kNew;
+  std::thread::id m_maker;
+  TMI* m_made = nullptr;
+  TQELException m_fault{TQELStatusCode::kFailed, ""};
+};
+
+/// A provider: one name in one library.
+class TProvider {
+ public:
+  TProvider(std::string name, TProviderLibrary& library)
+      : m_name(std::move(name)), m_library(library) {}
+
+  const std::string& GetName() const { return m_name; }
+  TProviderLibrary& GetLibrary() const { return m_library; }
+  /// "provider NAME (FILE)" for messages.
+  std::string Describe() const { return "provider " + m_name + " (" + m_library.GetPath() + ')'; }
+
+  CMPIInstanceMI& GetInstanceMI(TBroker& broker);
+  CMPIAssociationMI& GetAssociationMI(TBroker& broker);
+  CMPIMethodMI& GetMethodMI(TBroker& broker);
+
+  /// Tells every part that was made that the process ends.
+  void Cleanup(TBroker& broker) noexcept;
+
+ private:
+  const std::string m_name;
+  TProviderLibrary& m_library;
+  TProviderPart<CMPIInstanceMI> m_instance;
+  TProviderPart<CMPIAssociationMI> m_association;
+  TProviderPart<CMPIMethodMI> m_method;
+};
+
+}  // namespace NZEPQEL20::cmpi

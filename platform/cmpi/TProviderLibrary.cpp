@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/cmpi/TProviderLibrary.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "platform/cmpi/ProviderCall.h"
+#include "platform/contract/TQELException.h"
+
+namespace NZEPQEL20::cmpi {
+
+namespace {
+
+template <class TMI>
+using TFactory = TMI* (*)(const CMPIBroker*, const CMPIContext*, CMPIStatus*);
+template <class TMI>
+using TGenericFactory = TMI* (*)(const CMPIBroker*, const CMPIContext*, const char*, CMPIStatus*);
+
+/// A function behind a symbol's address.
+template <class TFunction>
+TFunction ToFunction(void* address) {
+  TFunction function;
+  static_assert(sizeof function == sizeof address);
+  std::memcpy(&function, &address, sizeof function);
+  return function;
+}
+
+/// The absolute form of `path`, so that the loader searches nowhere else.
+std::string MakeAbsolute(const std::string& path) {
+  const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
+                                                         std::free);
+  return real != nullptr ? std::string(real.get()) : path;
+}
+
+}  // namespace
+
+void TProviderLibrary::Open() {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  if (!m_isTried) {
+    m_isTried = true;
+    m_handle = dlopen(MakeAbsolute(m_path).c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (m_handle == nullptr) {
+      const char* reason = dlerror();
+      m_fault = "provider library " + m_path +
+                " cannot be loaded: " + (reason != nullptr ? reason : "unknown reason");
+    }
+  }
+  if (m_handle == nullptr) throw TQELException(TQELStatusCode::kFailed, m_fault);
+}
+
+void* TProviderLibrary::FindSymbol(const std::string& name) const {
+  return dlsym(m_handle, name.c_str());
+}
+
+template <class TMI>
+TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName, TBroker& broker) {
+  Open();
+  const std::string what =
+      "provider " + providerName + " in " + m_path + ": its " + kind + " functions";
+  const std::string specific = providerName + "_Create_" + kind + "MI";
+  const std::string generic = std::string("_Generic_Create_") + kind + "MI";
+  void* own = FindSymbol(specific);
+  void* any = own == nullptr ? FindSymbol(generic) : nullptr;
+  if (own == nullptr && any == nullptr) {
+    throw TQELException(TQELStatusCode::kNotFound,
+                        what + " have no entry point: neither " + specific + " nor " + generic);
+  }
+  TMI* made = nullptr;
+  const TCallOutcome outcome = CallProvider(
+      broker, "", TBrokerResult::EKind::kNothing,
+      [&](const CMPIContext* context, const CMPIResult*) {
+        CMPIStatus status = {CMPI_RC_OK, nullptr};
+        made = own != nullptr ? ToFunction<TFactory<TMI>>(own)(broker.GetTable(), context, &status)
+                              : ToFunction<TGenericFactory<TMI>>(any)(
+                                    broker.GetTable(), context, providerName.c_str(), &status);
+        return status;
+      });
+  if (outcome.code != CMPI_RC_OK) throw outcome.ToException(what + " were refused");
+  if (made == nullptr) throw TQELException(TQELStatusCode::kFailed, what + " were not made");
+  if (made->ft == nullptr) {
+    throw TQELException(TQELStatusCode::kFailed, what + " have no function table");
+  }
+  return made;
+}
+
+template CMPIInstanceMI* TProviderLibrary::Create<CMPIInstanceMI>(const char*, const std::string&,
+                                                                  TBroker&);
+template CMPIAssociationMI* TProviderLibrary::Create<CMPIAssociationMI>(const char*,
+                                                                        const std::string&,
+                                                                        TBroker&);
+template CMPIMethodMI* TProviderLibrary::Create<CMPIMethodMI>(const char*, const std::string&,
+                                                              TBroker&);
+
+}  // namespace NZEPQEL20::cmpi

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <mutex>
+#include <string>
+
+#include "platform/cmpi/TBroker.h"
+#include "platform/cmpi/abi/cmpi.h"
+
+namespace NZEPQEL20::cmpi {
+
+/// A provider library, opened when it is first needed and never closed: threads and exit handlers
+/// that a provider left behind would run code that is no longer there.
+/// Threads: safe from several.
+class TProviderLibrary {
+ public:
+  /// Nothing is opened yet.
+  explicit TProviderLibrary(std::string path) : m_path(std::move(path)) {}
+
+  const std::string& GetPath() const { return m_path; }
+
+  /// Errors: TQELException naming the library and the loader's reason; every time the same, the
+  /// library is tried once.
+  void Open();
+
+  /// Has the library make the provider object of `kind` ("Instance", "Association", "Method") for
+  /// the provider name: through the factory for that name, else through the generic one. To be
+  /// called once per kind and name.
+  /// Errors: TQELException naming library, provider and the reason: no entry point, a refusal with
+  /// the provider's words, an exception, no object, an object without a function table.
+  template <class TMI>
+  TMI* Create(const char* kind, const std::string& providerName, TBroker& broker);
+
+ private:
+  void* FindSymbol(const std::string& name) const;
+
+  const std::string m_path;
+  std::mutex m_mutex;
+  bool m_isTried = false;
+  void* m_handle = nullptr;
+  std::string m_fault;
+};
+
+}  // namespace NZEPQEL20::cmpi

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/cmpi/IBrokerHost.h"
+#include "platform/cmpi/ProviderCall.h"
+#include "platform/cmpi/TProvider.h"
+#include "platform/cmpi/TRegistrations.h"
+#include "platform/schema/TClassRepository.h"
+
+namespace NZEPQEL20::cmpi {
+
+/// What a provider is asked as.
+enum class ERole { kInstance, kAssociation, kMethod };
+
+/// The registered providers: who serves which class where, and the broker between them.
+/// Threads: safe from several.
+class TProviders : public IBrokerHost {
+ public:
+  /// A class that a provider serves.
+  struct TService {
+    const TRegistration* registration;
+    TProvider* provider;
+  };
+  using TServices = std::vector<TService>;
+
+  TProviders(std::shared_ptr<const TClassRepository> classes, TRegistrations registrations,
+             ICIMOperations& operations);
+  /// Ends every provider.
+  ~TProviders() override;
+  TProviders(const TProviders&) = delete;
+  TProviders& operator=(const TProviders&) = delete;
+
+  ICIMOperations& GetOperations() override { return m_operations; }
+  std::string FindNamespace(const std::string& nameSpace,
+                            const std::string& className) const override;
+  std::shared_ptr<const TCIMClassDeclaration> FindClass(
+      const std::string& className) const override {
+    return m_classes->Find(className);
+  }
+  bool IsA(const std::string& className, const std::string& superclass) const override;
+
+  /// Who serves `className` or a class below it.
+  TServices FindServices(const std::string& nameSpace, const std::string& className,
+                         ERole role) const;
+  /// Who serves an object of `className`: the class itself, else the nearest class above it, else
+  /// those below it.
+  TServices FindServicesOfObject(const std::string& nameSpace, const std::string& className,
+                                 ERole role) const;
+  /// All of a role in a namespace.
+  TServices FindAll(const std::string& nameSpace, ERole role) const;
+
+  const std::vector<TService>& GetServices() const { return m_services; }
+  const TClassRepository& GetClasses() const { return *m_classes; }
+  TBroker& GetBroker() const { return m_broker; }
+
+  /// Opens every library, so that what cannot be loaded is known.
+  void OpenLibraries();
+  /// Keeps and logs `problem` unless that was done before.
+  void Report(const std::string& problem);
+  std::vector<std::string> GetProblems() const;
+
+ private:
+  TProvider& GetProvider(const TRegistration& registration);
+  TServices FindExact(const std::string& nameSpace, const std::string& className, ERole role) const;
+
+  std::shared_ptr<const TClassRepository> m_classes;
+  const TRegistrations m_registrations;
+  ICIMOperations& m_operations;
+  std::map<std::string, std::unique_ptr<TProviderLibrary>> m_libraries;
+  std::map<std::pair<std::string, std::string>, std::unique_ptr<TProvider>> m_providers;
+  std::vector<TService> m_services;
+  mutable std::mutex m_mutex;
+  std::vector<std::string> m_problems;
+  std::set<std::string> m_reported;
+  TBroker& m_broker;
+};
+
+/// Whether two namespaces are the same: without case, and without a slash in front.
+bool IsSameNamespace(const std::string& left, const std::string& right);
+
+}  // namespace NZEPQEL20::cmpi

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "platform/contract/TCIMClassDeclaration.h"
+#include "platform/contract/TCIMReference.h"
+
+namespace NZEPQEL20::cmpi {
+
+/// `value` as a value of `declared`, so that a provider meets the type it was written for: texts
+/// become numbers, paths or times, numbers change their width.
+/// Errors: TQELException (kTypeMismatch) naming `what` and both types.
+TCIMValue ConvertTo(const TCIMElementDeclaration& declared, const TCIMValue& value,
+                    const std::string& what);
+
+/// `path` with keys of the types that `declaration` (may be null) has for them. A key that cannot
+/// be converted stays as it is: the provider will not find it.
+TCIMReference ConvertKeys(const TCIMReference& path, const TCIMClassDeclaration* declaration);
+
+}  // namespace NZEPQEL20::cmpi
