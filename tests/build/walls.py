@@ -28,7 +28,7 @@ FOREIGN = {
     "spdlog/": ["platform/services/"],
     "fmt/": ["platform/services/"],
     "CLI/": ["host/"],
-    "nlohmann/": ["host/"],
+    "nlohmann/": ["host/", "providers/hardware/"],
     "boost/": ["runner/", "parsers/", "platform/", "host/"],
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]')
