@@ -19,7 +19,7 @@ namespace NZEPQEL20 {
 /// Errors: TQELException with the provider's CMPI number (kCIMError) naming the operation, class or
 /// path, provider and the provider's words.
 /// Threads: safe from several; a provider may come back in its own calls.
-class DIAGSPLATFORM_EXPORT TCMPIOperations : public ICIMOperations {
+class TCMPIOperations : public ICIMOperations {
  public:
   /// Opens no library yet. `classes` is complete and does not change any more.
   TCMPIOperations(std::shared_ptr<const TClassRepository> classes, TRegistrations registrations,

@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/contract/Export.h"
-
 namespace NZEPQEL20 {
 
 /// One class that a provider serves in one namespace.
@@ -27,7 +25,7 @@ struct TRegistration {
 /// called. `#` starts a comment. `Library` stands for `lib<Library>.so` beside the file.
 /// A faulty line is a problem, and all others count.
 /// Threads: loading must be alone; reading is safe from several.
-class DIAGSPLATFORM_EXPORT TRegistrations {
+class TRegistrations {
  public:
   /// Adds what `file` says. A file that cannot be read is a problem.
   void Load(const std::string& file);

@@ -20,7 +20,7 @@ namespace NZEPQEL20 {
 /// Paths that come back hold namespace and class, and no handle.
 /// Errors: TQELException with the sender's CIM status and words in every operation.
 /// Threads: every implementation takes calls from several threads at once.
-class DIAGSPLATFORM_EXPORT ICIMOperations {
+class ICIMOperations {
  public:
   /// Which related objects an association operation is about; empty texts do not filter.
   struct TAssociationFilter {

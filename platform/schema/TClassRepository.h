@@ -19,7 +19,7 @@ namespace NZEPQEL20 {
 /// that is declared again replaces the earlier one, silently when both say the same.
 /// Threads: Load(), LoadText(), AddSearchPath() and Check() must be alone; the const operations
 /// may run in several threads at once.
-class DIAGSPLATFORM_EXPORT TClassRepository {
+class TClassRepository {
  public:
   /// Deepest chain of superclasses that is followed.
   static constexpr unsigned int kMaxInheritance = 64;

@@ -3,12 +3,10 @@
 
 #include <string>
 
-#include "platform/contract/Export.h"
-
 namespace NZEPQEL20 {
 
 /// Something that is wrong, or doubtful, in a MOF file.
-struct DIAGSPLATFORM_EXPORT TMofError {
+struct TMofError {
   std::string file;
   unsigned int line = 0;    ///< From 1; 0 when it is about the file as a whole.
   unsigned int column = 0;  ///< From 1, in characters; 0 like `line`.
