@@ -9,6 +9,15 @@ using NZEPQEL20::ILogger;
 using NZEPQEL20::TRootObject;
 using NZEPQEL20::TXmlAttributes;
 
+namespace {
+
+void Report(ILogger::EQELLogSeverity severity, const std::string& text) {
+  ILogger* const logger = TRootObject::GetCoreLogger();
+  if (logger != nullptr) logger->Log(severity, text);
+}
+
+}  // namespace
+
 ExcludeParser::~ExcludeParser() = default;
 
 std::vector<std::string> ExcludeParser::GetRequestedData() const {
@@ -18,8 +27,7 @@ std::vector<std::string> ExcludeParser::GetRequestedData() const {
 void ExcludeParser::DebugOutput(
     ILogger::EQELLogSeverity severity,
     std::string text) {  // NOLINT(performance-unnecessary-value-param): the type is fixed.
-  TRootObject::GetCoreLogger()->Log(
-      severity, "ExcludeParser line " + std::to_string(GetCurLine()) + ":" + text);
+  Report(severity, "ExcludeParser line " + std::to_string(GetCurLine()) + ":" + text);
 }
 
 void ExcludeParser::StartElement(const char* name, TXmlAttributes& attributes) {
@@ -78,7 +86,6 @@ void ExcludeParser::characters(const char*, unsigned int) {}
 void ExcludeParser::notationDecl(const char*, const char*, const char*) {}
 
 void ExcludeParser::FatalError(const char* message) {
-  TRootObject::GetCoreLogger()->Log(ILogger::kError, "TPrebootTest Parser line " +
-                                                         std::to_string(GetCurLine()) + ":" +
-                                                         (message == nullptr ? "" : message));
+  Report(ILogger::kError, "TPrebootTest Parser line " + std::to_string(GetCurLine()) + ":" +
+                              (message == nullptr ? "" : message));
 }

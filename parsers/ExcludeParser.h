@@ -13,7 +13,7 @@
 ///
 /// Element names compare without case, attribute names exactly; nesting is not enforced. An
 /// element in error is reported and the ones after it are still read; a "test" without a usable
-/// name adds an empty one. The core logger must be set before anything is reported.
+/// name adds an empty one. Without a core logger nothing is reported.
 class ExcludeParser : public NZEPQEL20::TXmlParser {
  public:
   ExcludeParser() = default;

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "parsers/ExcludeParser.h"
+#include "platform/contract/TRootObject.h"
 #include "tests/parsers/Prefixes.h"
 #include "tests/parsers/TLogCapture.h"
 #include "tests/parsers/TReportingParser.h"
@@ -42,6 +43,12 @@ class ExcludeParserTest : public ::testing::TestWithParam<TDocument> {
 TEST_P(ExcludeParserTest, ReadsTheTestsAndLogsWhatIsWrong) {
   EXPECT_EQ(Read(GetParam().xml), GetParam().tests);
   EXPECT_EQ(m_log.m_lines, GetParam().log);
+}
+
+TEST_F(ExcludeParserTest, WithoutALoggerReportsNothingAndStillReads) {
+  NZEPQEL20::TRootObject::SetCoreLogger(nullptr);
+  EXPECT_EQ(Read("<qel><oops/><test name='a'/></qel>"), TTexts{"a"});
+  EXPECT_THAT(m_log.m_lines, IsEmpty());
 }
 
 const char kUnknown[] = "0 TPrebootTest Parser line 1:Unrecognized identifier";
