@@ -46,7 +46,7 @@ int Complain(const char* reason, EExitStatus status) noexcept {
   try {
     std::cerr << "diagsrun: " << SafeText(reason, ELines::kOne) << "\n";
   } catch (...) {
-    std::fputs("diagsrun: out of memory\n", stderr);
+    static_cast<void>(std::fputs("diagsrun: out of memory\n", stderr));
   }
   return static_cast<int>(status);
 }
@@ -93,7 +93,7 @@ int RunHost(int argc, char** argv) noexcept {
   try {
     OpenStandardDescriptors();
     // A reader that goes away must not end the process in the middle of a test.
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     return static_cast<int>(
         RunArguments(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc)));
   } catch (const TUsageError& e) {

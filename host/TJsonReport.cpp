@@ -41,7 +41,7 @@ std::string FormatTime(std::chrono::system_clock::time_point point) {
   std::tm parts{};
   std::array<char, 32> text{};
   if (::gmtime_r(&seconds, &parts) == nullptr) return {};
-  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
+  static_cast<void>(std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts));
   return text.data();
 }
 

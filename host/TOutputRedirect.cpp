@@ -19,7 +19,7 @@ namespace {
 
 void FlushAll() {
   std::cout.flush();
-  std::fflush(stdout);
+  static_cast<void>(std::fflush(stdout));
 }
 
 }  // namespace

@@ -88,12 +88,12 @@ void TSignalWatch::WaitForOneMoreKill() {
 }
 
 void TSignalWatch::EndBy(int signal) {
-  ::signal(signal, SIG_DFL);
+  static_cast<void>(::signal(signal, SIG_DFL));
   sigset_t set;
   ::sigemptyset(&set);
   ::sigaddset(&set, signal);
   ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
-  ::raise(signal);
+  static_cast<void>(::raise(signal));
   // Only where a debugger took the signal away.
   ::_exit(128 + signal);
 }

@@ -37,7 +37,7 @@ void WriteIndented(std::ostream& out, const std::string& text, const std::string
 
 std::string FormatSeconds(double seconds) {
   std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), "%.1f s", seconds);
+  static_cast<void>(std::snprintf(text.data(), text.size(), "%.1f s", seconds));
   return text.data();
 }
 

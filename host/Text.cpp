@@ -60,7 +60,8 @@ bool TurnsDirection(std::uint32_t character) {
 
 std::string Escape(const char* format, std::uint32_t number) {
   std::array<char, 16> buffer{};
-  std::snprintf(buffer.data(), buffer.size(), format, static_cast<unsigned int>(number));
+  static_cast<void>(
+      std::snprintf(buffer.data(), buffer.size(), format, static_cast<unsigned int>(number)));
   return buffer.data();
 }
 

@@ -107,7 +107,7 @@ struct TPlatform::TParts {
   void Route() {
     auto context = std::make_shared<TModelContext>(kContextId, operations);
     context->SetRouter(router);
-    const auto connection = boost::make_shared<TModelNamespace>(context, nameSpaceName);
+    auto connection = boost::make_shared<TModelNamespace>(context, nameSpaceName);
     router->AddContext(kContextId, [connection](const TKeyMap& /*keys*/) { return connection; });
   }
 

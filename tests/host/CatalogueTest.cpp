@@ -14,6 +14,7 @@ using ::testing::HasSubstr;
 
 std::vector<std::string> GetIds(const std::vector<TTest>& tests) {
   std::vector<std::string> ids;
+  ids.reserve(tests.size());
   for (const TTest& test : tests) ids.push_back(test.id);
   return ids;
 }

@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <system_error>
 
 namespace host {
@@ -50,6 +51,36 @@ bool Append(int descriptor, std::string& text) {
   if (size <= 0) return size < 0 && errno == EINTR;
   text.append(buffer.data(), static_cast<std::size_t>(size));
   return true;
+}
+
+// State and parent as /proc shows them; no parent for a process that is gone.
+struct TStat {
+  char state = 'X';
+  pid_t parent = 0;
+};
+
+TStat ReadStat(const std::string& pid) {
+  std::ifstream file("/proc/" + pid + "/stat");
+  const std::string line{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  // The name stands in parentheses and may hold anything.
+  const std::size_t end = line.rfind(')');
+  TStat stat;
+  if (end == std::string::npos) return stat;
+  std::istringstream rest(line.substr(end + 1));
+  rest >> stat.state >> stat.parent;
+  return stat;
+}
+
+std::vector<pid_t> FindChildren(pid_t pid) {
+  std::vector<pid_t> children;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry("/proc", error), end; !error && entry != end;
+       entry.increment(error)) {
+    const std::string name = entry->path().filename().string();
+    if (name.find_first_not_of("0123456789") != std::string::npos) continue;
+    if (ReadStat(name).parent == pid) children.push_back(std::stoi(name));
+  }
+  return children;
 }
 
 void Close(int& descriptor) {
@@ -138,16 +169,18 @@ TFinished RunToEnd(const TProgram& program) {
   return {status, process.GetOut(), process.GetErr()};
 }
 
-std::size_t CountProcesses(const std::string& text) {
-  std::size_t count = 0;
-  std::error_code error;
-  for (std::filesystem::directory_iterator entry("/proc", error), end; !error && entry != end;
-       entry.increment(error)) {
-    std::ifstream file(entry->path() / "cmdline", std::ios::binary);
-    const std::string line{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (line.find(text) != std::string::npos) ++count;
+std::vector<pid_t> FindDescendants(pid_t pid) {
+  std::vector<pid_t> found = {pid};
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    for (const pid_t child : FindChildren(found[i])) found.push_back(child);
   }
-  return count;
+  found.erase(found.begin());
+  return found;
+}
+
+bool IsRunning(pid_t pid) {
+  const TStat stat = ReadStat(std::to_string(pid));
+  return stat.parent != 0 && stat.state != 'Z' && stat.state != 'X';
 }
 
 }  // namespace host

@@ -60,7 +60,10 @@ struct TFinished {
 };
 TFinished RunToEnd(const TProgram& program);
 
-/// Number of live processes whose command line contains `text`.
-std::size_t CountProcesses(const std::string& text);
+/// The processes that `pid` has started, and those that they have started.
+std::vector<pid_t> FindDescendants(pid_t pid);
+
+/// Whether the process still runs; one that is only waiting to be reaped does not.
+bool IsRunning(pid_t pid);
 
 }  // namespace host

@@ -65,7 +65,8 @@ TEST_F(PlatformTest, ReportsEachFaultyFileOnceAndGoesOn) {
   m_root.Write("providers/acme/acme.registration",
                "A_Base root/cimv2 Acme nosuchlibrary instance\nhalf a line\n");
   TPlatform platform(m_options);
-  const std::vector<std::string> problems = platform.GetProblems();
+  const std::vector<std::string>& first = platform.GetProblems();
+  const std::vector<std::string> problems(first.begin(), first.end());
   EXPECT_THAT(problems, Contains(HasSubstr(mof)));
   EXPECT_THAT(problems, Contains(HasSubstr("acme.registration:2")));
   EXPECT_THAT(problems, Contains(HasSubstr("nosuchlibrary")));
