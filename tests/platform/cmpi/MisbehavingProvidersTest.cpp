@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/cmpi/TCMPIOperations.h"
+#include "platform/contract/TQELException.h"
+
+namespace NZEPQEL20 {
+namespace {
+
+constexpr const char* kClasses = R"(
+Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride, ToSubclass);
+class BAD_Base { [Key] string InstanceID; string Name; string ElementName; };
+class BAD_Object : BAD_Base { };
+class BAD_Other : BAD_Base { };
+)";
+
+/// Hosts libraries that misbehave, each for a class of its own.
+class MisbehavingProvidersTest : public testing::Test {
+ protected:
+  void Host(const std::string& library, const std::string& other = "") {
+    const std::string file =
+        testing::TempDir() + "bad-" + std::to_string(getpid()) + ".registration";
+    TRegistrations registrations;
+    {
+      std::ofstream out(file);
+      out << "BAD_Object root/cimv2 Bad " << library << " instance method\n";
+      if (!other.empty()) out << "BAD_Other root/cimv2 Bad " << other << " instance\n";
+    }
+    Link(library);
+    if (!other.empty()) Link(other);
+    registrations.Load(file);
+    unlink(file.c_str());
+    auto classes = std::make_shared<TClassRepository>();
+    ASSERT_TRUE(classes->LoadText(kClasses, "bad.mof").empty());
+    m_operations = std::make_unique<TCMPIOperations>(classes, registrations);
+    ASSERT_TRUE(m_operations->GetProblems().empty()) << m_operations->GetProblems().front();
+  }
+
+  /// Libraries lie beside their registration.
+  static void Link(const std::string& library) {
+    const std::string link = testing::TempDir() + "lib" + library + ".so";
+    unlink(link.c_str());
+    const std::string target = std::string(DIAGS_BAD_DIR) + "/lib" + library + ".so";
+    ASSERT_EQ(symlink(target.c_str(), link.c_str()), 0) << std::strerror(errno);
+  }
+
+  std::vector<TCIMInstanceData> Enumerate(const std::string& className = "BAD_Object") {
+    std::vector<TCIMInstanceData> found;
+    m_operations->EnumerateInstances("root/cimv2", className, [&](TCIMInstanceData&& data) {
+      found.push_back(std::move(data));
+      return true;
+    });
+    return found;
+  }
+
+  std::unique_ptr<TCMPIOperations> m_operations;
+};
+
+struct TFaultRow {
+  const char* library;
+  const char* reason;
+};
+void PrintTo(const TFaultRow& row, std::ostream* out) {
+  *out << row.library;
+}
+
+class FaultyProviderTest : public MisbehavingProvidersTest,
+                           public testing::WithParamInterface<TFaultRow> {};
+
+TEST_P(FaultyProviderTest, FailsWithItsReasonOnceWhileOthersGoOn) {
+  Host(GetParam().library, "nodone");
+  for (int i = 0; i < 2; ++i) {
+    try {
+      Enumerate();
+      FAIL() << "no exception";
+    } catch (const TQELException& failure) {
+      EXPECT_NE(std::string(failure.what()).find(GetParam().reason), std::string::npos)
+          << failure.what();
+    }
+    EXPECT_EQ(Enumerate("BAD_Base").size(), 1U);
+  }
+  // Asking for another class words another operation; the reason of each is there once.
+  EXPECT_LE(m_operations->GetProblems().size(), 2U);
+  EXPECT_FALSE(m_operations->GetProblems().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Libraries, FaultyProviderTest,
+                         testing::Values(TFaultRow{"notalibrary", "cannot be loaded"},
+                                         TFaultRow{"missing", "cannot be loaded"},
+                                         TFaultRow{"unresolved", "DiagsSymbolThatNobodyHas"},
+                                         TFaultRow{"noentry", "neither Bad_Create_InstanceMI nor"},
+                                         TFaultRow{"nulltable", "no function table"},
+                                         TFaultRow{"nullslots", "CIM_ERR_NOT_SUPPORTED"},
+                                         TFaultRow{"factorythrows", "factory on strike"},
+                                         TFaultRow{"factorynull", "were not made"},
+                                         TFaultRow{"factoryrefuses", "no hardware here"},
+                                         TFaultRow{"throws", "out of luck"},
+                                         TFaultRow{"code", "not for you"},
+                                         TFaultRow{"oddcode", "CMPI status 4711"}),
+                         [](const auto& row) { return std::string(row.param.library); });
+
+struct TCountRow {
+  const char* library;
+  std::size_t instances;
+};
+void PrintTo(const TCountRow& row, std::ostream* out) {
+  *out << row.library;
+}
+
+class OddProviderTest : public MisbehavingProvidersTest,
+                        public testing::WithParamInterface<TCountRow> {};
+
+TEST_P(OddProviderTest, GivesItsInstancesAllTheSame) {
+  Host(GetParam().library);
+  EXPECT_EQ(Enumerate().size(), GetParam().instances);
+}
+
+INSTANTIATE_TEST_SUITE_P(Libraries, OddProviderTest,
+                         testing::Values(TCountRow{"generic", 1}, TCountRow{"oldtable", 1},
+                                         TCountRow{"notfound", 0}, TCountRow{"nodone", 1},
+                                         TCountRow{"twice", 1}, TCountRow{"releases", 1},
+                                         TCountRow{"stdout", 1}, TCountRow{"threads", 2}),
+                         [](const auto& row) { return std::string(row.param.library); });
+
+TEST_F(MisbehavingProvidersTest, ValuesOfWrongTypesArriveAsTheyWereGiven) {
+  Host("garbage");
+  const auto found = Enumerate();
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].Find("Name")->value.ToSigned(), -5);
+  EXPECT_TRUE(found[0].Find("ElementName")->value.IsNull());
+  EXPECT_EQ(found[0].Find("Caption"), nullptr);
+  const auto texts = static_cast<std::vector<TCIMValue>>(found[0].Find("Texts")->value);
+  ASSERT_EQ(texts.size(), 2U);
+  EXPECT_TRUE(texts[0].IsNull());
+  EXPECT_EQ(texts[1].ToString(10), "second");
+}
+
+TEST_F(MisbehavingProvidersTest, BytesThatAreNotUtf8AreReplaced) {
+  Host("badtext");
+  EXPECT_EQ(Enumerate().at(0).Find("ElementName")->value.ToString(10), "a\xEF\xBF\xBDz");
+}
+
+TEST_F(MisbehavingProvidersTest, AResultThatIsKeptBeyondItsCallIsRefused) {
+  Host("late");
+  EXPECT_EQ(Enumerate().size(), 1U);
+  try {
+    Enumerate();
+    FAIL() << "no exception";
+  } catch (const TQELException& failure) {
+    EXPECT_EQ(failure.GetCIMStatus(), 60U) << failure.what();
+  }
+}
+
+TEST_F(MisbehavingProvidersTest, TheEndCleansEveryProviderUpOnce) {
+  Host("nodone");
+  Enumerate();
+  const std::string path = std::string(DIAGS_BAD_DIR) + "/libnodone.so";
+  void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+  ASSERT_NE(library, nullptr);
+  int (*cleanups)() = nullptr;
+  void* symbol = dlsym(library, "BadCleanups");
+  ASSERT_NE(symbol, nullptr);
+  std::memcpy(&cleanups, &symbol, sizeof cleanups);
+  const int before = cleanups();
+  m_operations.reset();
+  EXPECT_EQ(cleanups(), before + 1);
+  dlclose(library);
+}
+
+TEST_F(MisbehavingProvidersTest, AnUnknownClassIsAnError) {
+  Host("nodone");
+  try {
+    Enumerate("BAD_Nothing");
+    FAIL() << "no exception";
+  } catch (const TQELException& failure) {
+    EXPECT_EQ(failure.GetCIMStatus(), 5U);
+  }
+}
+
+}  // namespace
+}  // namespace NZEPQEL20
