@@ -92,6 +92,8 @@ EExitStatus RunArguments(const std::vector<std::string>& arguments) {
 int RunHost(int argc, char** argv) noexcept {
   try {
     OpenStandardDescriptors();
+    // Progress has to show when it is made, also through a pipe.
+    static_cast<void>(std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ));
     // A reader that goes away must not end the process in the middle of a test.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     return static_cast<int>(
