@@ -393,7 +393,7 @@ CMPIStatus InvokeMethod(CMPIMethodMI*, const CMPIContext*, const CMPIResult* res
   } else if (IsSameName(method, "RequestStateChange")) {
     code = ChangeState(target, in);
   } else {
-    return Fail(CMPI_RC_ERR_METHOD_NOT_FOUND, method);
+    return Fail(CMPI_RC_ERR_METHOD_NOT_FOUND, "no such method");
   }
   result->ft->returnData(result, reinterpret_cast<const CMPIValue*>(&code), CMPI_uint32);
   return result->ft->returnDone(result);
