@@ -54,7 +54,7 @@ std::unique_ptr<IReport> TCommand::MakeReport() {
 // Whoever reads the results must not take a cut output for a whole one.
 EExitStatus TCommand::CheckOutput(EExitStatus status) {
   m_around.out.flush();
-  if (m_around.out) return status;
+  if (m_around.isOutputGood()) return status;
   Complain("standard output: cannot be written to");
   return EExitStatus::kNotFinished;
 }
@@ -118,7 +118,7 @@ void TCommand::RunAll(const std::vector<TTest>& tests, IReport& report, TRunRepo
   for (const TTest& test : tests) {
     run.isInterrupted = run.isInterrupted || m_around.isInterrupted();
     // Nobody reads any more when the output is gone, so no further test is started.
-    if (run.isInterrupted || !m_around.out) {
+    if (run.isInterrupted || !m_around.isOutputGood()) {
       run.tests.push_back({test, EOutcome::kNotRun, {}, std::nullopt, {}, 0});
       continue;
     }

@@ -17,6 +17,7 @@ struct TSurroundings {
   std::ostream& out;
   std::ostream& err;
   std::function<bool()> isInterrupted;
+  std::function<bool()> isOutputGood;  ///< Whether all that was written to `out` arrived.
   std::function<std::chrono::system_clock::time_point()> wallClock;
   std::function<std::chrono::steady_clock::time_point()> steadyClock;
 };

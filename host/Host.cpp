@@ -12,6 +12,7 @@
 #include "host/Commands.h"
 #include "host/Progress.h"
 #include "host/TBlockedSignals.h"
+#include "host/TOutputRedirect.h"
 #include "host/TRunnerDiagnostics.h"
 #include "host/TSignalWatch.h"
 #include "host/TUsageError.h"
@@ -68,9 +69,12 @@ EExitStatus RunOnPlatform(const TOptions& options, const TBlockedSignals* signal
       ChooseProgressTarget(options, ::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1));
   std::optional<TSignalWatch> watch;
   if (signals != nullptr) watch.emplace(*signals, [&platform] { platform.KillRunningJobs(); });
-  const TSurroundings surroundings{
-      std::cout, std::cerr, [&watch] { return watch && watch->IsInterrupted(); },
-      &std::chrono::system_clock::now, &std::chrono::steady_clock::now};
+  const TSurroundings surroundings{std::cout,
+                                   std::cerr,
+                                   [&watch] { return watch && watch->IsInterrupted(); },
+                                   &IsOutputGood,
+                                   &std::chrono::system_clock::now,
+                                   &std::chrono::steady_clock::now};
   return RunCommand(options, diagnostics, surroundings);
 }
 
@@ -78,8 +82,7 @@ EExitStatus RunArguments(const std::vector<std::string>& arguments) {
   TCommandLine commandLine;
   const std::optional<TOptions> options = commandLine.Parse(arguments, std::cout, std::cerr);
   if (!options) {
-    std::cout.flush();
-    return std::cout ? commandLine.GetStatus() : EExitStatus::kNotFinished;
+    return IsOutputGood() ? commandLine.GetStatus() : EExitStatus::kNotFinished;
   }
   // The other commands start nothing that has to be ended, so signals end them as usual.
   if (options->command != ECommand::kRun) return RunOnPlatform(*options, nullptr);

@@ -27,7 +27,7 @@ void FlushAll() {
 TOutputRedirect::TOutputRedirect(EOutputTarget target) {
   if (target == EOutputTarget::kUnchanged) return;
   FlushAll();
-  m_wasGood = std::cout.good();
+  m_wasGood = IsOutputGood();
   m_saved = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (m_saved < 0) Fail("standard output");
   const int sink = target == EOutputTarget::kStandardError
@@ -48,7 +48,15 @@ TOutputRedirect::~TOutputRedirect() {
   ::dup2(m_saved, STDOUT_FILENO);
   ::close(m_saved);
   // A fault of the other target says nothing about standard output.
-  if (m_wasGood) std::cout.clear();
+  if (!m_wasGood) return;
+  std::cout.clear();
+  std::clearerr(stdout);
+}
+
+bool IsOutputGood() {
+  FlushAll();
+  // A line-buffered stream keeps a failure to itself that happened when it passed a line on.
+  return std::cout.good() && std::ferror(stdout) == 0;
 }
 
 void OpenStandardDescriptors() {

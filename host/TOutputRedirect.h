@@ -26,6 +26,9 @@ class TOutputRedirect {
   bool m_wasGood = true;
 };
 
+/// Whether everything that was written to standard output so far arrived.
+bool IsOutputGood();
+
 /// Opens the standard descriptors that the caller closed, so that no file of this process takes
 /// their numbers; using one of them fails as it would have.
 void OpenStandardDescriptors();

@@ -32,7 +32,10 @@ class CommandsTest : public ::testing::Test {
   // Every look at the clock takes a quarter of a second.
   int Do() {
     const TSurroundings surroundings{
-        m_out, m_err, [this] { return m_isInterrupted; },
+        m_out,
+        m_err,
+        [this] { return m_isInterrupted; },
+        [this] { return m_out.good(); },
         [] { return std::chrono::system_clock::from_time_t(0); },
         [this] { return std::chrono::steady_clock::time_point(m_time += m_step); }};
     return static_cast<int>(RunCommand(m_options, m_fake, surroundings));
