@@ -2,28 +2,34 @@
 #pragma once
 
 #include <benchmark/benchmark.h>
+#include <sys/resource.h>
 
 #include <algorithm>
-#include <ctime>
 #include <vector>
 
 namespace bench {
 
+/// Processor seconds used so far by this process (RUSAGE_SELF) or by its finished children
+/// (RUSAGE_CHILDREN). What else the machine does counts for neither.
+inline double GetProcessorSeconds(int who) {
+  rusage usage{};
+  getrusage(who, &usage);
+  const auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+  };
+  return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
 /// Runs `measured` and `reference` in turn for as long as `state` wants and reports the median
 /// of measured time over reference time, pair by pair, as the counter "ratio": a machine that
-/// speeds up or slows down does so for both. Time is the process's own on a processor, so what
-/// else the machine does counts for neither.
+/// speeds up or slows down does so for both. `who` tells whose time counts.
 template <typename TMeasured, typename TReference>
-void MeasureRatio(benchmark::State& state, const TMeasured& measured, const TReference& reference) {
-  const auto getSeconds = [] {
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-  };
-  const auto time = [&getSeconds](const auto& call) {
-    const double start = getSeconds();
+void MeasureRatio(benchmark::State& state, const TMeasured& measured, const TReference& reference,
+                  int who = RUSAGE_SELF) {
+  const auto time = [who](const auto& call) {
+    const double start = GetProcessorSeconds(who);
     call();
-    return getSeconds() - start;
+    return std::max(GetProcessorSeconds(who) - start, 1e-6);
   };
   std::vector<double> ratios;
   double measuredSeconds = 0;
@@ -34,9 +40,9 @@ void MeasureRatio(benchmark::State& state, const TMeasured& measured, const TRef
     state.SetIterationTime(seconds);
   }
   if (ratios.empty()) return;
-  std::nth_element(ratios.begin(), ratios.begin() + static_cast<std::ptrdiff_t>(ratios.size() / 2),
-                   ratios.end());
-  state.counters["ratio"] = ratios[ratios.size() / 2];
+  const auto middle = ratios.begin() + static_cast<std::ptrdiff_t>(ratios.size() / 2);
+  std::nth_element(ratios.begin(), middle, ratios.end());
+  state.counters["ratio"] = *middle;
   state.counters["seconds"] = measuredSeconds / static_cast<double>(ratios.size());
 }
 
