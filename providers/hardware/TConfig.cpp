@@ -26,7 +26,7 @@ struct TKey {
   std::uint32_t max;
 };
 
-constexpr std::array<TKey, 13> kKeys = {{
+constexpr std::array<TKey, 14> kKeys = {{
     {"processor_seconds", &TConfig::processorSeconds, 1, 3600},
     {"processor_extended_minutes", &TConfig::processorExtendedMinutes, 1, 240},
     {"memory_mib", &TConfig::memoryMib, 1, 65536},
@@ -35,6 +35,7 @@ constexpr std::array<TKey, 13> kKeys = {{
     {"memory_extended_minutes", &TConfig::memoryExtendedMinutes, 1, 1440},
     {"disk_mib", &TConfig::diskMib, 1, 1048576},
     {"disk_seconds", &TConfig::diskSeconds, 1, 3600},
+    {"disk_file_mib", &TConfig::diskFileMib, 1, 1048576},
     {"self_test_poll_seconds", &TConfig::selfTestPollSeconds, 1, 60},
     {"network_seconds", &TConfig::networkSeconds, 1, 600},
     {"deadline_seconds", &TConfig::deadlineSeconds, 10, 3600},

@@ -19,6 +19,7 @@ struct TConfig {
   std::uint32_t memoryExtendedMinutes = 1;  ///< Announced; the size and the loops decide.
   std::uint32_t diskMib = 1024;
   std::uint32_t diskSeconds = 10;
+  std::uint32_t diskFileMib = 256;
   std::uint32_t selfTestPollSeconds = 10;
   std::uint32_t networkSeconds = 5;
   std::uint32_t deadlineSeconds = 120;

@@ -2,13 +2,10 @@
 #include "providers/hardware/TDiskReadVerify.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <optional>
 #include <string>
-#include <system_error>
 
-#include "providers/hardware/Json.h"
+#include "providers/hardware/TFioReport.h"
 #include "providers/hardware/Text.h"
 
 namespace hardware {
@@ -18,66 +15,8 @@ constexpr std::uint64_t kMib = std::uint64_t{1024} * 1024;
 // Direct reads must be whole blocks; no disk in use has larger ones.
 constexpr std::uint64_t kBlockBytes = 4096;
 
-/// What fio's last report says of all its jobs.
-struct TReadReport {
-  bool isPresent = false;
-  std::uint64_t error = 0;
-  std::uint64_t readBytes = 0;
-  std::uint64_t writtenBytes = 0;
-  std::uint64_t runtimeMs = 0;
-  std::string version;
-};
-
-TReadReport ReadReport(std::string_view output) {
-  const nlohmann::json document = ParseLastDocument(output);
-  const nlohmann::json& jobs = FindMember(document, {"jobs"});
-  TReadReport report;
-  report.version = ToText(FindMember(document, {"fio version"}));
-  if (!jobs.is_array() || jobs.empty()) return report;
-  report.isPresent = true;
-  for (const nlohmann::json& job : jobs) {
-    const std::optional<std::uint64_t> error = ToUnsigned(FindMember(job, {"error"}));
-    const std::optional<std::uint64_t> bytes = ToUnsigned(FindMember(job, {"read", "io_bytes"}));
-    if (!error || !bytes) return {};
-    report.error = std::max(report.error, *error);
-    report.readBytes += *bytes;
-    report.writtenBytes += ToUnsigned(FindMember(job, {"write", "io_bytes"})).value_or(0);
-    report.runtimeMs =
-        std::max(report.runtimeMs, ToUnsigned(FindMember(job, {"read", "runtime"})).value_or(0));
-  }
-  return report;
-}
-
-// The errors with which the kernel reports that a device could not deliver its data. All others
-// are about the way to it: no right, no such file, busy.
-bool IsDeviceError(std::uint64_t error) {
-  static constexpr std::array<std::uint64_t, 6> kErrors = {EIO,       EILSEQ,  ENODATA,
-                                                           EREMOTEIO, ENOLINK, ETIMEDOUT};
-  return std::find(kErrors.begin(), kErrors.end(), error) != kErrors.end();
-}
-
-std::string DescribeError(std::uint64_t error) {
-  return error < 4096 ? std::generic_category().message(static_cast<int>(error))
-                      : "error " + std::to_string(error);
-}
-
-TVerdict JudgeReport(const TReadReport& report, const TProcessOutcome& outcome,
-                     const TDiskReadVerify::TPlan& plan) {
-  if (!report.isPresent) {
-    return MakeVerdict(ECompletion::kIncomplete, "fio gave no readable report");
-  }
-  if (IsDeviceError(report.error)) {
-    return MakeVerdict(ECompletion::kFailed, "reading failed after " +
-                                                 DescribeBytes(report.readBytes) + ": " +
-                                                 DescribeError(report.error));
-  }
-  if (report.error != 0) {
-    return MakeVerdict(ECompletion::kIncomplete,
-                       "fio could not read: " + DescribeError(report.error));
-  }
-  if (outcome.exitStatus != 0 || Contains(outcome.output, "terminating on signal")) {
-    return MakeVerdict(ECompletion::kIncomplete, "fio ended before its work was done");
-  }
+// The verdict on a run without errors.
+TVerdict JudgeBytes(const TFioReport& report, const TDiskReadVerify::TPlan& plan) {
   // The time is a bound of the plan's own, not a cut: some milliseconds are left to fio's rounding.
   const auto timeMs = static_cast<std::uint64_t>(
       std::chrono::duration_cast<std::chrono::milliseconds>(plan.time).count());
@@ -88,7 +27,7 @@ TVerdict JudgeReport(const TReadReport& report, const TProcessOutcome& outcome,
   return MakeVerdict(ECompletion::kOk, "everything read came without an error");
 }
 
-std::string DescribeCoverage(const TReadReport& report, const TDiskReadVerify::TPlan& plan) {
+std::string DescribeCoverage(const TFioReport& report, const TDiskReadVerify::TPlan& plan) {
   return DescribeBytes(report.readBytes) + " read of " + DescribeBytes(plan.bytes) +
          " planned, from the start of a disk of " + DescribeBytes(plan.diskBytes) + ", in " +
          std::to_string(report.runtimeMs) + " ms";
@@ -144,16 +83,13 @@ TVerdict TDiskReadVerify::Run(const TDevice& device, const TRunControl& control)
 }
 
 TVerdict TDiskReadVerify::Judge(const TProcessOutcome& outcome, const TPlan& plan) {
-  const TReadReport report = ReadReport(outcome.output);
-  const std::optional<TVerdict> ending = JudgeEnding(outcome);
-  TVerdict verdict = ending ? *ending : JudgeReport(report, outcome, plan);
+  const TFioReport report = ReadFioReport(outcome.output);
+  std::optional<TVerdict> judged = JudgeEnding(outcome);
+  if (!judged) judged = JudgeFioErrors(report, outcome);
+  TVerdict verdict = judged ? *judged : JudgeBytes(report, plan);
   if (report.isPresent) {
     verdict.covered = DescribeCoverage(report, plan);
-    verdict.excerpt = "error " + std::to_string(report.error) + ", read " +
-                      std::to_string(report.readBytes) + " bytes, written " +
-                      std::to_string(report.writtenBytes) + " bytes";
-    const std::string errors = Excerpt(outcome.errors, 1000);
-    if (!errors.empty()) verdict.excerpt += "\n" + errors;
+    verdict.excerpt = ExcerptFioRun(report, outcome);
   }
   verdict.tool = report.version.empty() ? "fio" : report.version;
   DescribeRun(outcome, verdict);
@@ -162,14 +98,7 @@ TVerdict TDiskReadVerify::Judge(const TProcessOutcome& outcome, const TPlan& pla
 
 unsigned int TDiskReadVerify::EstimatePercent(std::string_view output, const TPlan& plan,
                                               std::chrono::milliseconds elapsed) {
-  const TReadReport report = ReadReport(output);
-  const double byBytes = plan.bytes == 0 ? 0
-                                         : 100.0 * static_cast<double>(report.readBytes) /
-                                               static_cast<double>(plan.bytes);
-  const std::chrono::duration<double> seconds = elapsed;
-  const double byTime =
-      plan.time.count() == 0 ? 0 : 100.0 * seconds.count() / static_cast<double>(plan.time.count());
-  return static_cast<unsigned int>(std::min(100.0, std::max(byBytes, byTime)));
+  return EstimateFioPercent(output, plan.bytes, plan.time, elapsed);
 }
 
 }  // namespace hardware

@@ -23,6 +23,8 @@ class TFileDescriptor {
 
   int Get() const { return m_number; }
   bool IsOpen() const { return m_number >= 0; }
+  /// Gives the number away, to an owner that closes it.
+  int Release() noexcept { return std::exchange(m_number, -1); }
   void Close() noexcept {
     if (m_number >= 0) ::close(std::exchange(m_number, -1));
   }

@@ -62,9 +62,9 @@ TEST_P(ShippedDataTest, ExplainsEveryOutcomeOfTheDiskTestsOnce) {
   ReadShipped("vendor_diagnostic_msgs.xml", parser);
   EXPECT_THAT(parser.m_reports, IsEmpty());
   const auto entries = parser.getResultMsgs();
-  EXPECT_EQ(entries.size(), 18U);
-  for (const char* test :
-       {"diskdefault read verify", "diskdefault smart self-test", "diskdefault nvme self-test"}) {
+  EXPECT_EQ(entries.size(), 24U);
+  for (const char* test : {"diskdefault read verify", "diskdefault file read verify",
+                           "diskdefault smart self-test", "diskdefault nvme self-test"}) {
     for (const char* state : {"ok", "warning", "failed", "aborted", "incomplete", "stopped"}) {
       int found = 0;
       const auto [begin, end] = entries.equal_range(test);
