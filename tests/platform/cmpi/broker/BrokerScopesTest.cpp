@@ -1,0 +1,288 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How long objects and memory live. What a test leaves alive or touches too late, the sanitizers
+// of the other builds tell.
+#include <string>
+#include <thread>
+
+#include "platform/cmpi/TBrokerResult.h"
+#include "tests/platform/cmpi/broker/TBrokerTest.h"
+
+namespace NZEPQEL20::cmpi {
+namespace {
+
+/// An object that counts itself.
+class TCounted : public TBrokerObject {
+ public:
+  explicit TCounted(int& alive) : m_alive(alive) { ++m_alive; }
+  ~TCounted() override { --m_alive; }
+  std::string Describe() const override { return "counted"; }
+
+ private:
+  int& m_alive;
+};
+
+class BrokerScopesTest : public TBrokerTest {
+ protected:
+  int m_alive = 0;
+};
+
+TEST_F(BrokerScopesTest, ObjectsDieWithTheCallThatMadeThem) {
+  Make<TCounted>(m_alive);
+  Make<TCounted>(m_alive);
+  EXPECT_EQ(m_alive, 2);
+  EndCall();
+  EXPECT_EQ(m_alive, 0);
+}
+
+TEST_F(BrokerScopesTest, ANestedCallEndsItsOwnObjectsOnly) {
+  Make<TCounted>(m_alive);
+  {
+    const TCallFrame inner(m_taken);
+    Make<TCounted>(m_alive);
+    EXPECT_EQ(m_alive, 2);
+  }
+  EXPECT_EQ(m_alive, 1);
+}
+
+TEST_F(BrokerScopesTest, ACloneOutlivesItsCall) {
+  CMPIString* string = NewString("kept");
+  CMPIString* clone = string->ft->clone(string, &m_rc);
+  ASSERT_EQ(m_rc.rc, CMPI_RC_OK);
+  EndCall();
+  EXPECT_EQ(Text(clone), "kept");
+  EXPECT_EQ(clone->ft->release(clone).rc, CMPI_RC_OK);
+}
+
+TEST_F(BrokerScopesTest, ClonesOfEveryTypeAreDeepAndTheirOwners) {
+  CMPIInstance* instance = NewInstance();
+  instance->ft->setProperty(instance, "Colour", Chars("red"), CMPI_chars);
+  CMPIInstance* instanceClone = instance->ft->clone(instance, nullptr);
+  instance->ft->setProperty(instance, "Colour", Chars("blue"), CMPI_chars);
+  CMPIObjectPath* path = NewPath();
+  CMPIObjectPath* pathClone = path->ft->clone(path, nullptr);
+  path->ft->setClassName(path, "Other");
+  CMPIArray* array = m_broker->eft->newArray(m_broker, 1, CMPI_string, nullptr);
+  array->ft->setElementAt(array, 0, Chars("one"), CMPI_chars);
+  CMPIArray* arrayClone = array->ft->clone(array, nullptr);
+  array->ft->setElementAt(array, 0, Chars("two"), CMPI_chars);
+  CMPIArgs* args = m_broker->eft->newArgs(m_broker, nullptr);
+  CMPIArgs* argsClone = args->ft->clone(args, nullptr);
+  args->ft->addArg(args, "A", Chars("a"), CMPI_chars);
+  EndCall();
+  BeginCall();
+  EXPECT_EQ(Text(instanceClone->ft->getProperty(instanceClone, "Colour", nullptr).value.string),
+            "red");
+  EXPECT_EQ(Text(pathClone->ft->getClassName(pathClone, nullptr)), "T_Base");
+  EXPECT_EQ(Text(arrayClone->ft->getElementAt(arrayClone, 0, nullptr).value.string), "one");
+  EXPECT_EQ(argsClone->ft->getArgCount(argsClone, nullptr), 0U);
+  EXPECT_EQ(instanceClone->ft->release(instanceClone).rc, CMPI_RC_OK);
+  EXPECT_EQ(pathClone->ft->release(pathClone).rc, CMPI_RC_OK);
+  EXPECT_EQ(arrayClone->ft->release(arrayClone).rc, CMPI_RC_OK);
+  EXPECT_EQ(argsClone->ft->release(argsClone).rc, CMPI_RC_OK);
+}
+
+TEST_F(BrokerScopesTest, ASecondReleaseIsHarmless) {
+  CMPIString* string = NewString("text");
+  EXPECT_EQ(string->ft->release(string).rc, CMPI_RC_OK);
+  EXPECT_EQ(string->ft->release(string).rc, CMPI_RC_OK);
+  EXPECT_EQ(Text(string), "text");
+}
+
+TEST_F(BrokerScopesTest, WhatTheBrokerPassedInSurvivesItsRelease) {
+  TBrokerContext own(TBrokerContext::EntriesFor("root/test"));
+  own.SetLifetime(ELifetime::kPassed);
+  CMPIContext* context = &own;
+  EXPECT_EQ(context->ft->release(context).rc, CMPI_RC_OK);
+  EXPECT_EQ(context->ft->getEntryCount(context, nullptr), 6U);
+}
+
+TEST_F(BrokerScopesTest, AMarkEndsWhatWasMadeSinceButNotItsClones) {
+  const CMPIBrokerMemFT& mft = *m_broker->mft;
+  Make<TCounted>(m_alive);
+  CMPIGcStat* outer = mft.mark(m_broker, &m_rc);
+  ASSERT_EQ(m_rc.rc, CMPI_RC_OK);
+  Make<TCounted>(m_alive);
+  CMPIGcStat* inner = mft.mark(m_broker, nullptr);
+  CMPIString* string = NewString("kept");
+  CMPIString* clone = string->ft->clone(string, nullptr);
+  Make<TCounted>(m_alive);
+  EXPECT_EQ(m_alive, 3);
+  EXPECT_EQ(mft.release(m_broker, inner).rc, CMPI_RC_OK);
+  EXPECT_EQ(m_alive, 2);
+  EXPECT_EQ(mft.release(m_broker, outer).rc, CMPI_RC_OK);
+  EXPECT_EQ(m_alive, 1);
+  EXPECT_EQ(Text(clone), "kept");
+  clone->ft->release(clone);
+}
+
+TEST_F(BrokerScopesTest, ReleasingAnOuterMarkEndsTheInnerOnes) {
+  const CMPIBrokerMemFT& mft = *m_broker->mft;
+  CMPIGcStat* outer = mft.mark(m_broker, nullptr);
+  mft.mark(m_broker, nullptr);
+  Make<TCounted>(m_alive);
+  EXPECT_EQ(mft.release(m_broker, outer).rc, CMPI_RC_OK);
+  EXPECT_EQ(m_alive, 0);
+}
+
+TEST_F(BrokerScopesTest, WhatIsNoMarkIsAnInvalidHandle) {
+  const CMPIBrokerMemFT& mft = *m_broker->mft;
+  EXPECT_EQ(mft.release(m_broker, nullptr).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  EXPECT_EQ(mft.release(m_broker, &m_rc).rc, CMPI_RC_ERR_INVALID_HANDLE);
+}
+
+TEST_F(BrokerScopesTest, AMarkOfAnotherCallCannotBeReleased) {
+  const CMPIBrokerMemFT& mft = *m_broker->mft;
+  CMPIGcStat* mark = mft.mark(m_broker, nullptr);
+  Make<TCounted>(m_alive);
+  {
+    const TCallFrame inner(m_taken);
+    EXPECT_EQ(mft.release(m_broker, mark).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  }
+  EXPECT_EQ(m_alive, 1);
+  EndCall();
+  EXPECT_EQ(m_alive, 0) << "a call ends the marks that were left open";
+}
+
+TEST_F(BrokerScopesTest, MemoryIsZeroedGrownCopiedAndFreed) {
+  const CMPIBrokerMemFT& mft = *m_broker->mft;
+  auto* numbers = static_cast<unsigned int*>(mft.cmpiCalloc(m_broker, 4, sizeof(unsigned int)));
+  ASSERT_NE(numbers, nullptr);
+  EXPECT_EQ(numbers[3], 0U);
+  numbers[3] = 5;
+  numbers = static_cast<unsigned int*>(mft.cmpiRealloc(m_broker, numbers, 4096));
+  EXPECT_EQ(numbers[3], 5U);
+  mft.cmpiFree(m_broker, numbers);
+  char* text = mft.cmpiStrDup(m_broker, "text");
+  EXPECT_STREQ(text, "text");
+  mft.freeChars(m_broker, text);
+  EXPECT_EQ(mft.cmpiStrDup(m_broker, nullptr), nullptr);
+  EXPECT_NE(mft.cmpiMalloc(m_broker, 64), nullptr) << "left to the broker";
+}
+
+TEST_F(BrokerScopesTest, MemoryThatTheBrokerDoesNotKnowIsLeftAlone) {
+  const CMPIBrokerMemFT& mft = *m_broker->mft;
+  char own[] = "own";
+  mft.cmpiFree(m_broker, own);
+  mft.cmpiFree(m_broker, nullptr);
+  EXPECT_EQ(mft.cmpiRealloc(m_broker, own, 10), nullptr);
+  EXPECT_STREQ(own, "own");
+  EXPECT_EQ(mft.cmpiCalloc(m_broker, ~std::size_t{0}, 16), nullptr);
+}
+
+TEST_F(BrokerScopesTest, ObjectsCanBeFreedEarly) {
+  const CMPIBrokerMemFT& mft = *m_broker->mft;
+  mft.freeString(m_broker, NewString("x"));
+  mft.freeInstance(m_broker, NewInstance());
+  mft.freeObjectPath(m_broker, NewPath());
+  mft.freeArgs(m_broker, m_broker->eft->newArgs(m_broker, nullptr));
+  mft.freeArray(m_broker, m_broker->eft->newArray(m_broker, 1, CMPI_uint8, nullptr));
+  mft.freeDateTime(m_broker, m_broker->eft->newDateTime(m_broker, nullptr));
+  mft.freeSelectExp(m_broker, nullptr);
+  mft.freeString(m_broker, nullptr);
+}
+
+TEST_F(BrokerScopesTest, AResultRefusesWhatComesAfterItsCall) {
+  const auto result = TBrokerResult::Open(TBrokerResult::EKind::kInstances);
+  const CMPIResult* passed = result.get();
+  CMPIInstance* instance = NewInstance();
+  EXPECT_EQ(passed->ft->returnInstance(passed, instance).rc, CMPI_RC_OK);
+  EXPECT_EQ(passed->ft->returnObjectPath(passed, NewPath()).rc, CMPI_RC_ERR_NOT_SUPPORTED);
+  const CMPIUint8 number = 1;
+  EXPECT_EQ(passed->ft->returnData(passed, In(number), CMPI_uint8).rc, CMPI_RC_ERR_NOT_SUPPORTED);
+  EXPECT_EQ(passed->ft->returnInstance(passed, nullptr).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  EXPECT_EQ(passed->ft->returnDone(passed).rc, CMPI_RC_OK);
+  EXPECT_EQ(result->Close().instances.size(), 1U);
+  EXPECT_EQ(passed->ft->returnInstance(passed, instance).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  EXPECT_EQ(passed->ft->returnDone(passed).rc, CMPI_RC_ERR_INVALID_HANDLE);
+}
+
+TEST_F(BrokerScopesTest, AReturnedInstanceIsTheOneOfThatMoment) {
+  const auto result = TBrokerResult::Open(TBrokerResult::EKind::kInstances);
+  const CMPIResult* passed = result.get();
+  CMPIInstance* instance = NewInstance();
+  instance->ft->setProperty(instance, "Colour", Chars("red"), CMPI_chars);
+  passed->ft->returnInstance(passed, instance);
+  instance->ft->setProperty(instance, "Colour", Chars("blue"), CMPI_chars);
+  passed->ft->returnInstance(passed, instance);
+  const auto content = result->Close();
+  ASSERT_EQ(content.instances.size(), 2U);
+  EXPECT_EQ(content.instances[0]->properties[0].value, TCIMValue("red"));
+  EXPECT_EQ(content.instances[1]->properties[0].value, TCIMValue("blue"));
+}
+
+TEST_F(BrokerScopesTest, AThreadNobodyToldTheBrokerOfCanMakeObjects) {
+  std::string text;
+  int alive = 0;
+  std::thread([&] {
+    Make<TCounted>(alive);
+    CMPIInstance* instance = NewInstance();
+    instance->ft->setProperty(instance, "Colour", Chars("red"), CMPI_chars);
+    text = Text(instance->ft->getProperty(instance, "Colour", nullptr).value.string);
+    EXPECT_EQ(instance->ft->release(instance).rc, CMPI_RC_OK);
+  }).join();
+  EXPECT_EQ(text, "red");
+  EXPECT_EQ(alive, 0) << "the end of the thread ends its objects";
+}
+
+TEST_F(BrokerScopesTest, AnObjectReleasedOnAnotherThreadStaysUntilItsCallEnds) {
+  CMPIString* string = NewString("text");
+  std::thread([&] { EXPECT_EQ(string->ft->release(string).rc, CMPI_RC_OK); }).join();
+  EXPECT_EQ(Text(string), "text");
+}
+
+TEST_F(BrokerScopesTest, DetachingEndsTheObjectsOfTheThread) {
+  CMPIContext* prepared = m_broker->bft->prepareAttachThread(m_broker, nullptr);
+  ASSERT_NE(prepared, nullptr);
+  int alive = 0;
+  std::thread([&] {
+    EXPECT_EQ(m_broker->bft->attachThread(m_broker, prepared).rc, CMPI_RC_OK);
+    Make<TCounted>(alive);
+    EXPECT_EQ(m_broker->bft->detachThread(m_broker, prepared).rc, CMPI_RC_OK);
+    EXPECT_EQ(alive, 0);
+    EXPECT_EQ(m_broker->bft->detachThread(m_broker, prepared).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  }).join();
+}
+
+TEST_F(BrokerScopesTest, APreparedContextIsACopyOfTheCurrentOne) {
+  TBrokerContext own(TBrokerContext::EntriesFor("root/test"));
+  CMPIContext* current = &own;
+  current->ft->addEntry(current, "Mine", Chars("yes"), CMPI_chars);
+  CMPIContext* prepared = m_broker->bft->prepareAttachThread(m_broker, current);
+  ASSERT_NE(prepared, nullptr);
+  current->ft->addEntry(current, "Mine", Chars("no"), CMPI_chars);
+  EXPECT_EQ(Text(prepared->ft->getEntry(prepared, "Mine", nullptr).value.string), "yes");
+  EXPECT_EQ(prepared->ft->release(prepared).rc, CMPI_RC_OK);
+  EXPECT_EQ(m_broker->bft->attachThread(m_broker, prepared).rc, CMPI_RC_OK);
+  EXPECT_EQ(m_broker->bft->detachThread(m_broker, prepared).rc, CMPI_RC_OK);
+}
+
+TEST_F(BrokerScopesTest, AttachingNeedsAPreparedContext) {
+  TBrokerContext own(TBrokerContext::EntriesFor("root/test"));
+  EXPECT_EQ(m_broker->bft->attachThread(m_broker, &own).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  EXPECT_EQ(m_broker->bft->attachThread(m_broker, nullptr).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  EXPECT_EQ(m_broker->bft->detachThread(m_broker, &own).rc, CMPI_RC_ERR_INVALID_HANDLE);
+}
+
+TEST_F(BrokerScopesTest, ACopyOfTheBrokerWorksAsTheBroker) {
+  // Wrapper libraries pass such copies, with the later tables missing.
+  CMPIBroker copy = {m_broker->hdl, m_broker->bft, m_broker->eft, nullptr, nullptr};
+  EXPECT_TRUE(copy.eft->classPathIsA(&copy, NewPath("T_Derived"), "T_Base", nullptr));
+  std::thread([&] {
+    EXPECT_TRUE(copy.eft->classPathIsA(&copy, NewPath("T_Derived"), "T_Base", nullptr));
+    EXPECT_TRUE(copy.eft->classPathIsA(nullptr, NewPath("T_Derived"), "T_Base", nullptr));
+  }).join();
+}
+
+TEST_F(BrokerScopesTest, ARetiredBrokerRefusesAndIsTakenUpAgain) {
+  EndCall();
+  m_taken.Retire();
+  std::thread([&] {
+    EXPECT_FALSE(m_broker->eft->classPathIsA(m_broker, NewPath("T_Derived"), "T_Base", &m_rc));
+  }).join();
+  EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_FAILED);
+  EXPECT_EQ(&TBroker::Take(*this), &m_taken);
+}
+
+}  // namespace
+}  // namespace NZEPQEL20::cmpi

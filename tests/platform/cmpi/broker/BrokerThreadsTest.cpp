@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <ctime>
+#include <stdexcept>
+
+#include "tests/platform/cmpi/broker/TBrokerTest.h"
+
+namespace NZEPQEL20::cmpi {
+namespace {
+
+class BrokerThreadsTest : public TBrokerTest {
+ protected:
+  const CMPIBrokerExtFT& Xft() const { return *m_broker->xft; }
+};
+
+void* AddOne(void* number) {
+  ++*static_cast<std::atomic<int>*>(number);
+  return number;
+}
+
+const CMPIBrokerExtFT* theThreads = nullptr;
+int theCount = 0;
+
+TEST_F(BrokerThreadsTest, AThreadRunsAndIsJoined) {
+  std::atomic<int> number{0};
+  CMPI_THREAD_TYPE thread = Xft().newThread(AddOne, &number, 0);
+  ASSERT_NE(thread, nullptr);
+  CMPI_THREAD_RETURN result = nullptr;
+  EXPECT_EQ(Xft().joinThread(thread, &result), 0);
+  EXPECT_EQ(result, &number);
+  EXPECT_EQ(number, 1);
+}
+
+TEST_F(BrokerThreadsTest, AThreadMayEndItselfOrThrow) {
+  theThreads = &Xft();
+  const auto leave = [](void* result) -> void* {
+    theThreads->exitThread(result);
+    return nullptr;
+  };
+  const auto fail = [](void*) -> void* { throw std::runtime_error("gone wrong"); };
+  CMPI_THREAD_RETURN result = nullptr;
+  Xft().joinThread(Xft().newThread(leave, &theCount, 0), &result);
+  EXPECT_EQ(result, &theCount);
+  Xft().joinThread(Xft().newThread(fail, &theCount, 0), &result);
+  EXPECT_EQ(result, nullptr);
+}
+
+TEST_F(BrokerThreadsTest, AThreadCanBeCancelled) {
+  theThreads = &Xft();
+  const auto sleep = [](void*) -> void* {
+    theThreads->threadSleep(60000);
+    return nullptr;
+  };
+  CMPI_THREAD_TYPE thread = Xft().newThread(sleep, nullptr, 0);
+  EXPECT_EQ(Xft().cancelThread(thread), 0);
+  EXPECT_EQ(Xft().joinThread(thread, nullptr), 0);
+}
+
+TEST_F(BrokerThreadsTest, AnActionRunsOnce) {
+  theCount = 0;
+  int flag = 0;
+  const auto count = [] { ++theCount; };
+  EXPECT_EQ(Xft().threadOnce(&flag, count), 0);
+  EXPECT_EQ(Xft().threadOnce(&flag, count), 0);
+  EXPECT_EQ(theCount, 1);
+}
+
+TEST_F(BrokerThreadsTest, AKeyHoldsAValuePerThreadAndCleansItUp) {
+  theCount = 0;
+  CMPI_THREAD_KEY_TYPE key = 0;
+  ASSERT_EQ(Xft().createThreadKey(&key, [](void*) { ++theCount; }), 0);
+  EXPECT_EQ(Xft().setThreadSpecific(key, &key), 0);
+  struct TWork {
+    const CMPIBrokerExtFT* xft;
+    CMPI_THREAD_KEY_TYPE key;
+    void* found;
+  } work = {&Xft(), key, &key};
+  const auto look = [](void* given) -> void* {
+    auto* own = static_cast<TWork*>(given);
+    own->found = own->xft->getThreadSpecific(own->key);
+    own->xft->setThreadSpecific(own->key, given);
+    return nullptr;
+  };
+  Xft().joinThread(Xft().newThread(look, &work, 0), nullptr);
+  EXPECT_EQ(work.found, nullptr);
+  EXPECT_EQ(theCount, 1);
+  EXPECT_EQ(Xft().getThreadSpecific(key), &key);
+  EXPECT_EQ(Xft().destroyThreadKey(key), 0);
+}
+
+TEST_F(BrokerThreadsTest, AMutexIsRecursive) {
+  CMPI_MUTEX_TYPE mutex = Xft().newMutex(0);
+  Xft().lockMutex(mutex);
+  EXPECT_EQ(Xft().lockMutex2(mutex), 0);
+  EXPECT_EQ(Xft().unlockMutex2(mutex), 0);
+  Xft().unlockMutex(mutex);
+  EXPECT_EQ(Xft().destroyMutex2(mutex), 0);
+}
+
+TEST_F(BrokerThreadsTest, AConditionWakesItsWaiter) {
+  struct TMeeting {
+    const CMPIBrokerExtFT* xft;
+    CMPI_MUTEX_TYPE mutex;
+    CMPI_COND_TYPE condition;
+    bool isThere;
+  } meeting = {&Xft(), Xft().newMutex(0), Xft().newCondition(0), false};
+  const auto come = [](void* given) -> void* {
+    auto* place = static_cast<TMeeting*>(given);
+    place->xft->lockMutex(place->mutex);
+    place->isThere = true;
+    place->xft->signalCondition(place->condition);
+    place->xft->unlockMutex(place->mutex);
+    return nullptr;
+  };
+  Xft().lockMutex(meeting.mutex);
+  CMPI_THREAD_TYPE thread = Xft().newThread(come, &meeting, 0);
+  while (!meeting.isThere) EXPECT_EQ(Xft().condWait(meeting.condition, meeting.mutex), 0);
+  Xft().unlockMutex(meeting.mutex);
+  Xft().joinThread(thread, nullptr);
+  Xft().destroyCondition(meeting.condition);
+  Xft().destroyMutex(meeting.mutex);
+}
+
+TEST_F(BrokerThreadsTest, ADeadlineIsAbsolute) {
+  CMPI_MUTEX_TYPE mutex = Xft().newMutex(0);
+  CMPI_COND_TYPE condition = Xft().newCondition(0);
+  timespec past = {1, 0};
+  Xft().lockMutex(mutex);
+  EXPECT_EQ(Xft().timedCondWait(condition, mutex, &past), ETIMEDOUT);
+  Xft().unlockMutex(mutex);
+  EXPECT_EQ(Xft().destroyCondition2(condition), 0);
+  EXPECT_EQ(Xft().destroyMutex2(mutex), 0);
+}
+
+TEST_F(BrokerThreadsTest, NullIsAnErrorAndNotACrash) {
+  EXPECT_EQ(Xft().newThread(nullptr, nullptr, 0), nullptr);
+  EXPECT_EQ(Xft().joinThread(nullptr, nullptr), EINVAL);
+  EXPECT_EQ(Xft().cancelThread(nullptr), EINVAL);
+  EXPECT_EQ(Xft().threadOnce(nullptr, nullptr), EINVAL);
+  EXPECT_EQ(Xft().createThreadKey(nullptr, nullptr), EINVAL);
+  EXPECT_EQ(Xft().lockMutex2(nullptr), EINVAL);
+  EXPECT_EQ(Xft().unlockMutex2(nullptr), EINVAL);
+  EXPECT_EQ(Xft().destroyMutex2(nullptr), EINVAL);
+  EXPECT_EQ(Xft().condWait(nullptr, nullptr), EINVAL);
+  EXPECT_EQ(Xft().timedCondWait(nullptr, nullptr, nullptr), EINVAL);
+  EXPECT_EQ(Xft().signalCondition(nullptr), EINVAL);
+  EXPECT_EQ(Xft().destroyCondition2(nullptr), EINVAL);
+  Xft().lockMutex(nullptr);
+  Xft().unlockMutex(nullptr);
+  Xft().destroyMutex(nullptr);
+  Xft().destroyCondition(nullptr);
+}
+
+TEST_F(BrokerThreadsTest, ALibraryNameBecomesItsFileName) {
+  char* name = Xft().resolveFileName("example");
+  EXPECT_STREQ(name, "libexample.so");
+  std::free(name);
+  EXPECT_EQ(Xft().resolveFileName(nullptr), nullptr);
+}
+
+}  // namespace
+}  // namespace NZEPQEL20::cmpi
