@@ -3,6 +3,7 @@ option(DIAGSRUNNER_WERROR "Treat warnings as errors (continuous integration does
 option(DIAGSRUNNER_TESTS "Build the tests" ON)
 option(DIAGSRUNNER_BENCH "Build the benchmarks" OFF)
 option(DIAGSRUNNER_FUZZ "Build the libFuzzer targets (Clang only)" OFF)
+option(DIAGSRUNNER_PCH "Precompile what every test includes; faster, and blind to missing includes" OFF)
 set(DIAGSRUNNER_SANITIZE "" CACHE STRING "Sanitizers for every target, e.g. address,undefined")
 
 add_library(diags_options INTERFACE)
