@@ -80,9 +80,7 @@ void NameFiles(const std::vector<TChosenFile>& files, std::string& text) {
 
 }  // namespace
 
-TDiskFileReadVerify::TDiskFileReadVerify(TTestTools& tools,
-                                         std::vector<const IDiagnosticTest*> selfTests)
-    : m_tools(tools), m_selfTests(std::move(selfTests)) {
+TDiskFileReadVerify::TDiskFileReadVerify(TTestTools& tools) : m_tools(tools) {
   const TConfig& config = tools.GetConfig();
   m_deadline = GetShortDeadline(config, std::chrono::seconds(config.diskSeconds));
   m_service.name = "DiskDefault File Read Verify";
@@ -100,9 +98,7 @@ TFileFinder TDiskFileReadVerify::MakeFinder(const TMount& mount) const {
 
 TAvailability TDiskFileReadVerify::Check(const TDevice& device) const {
   if (device.kind != EDeviceKind::kDisk) return {};
-  for (const IDiagnosticTest* test : m_selfTests) {
-    if (test->Check(device).answer == EAvailability::kOffered) return {};
-  }
+  // What can be opened has a better test than this one.
   if (m_tools.CheckDisk(device).answer != EAvailability::kWithheld) return {};
   const std::vector<TMount> mounts = TDiskMounts(m_tools.GetFiles()).Find(device);
   const bool hasFiles = std::any_of(mounts.begin(), mounts.end(), [this](const TMount& mount) {

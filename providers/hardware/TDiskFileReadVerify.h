@@ -27,8 +27,7 @@ class TDiskFileReadVerify : public IDiagnosticTest {
     std::uint64_t diskBytes = 0;
   };
 
-  /// `selfTests`: the tests that take this one's place; they outlive it.
-  TDiskFileReadVerify(TTestTools& tools, std::vector<const IDiagnosticTest*> selfTests);
+  explicit TDiskFileReadVerify(TTestTools& tools);
 
   const TService& GetService() const override { return m_service; }
   TAvailability Check(const TDevice& device) const override;
@@ -44,7 +43,6 @@ class TDiskFileReadVerify : public IDiagnosticTest {
                 const TRunControl& control) const;
 
   TTestTools& m_tools;
-  std::vector<const IDiagnosticTest*> m_selfTests;
   TService m_service;
   std::chrono::seconds m_deadline;
 };

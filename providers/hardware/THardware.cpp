@@ -59,14 +59,13 @@ void THardware::MakeTests() {
   auto smart = std::make_unique<TSmartSelfTest>(m_tools);
   auto nvme = std::make_unique<TNvmeSelfTest>(m_tools);
   auto driver = std::make_unique<TNetworkDriverTest>(m_tools);
-  const std::vector<const IDiagnosticTest*> selfTests = {smart.get(), nvme.get()};
-  auto read = std::make_unique<TDiskReadVerify>(m_tools, selfTests);
-  auto fileRead = std::make_unique<TDiskFileReadVerify>(m_tools, selfTests);
+  auto read = std::make_unique<TDiskReadVerify>(
+      m_tools, std::vector<const IDiagnosticTest*>{smart.get(), nvme.get()});
   auto link = std::make_unique<TNetworkLinkCheck>(m_tools, *driver);
   m_tests.push_back(std::move(smart));
   m_tests.push_back(std::move(nvme));
   m_tests.push_back(std::move(read));
-  m_tests.push_back(std::move(fileRead));
+  m_tests.push_back(std::make_unique<TDiskFileReadVerify>(m_tools));
   m_tests.push_back(std::move(driver));
   m_tests.push_back(std::move(link));
 }
