@@ -165,6 +165,8 @@ CMPIString* MakeMessage(const char* text, CMPIStatus* rc, CMPICount pairs,
   return message;
 }
 
+// The interface itself has variable arguments here.
+// NOLINTNEXTLINE(cert-dcl50-cpp)
 CMPIString* GetMessage(const CMPIBroker*, const char*, const char* text, CMPIStatus* rc,
                        CMPICount pairs, ...) noexcept {
   std::va_list arguments;
@@ -174,6 +176,7 @@ CMPIString* GetMessage(const CMPIBroker*, const char*, const char* text, CMPISta
   return message;
 }
 
+// NOLINTNEXTLINE(cert-dcl50-cpp)
 CMPIString* GetMessage2(const CMPIBroker*, const char*, const CMPIMsgFileHandle, const char* text,
                         CMPIStatus* rc, CMPICount pairs, ...) noexcept {
   std::va_list arguments;

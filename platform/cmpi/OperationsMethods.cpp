@@ -25,9 +25,13 @@ TNamedValues ConvertParameters(const TKeyMap& parameters, const TCIMMethodDeclar
   TNamedValues converted;
   for (const auto& [name, value] : parameters) {
     const TCIMParameterDeclaration* declared = FindParameter(method, name);
-    converted.push_back({name, declared == nullptr
-                                   ? value
-                                   : ConvertTo(*declared, value, what + ": parameter " + name)});
+    if (declared == nullptr) {
+      converted.push_back({name, value});
+      continue;
+    }
+    std::string place = what;
+    place.append(": parameter ").append(name);
+    converted.push_back({name, ConvertTo(*declared, value, place)});
   }
   return converted;
 }

@@ -78,9 +78,9 @@ std::string TBrokerDateTime::Format(std::uint64_t microseconds, bool isInterval)
       throw TBrokerFault(CMPI_RC_ERR_INVALID_PARAMETER, "interval too long");
     }
     const auto rest = static_cast<unsigned int>(seconds % 86400);
-    std::snprintf(text, sizeof text, "%08llu%02u%02u%02u.%06u:000",
-                  static_cast<unsigned long long>(days), rest / 3600, rest / 60 % 60, rest % 60,
-                  fraction);
+    static_cast<void>(std::snprintf(text, sizeof text, "%08llu%02u%02u%02u.%06u:000",
+                                    static_cast<unsigned long long>(days), rest / 3600,
+                                    rest / 60 % 60, rest % 60, fraction));
     return text;
   }
   std::tm date = {};
@@ -89,7 +89,7 @@ std::string TBrokerDateTime::Format(std::uint64_t microseconds, bool isInterval)
     throw TBrokerFault(CMPI_RC_ERR_INVALID_PARAMETER, "time after the year 9999");
   }
   const std::size_t length = std::strftime(text, sizeof text, "%Y%m%d%H%M%S", &date);
-  std::snprintf(text + length, sizeof text - length, ".%06u+000", fraction);
+  static_cast<void>(std::snprintf(text + length, sizeof text - length, ".%06u+000", fraction));
   return text;
 }
 
