@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "providers/hardware/Text.h"
 
@@ -77,12 +78,11 @@ std::vector<TMount> TDiskMounts::Find(const TDevice& disk) const {
 }
 
 std::vector<std::string> TDiskMounts::ListBlockNames(const TDevice& disk) const {
-  const std::string folder = "/sys/block/" + disk.kernelName;
   std::vector<std::string> names = {disk.kernelName};
-  for (const std::string& name : m_files.ListNames(folder)) {
-    if (m_files.Exists(folder + "/" + name + "/partition")) {
-      names.push_back(disk.kernelName + "/" + name);
-    }
+  for (const std::string& name : m_files.ListNames("/sys/block/" + disk.kernelName)) {
+    std::string path = disk.kernelName;
+    path.append("/").append(name);
+    if (m_files.Exists("/sys/block/" + path + "/partition")) names.push_back(std::move(path));
   }
   return names;
 }
@@ -103,9 +103,8 @@ bool TDiskMounts::IsOnBlock(const TMount& mount, const std::vector<std::string>&
 }
 
 bool TDiskMounts::IsAlone(const std::string& name) const {
-  const std::string folder = "/sys/fs/btrfs";
-  for (const std::string& id : m_files.ListNames(folder)) {
-    const std::vector<std::string> devices = m_files.ListNames(folder + "/" + id + "/devices");
+  for (const std::string& id : m_files.ListNames("/sys/fs/btrfs")) {
+    const std::vector<std::string> devices = m_files.ListNames("/sys/fs/btrfs/" + id + "/devices");
     if (std::find(devices.begin(), devices.end(), name) != devices.end()) {
       return devices.size() == 1;
     }

@@ -187,8 +187,10 @@ TVerdict TMemoryPattern::Judge(const TProcessOutcome& outcome, std::uint32_t loo
     verdict = JudgeClean(report, outcome.exitStatus);
   }
   if (report.testedBytes) {
-    verdict.covered = DescribeBytes(*report.testedBytes) + " in " + std::to_string(loops) +
-                      (loops == 1 ? " pass" : " passes");
+    verdict.covered =
+        DescribeBytes(*report.testedBytes) + " in " +
+        (report.isDone ? "" : std::to_string(EstimatePercent(outcome.output, loops)) + " % of ") +
+        std::to_string(loops) + (loops == 1 ? " pass" : " passes");
   }
   const std::vector<std::string_view> lines = SplitLines(outcome.output);
   verdict.tool = !lines.empty() && StartsWith(lines.front(), "memtester version")

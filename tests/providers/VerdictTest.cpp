@@ -224,6 +224,15 @@ TEST(MemoryVerdictSizeTest, TheTestedSizeIsTheLastOneGot) {
   EXPECT_EQ(verdict.tool, "memtester version 4.6.0 (64-bit)");
 }
 
+TEST(MemoryVerdictSizeTest, OfARunThatWasEndedTheShareIsTold) {
+  TProcessOutcome outcome;
+  outcome.end = EProcessEnd::kKilled;
+  outcome.output = MemoryOutput(kGot, "\n  Stuck Address       : ok\n  Random Value        : ");
+  const TVerdict verdict = TMemoryPattern::Judge(outcome, 1);
+  EXPECT_EQ(verdict.state, ECompletion::kAborted);
+  EXPECT_EQ(verdict.covered, "16 MiB in 3 % of 1 pass");
+}
+
 TEST(MemoryVerdictSizeTest, TheLastOfSeveralPassesHasToBeDone) {
   const TRow row{"", 0, MemoryOutput(kGot, kDone), "", ECompletion::kIncomplete, ""};
   EXPECT_EQ(TMemoryPattern::Judge(MakeOutcome(row, seconds(6)), 2).state, ECompletion::kIncomplete);
