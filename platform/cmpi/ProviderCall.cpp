@@ -34,6 +34,21 @@ constexpr TCodeName kCodeNames[] = {
     {CMPI_RC_ERR_METHOD_NOT_FOUND, "CIM_ERR_METHOD_NOT_FOUND"},
 };
 
+/// Calls of providers by way of providers that one thread may be in: a provider that asks for what
+/// it is being asked for would use up the stack.
+constexpr unsigned int kMaxDepth = 64;
+
+thread_local unsigned int callDepth = 0;
+
+/// Counts a call while it runs.
+class TDepth {
+ public:
+  TDepth() { ++callDepth; }
+  ~TDepth() { --callDepth; }
+  TDepth(const TDepth&) = delete;
+  TDepth& operator=(const TDepth&) = delete;
+};
+
 /// The text of a status that is not OK. `msg` may be uninitialised only when all is well.
 std::string ReadMessage(const CMPIString* message) {
   try {
@@ -75,6 +90,12 @@ TQELException TCallOutcome::ToException(const std::string& what) const {
 TCallOutcome CallProvider(TBroker& broker, const std::string& nameSpace, TBrokerResult::EKind kind,
                           const TProviderFunction& function) {
   TCallOutcome outcome;
+  if (callDepth >= kMaxDepth) {
+    outcome.code = CMPI_RC_ERR_FAILED;
+    outcome.message = "providers call each other without end";
+    return outcome;
+  }
+  const TDepth depth;
   const std::shared_ptr<TBrokerResult> result = TBrokerResult::Open(kind);
   {
     const TCallFrame frame(broker);

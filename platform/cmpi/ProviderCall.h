@@ -23,7 +23,8 @@ struct TCallOutcome {
 using TProviderFunction = std::function<CMPIStatus(const CMPIContext*, const CMPIResult*)>;
 
 /// Calls into a provider: gives it a context for `nameSpace`, a result for `kind`, and a scope for
-/// the objects that it makes. What the provider throws becomes CMPI_RC_ERR_FAILED.
+/// the objects that it makes. What the provider throws becomes CMPI_RC_ERR_FAILED, and so does a
+/// call from too deep within others.
 TCallOutcome CallProvider(TBroker& broker, const std::string& nameSpace, TBrokerResult::EKind kind,
                           const TProviderFunction& function);
 

@@ -92,6 +92,14 @@ TEST_F(InstanceOperationsTest, AProviderMayComeBackInItsOwnCall) {
   EXPECT_EQ(NoteOf(found), "Id:1600 ");
 }
 
+TEST_F(InstanceOperationsTest, AProviderThatComesBackForEverIsStopped) {
+  const TQELException failure = Failure([&] { m_operations->GetInstance(PathTo("endless")); });
+  EXPECT_EQ(failure.GetCIMStatus(), 1U);
+  EXPECT_NE(std::string(failure.what()).find("providers call each other without end"),
+            std::string::npos);
+  EXPECT_EQ(NoteOf(m_operations->GetInstance(PathTo("nested"))), "Id:1600 ");
+}
+
 TEST_F(InstanceOperationsTest, InstancesAreMadeChangedAndDeletedByTheirProvider) {
   TCIMInstanceData data;
   data.path = PathTo("mine");
