@@ -75,8 +75,12 @@ int JoinThread(CMPI_THREAD_TYPE thread, CMPI_THREAD_RETURN* result) noexcept {
   return thread == nullptr ? EINVAL : pthread_join(ToThread(thread), result);
 }
 
-/// Not noexcept: ending a thread unwinds its stack through here.
+/// Not noexcept: ending a thread unwinds its stack through here. A thread that runs a provider call
+/// is the host's; there the call ends with a failure instead.
 int ExitThread(CMPI_THREAD_RETURN result) {
+  if (TScope::IsInCall()) {
+    throw TBrokerFault(CMPI_RC_ERR_FAILED, "a provider call cannot end its thread");
+  }
   pthread_exit(result);
 }
 

@@ -45,6 +45,8 @@ TScope::TScope(EKind kind) : m_kind(kind), m_outer(currentScope) {
 
 TScope::~TScope() {
   CloseInner();
+  // An object takes itself out of the list when it dies.
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete)
   while (m_first != nullptr) delete m_first;
   currentScope = m_outer;
 }
@@ -82,6 +84,13 @@ bool TScope::CloseInnermost(EKind kind) noexcept {
       return true;
     }
     if (open->m_kind == EKind::kCall) return false;
+  }
+  return false;
+}
+
+bool TScope::IsInCall() noexcept {
+  for (const TScope* open = currentScope; open != nullptr; open = open->m_outer) {
+    if (open->m_kind == EKind::kCall) return true;
   }
   return false;
 }

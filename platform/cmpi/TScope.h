@@ -76,6 +76,9 @@ class TScope {
   /// Ends the innermost scope of `kind` under the same condition.
   static bool CloseInnermost(EKind kind) noexcept;
 
+  /// Whether a provider call runs on this thread.
+  static bool IsInCall() noexcept;
+
   void Adopt(std::unique_ptr<TBrokerObject> object) noexcept;
   EKind GetKind() const { return m_kind; }
 

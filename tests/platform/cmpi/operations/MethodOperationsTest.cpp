@@ -91,6 +91,12 @@ TEST_F(MethodOperationsTest, AFailureKeepsTheParametersAndHasTheProvidersWords) 
   EXPECT_EQ(parameters.at("Mine"), TCIMValue("kept"));
 }
 
+TEST_F(MethodOperationsTest, ACallThatWouldEndTheHostsThreadFails) {
+  const TQELException failure = Failure([&] { Invoke("Leave"); });
+  EXPECT_EQ(failure.GetCIMStatus(), 1U);
+  EXPECT_NE(std::string(failure.what()).find("cannot end its thread"), std::string::npos);
+}
+
 TEST_F(MethodOperationsTest, NothingReturnedIsNullAndEmptiesTheParameters) {
   TKeyMap parameters = {{"Mine", TCIMValue("gone")}};
   EXPECT_TRUE(Invoke("Nothing", parameters).IsNull());

@@ -247,6 +247,7 @@ CMPIStatus InvokeMethod(CMPIMethodMI*, const CMPIContext* context, const CMPIRes
     out->ft->addArg(out, "Seen", Chars("half done"), CMPI_chars);
     return Fail(CMPI_RC_ERR_METHOD_NOT_AVAILABLE, "not today");
   }
+  if (std::strcmp(method, "Leave") == 0) broker->xft->exitThread(nullptr);
   if (std::strcmp(method, "Nothing") == 0) return {CMPI_RC_OK, nullptr};
   if (std::strcmp(method, "Neighbours") == 0) answer = CountNeighbours(context, target);
   if (std::strcmp(method, "Instance") == 0) {
