@@ -40,7 +40,7 @@ TProviders::TProviders(std::shared_ptr<const TClassRepository> classes,
   }
   for (const std::string& problem : m_registrations.GetProblems()) Report(problem);
   for (const TService& service : m_services) {
-    if (FindClass(service.registration->className) == nullptr) {
+    if (m_classes->Find(service.registration->className) == nullptr) {
       Report(service.registration->source + ": class " + service.registration->className +
              " is not declared; add the MOF file that declares it");
     }
