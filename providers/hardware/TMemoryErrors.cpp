@@ -8,11 +8,10 @@
 namespace hardware {
 
 TMemoryErrors TMemoryErrors::Read(const THostFiles& files) {
-  const std::string folder = "/sys/devices/system/edac/mc";
   TMemoryErrors errors;
-  for (const std::string& name : files.ListNames(folder)) {
+  for (const std::string& name : files.ListNames("/sys/devices/system/edac/mc")) {
     if (!StartsWith(name, "mc")) continue;
-    const std::string controller = folder + "/" + name;
+    const std::string controller = "/sys/devices/system/edac/mc/" + name;
     errors.corrected += files.ReadNumber(controller + "/ce_count").value_or(0);
     errors.uncorrected += files.ReadNumber(controller + "/ue_count").value_or(0);
   }
