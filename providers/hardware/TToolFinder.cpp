@@ -30,7 +30,8 @@ TToolFinder::TToolFinder() : TToolFinder(ReadPathVariable()) {}
 
 std::string TToolFinder::Find(const std::string& name) const {
   for (const std::string& folder : m_folders) {
-    std::string file = folder + "/" + name;
+    std::string file = folder;
+    file.append("/").append(name);
     struct stat status {};
     if (::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
         ::access(file.c_str(), X_OK) == 0) {
