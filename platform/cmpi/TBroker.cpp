@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <list>
 #include <new>
 #include <vector>
@@ -78,6 +79,8 @@ TBroker* TBroker::Find(const CMPIBroker* mb) noexcept {
 }
 
 void* TBroker::Allocate(std::size_t count, std::size_t each) {
+  // A sanitizer ends the process over what calloc() itself would only refuse.
+  if (each != 0 && count > std::numeric_limits<std::size_t>::max() / each) return nullptr;
   void* memory = std::calloc(count, each);
   if (memory == nullptr) return nullptr;
   const std::lock_guard<std::mutex> lock(m_mutex);
