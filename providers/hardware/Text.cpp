@@ -151,7 +151,7 @@ std::string RenderTerminal(std::string_view text) {
 }
 
 std::string Excerpt(std::string_view text, std::size_t maxBytes) {
-  const std::string clean = CleanText(Trim(text));
+  std::string clean = CleanText(Trim(text));
   if (clean.size() <= maxBytes) return clean;
   std::size_t start = clean.size() - maxBytes;
   const std::size_t line = clean.find('\n', start);
