@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A provider that tells in its answers what it was asked.
-#include <cstdio>
 #include <cstring>
+#include <iomanip>
 #include <mutex>
+#include <sstream>
 #include <string>
 
 #include "platform/cmpi/abi/cmpi.h"
@@ -63,15 +64,20 @@ CMPIInstance* NewPartInstance(const CMPIObjectPath* asked, const char* className
   return instance;
 }
 
+// A name with a C type, in hexadecimal digits.
+std::string Describe(const CMPIString* name, CMPIType type) {
+  std::ostringstream text;
+  text << TextOf(name) << ':' << std::hex << std::setw(4) << std::setfill('0') << type << ' ';
+  return text.str();
+}
+
 // The keys of a path with their types.
 std::string DescribeKeys(const CMPIObjectPath* path) {
   std::string text;
   for (CMPICount i = 0; i < path->ft->getKeyCount(path, nullptr); ++i) {
     CMPIString* name = nullptr;
     const CMPIData key = path->ft->getKeyAt(path, i, &name, nullptr);
-    char type[16];
-    std::snprintf(type, sizeof type, ":%04x ", static_cast<unsigned int>(key.type));
-    text += TextOf(name) + type;
+    text += Describe(name, key.type);
   }
   return text;
 }
@@ -214,9 +220,7 @@ void Echo(const CMPIArgs* in, CMPIArgs* out) {
   for (CMPICount i = 0; i < in->ft->getArgCount(in, nullptr); ++i) {
     CMPIString* name = nullptr;
     const CMPIData argument = in->ft->getArgAt(in, i, &name, nullptr);
-    char type[16];
-    std::snprintf(type, sizeof type, ":%04x ", static_cast<unsigned int>(argument.type));
-    seen += TextOf(name) + type;
+    seen += Describe(name, argument.type);
   }
   out->ft->addArg(out, "Seen", Chars(seen), CMPI_chars);
 }
@@ -261,6 +265,8 @@ CMPIStatus InvokeMethod(CMPIMethodMI*, const CMPIContext* context, const CMPIRes
 
 }  // namespace
 
+// NOLINTBEGIN(readability-identifier-naming): the names are fixed by the interface.
+
 WORKSHOP_EXPORT CMPIInstanceMI* Workshop_Create_InstanceMI(const CMPIBroker* mb, const CMPIContext*,
                                                            CMPIStatus*) {
   static const CMPIInstanceMIFT kTable{CMPIVersion100,
@@ -299,6 +305,8 @@ WORKSHOP_EXPORT CMPIMethodMI* Workshop_Create_MethodMI(const CMPIBroker* mb, con
   broker = mb;
   return &mi;
 }
+
+// NOLINTEND(readability-identifier-naming)
 
 // Which parts were cleaned up since the last call.
 WORKSHOP_EXPORT const char* WorkshopCleanups(void) {

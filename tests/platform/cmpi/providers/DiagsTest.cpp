@@ -405,6 +405,8 @@ CMPIStatus CleanupMethods(CMPIMethodMI*, const CMPIContext*, CMPIBoolean) {
 
 }  // namespace
 
+// NOLINTBEGIN(readability-identifier-naming): the names are fixed by the interface.
+
 extern "C" __attribute__((visibility("default"))) CMPIInstanceMI* DiagsTest_Create_InstanceMI(
     const CMPIBroker* mb, const CMPIContext*, CMPIStatus*) {
   static const CMPIInstanceMIFT kTable{
@@ -424,3 +426,5 @@ extern "C" __attribute__((visibility("default"))) CMPIMethodMI* DiagsTest_Create
   broker = mb;
   return &mi;
 }
+
+// NOLINTEND(readability-identifier-naming)
