@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <cstring>
-#include <deque>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -85,7 +84,7 @@ struct TRun {
 
 const CMPIBroker* broker = nullptr;
 std::mutex mutex;
-std::deque<TRun> runs;
+std::vector<TRun> runs;
 
 using TInstances = std::vector<CMPIInstance*>;
 
