@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cmpi/TBroker.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -81,7 +82,8 @@ TBroker* TBroker::Find(const CMPIBroker* mb) noexcept {
 void* TBroker::Allocate(std::size_t count, std::size_t each) {
   // A sanitizer ends the process over what calloc() itself would only refuse.
   if (each != 0 && count > std::numeric_limits<std::size_t>::max() / each) return nullptr;
-  void* memory = std::calloc(count, each);
+  // No bytes would leave it to the C library whether there is a block at all.
+  void* memory = std::calloc(std::max<std::size_t>(count, 1), std::max<std::size_t>(each, 1));
   if (memory == nullptr) return nullptr;
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_memory.insert(memory);
@@ -91,9 +93,10 @@ void* TBroker::Allocate(std::size_t count, std::size_t each) {
 void* TBroker::Reallocate(void* memory, std::size_t size) {
   const std::lock_guard<std::mutex> lock(m_mutex);
   if (memory != nullptr && m_memory.erase(memory) == 0) return nullptr;
-  void* larger = std::realloc(memory, size);
+  // realloc() to no bytes would free the block and answer like a failure.
+  void* larger = std::realloc(memory, std::max<std::size_t>(size, 1));
   // What cannot be made larger stays as it is.
-  void* kept = larger == nullptr && size != 0 ? memory : larger;
+  void* kept = larger == nullptr ? memory : larger;
   if (kept != nullptr) m_memory.insert(kept);
   return larger;
 }
