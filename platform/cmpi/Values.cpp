@@ -35,6 +35,7 @@ constexpr TTypePair kTypes[] = {
 template <class T>
 T ReadAs(const CMPIValue* value) {
   T read;
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): a pointer is read as a pointer.
   std::memcpy(&read, value, sizeof read);
   return read;
 }
