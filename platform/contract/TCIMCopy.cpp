@@ -6,9 +6,10 @@
 namespace NZEPQEL20 {
 
 // The signature is part of what hosts are built against.
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// NOLINTBEGIN(performance-unnecessary-value-param)
 boost::shared_ptr<ICIMInstance> TCIMCopy::CopyInstance(boost::shared_ptr<ICIMInstance> instance,
                                                        boost::shared_ptr<ICIMNamespace> ns) {
+  // NOLINTEND(performance-unnecessary-value-param)
   if (!instance) {
     throw TQELException(TQELStatusCode::kInvalidArgument, "CopyInstance: no instance to copy");
   }
