@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -26,8 +28,7 @@ class BAD_Other : BAD_Base { };
 class MisbehavingProvidersTest : public testing::Test {
  protected:
   void Host(const std::string& library, const std::string& other = "") {
-    const std::string file =
-        testing::TempDir() + "bad-" + std::to_string(getpid()) + ".registration";
+    const std::string file = GetFolder() + "bad.registration";
     TRegistrations registrations;
     {
       std::ofstream out(file);
@@ -44,9 +45,18 @@ class MisbehavingProvidersTest : public testing::Test {
     ASSERT_TRUE(m_operations->GetProblems().empty()) << m_operations->GetProblems().front();
   }
 
+  /// A folder of this process alone: tests run beside each other.
+  static std::string GetFolder() {
+    const std::string folder = testing::TempDir() + "bad-" + std::to_string(getpid()) + "/";
+    mkdir(folder.c_str(), 0700);
+    return folder;
+  }
+
+  void TearDown() override { std::filesystem::remove_all(GetFolder()); }
+
   /// Libraries lie beside their registration.
   static void Link(const std::string& library) {
-    const std::string link = testing::TempDir() + "lib" + library + ".so";
+    const std::string link = GetFolder() + "lib" + library + ".so";
     unlink(link.c_str());
     const std::string target = std::string(DIAGS_BAD_DIR) + "/lib" + library + ".so";
     ASSERT_EQ(symlink(target.c_str(), link.c_str()), 0) << std::strerror(errno);
