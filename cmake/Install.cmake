@@ -8,9 +8,13 @@ install(FILES runner/DiagsRunner.h runner/Export.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/runner COMPONENT development)
 install(FILES parsers/TDiagnosticAction.h parsers/TDiagnosticResultMessage.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/parsers COMPONENT development)
-install(DIRECTORY platform/contract platform/setup
+install(DIRECTORY platform/contract
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/platform COMPONENT development
         FILES_MATCHING PATTERN "*.h")
+install(FILES platform/cimxml/TServerOptions.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/platform/cimxml COMPONENT development)
+install(FILES platform/setup/TPlatform.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/platform/setup COMPONENT development)
 install(FILES platform/services/TCoreLogger.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/platform/services
         COMPONENT development)

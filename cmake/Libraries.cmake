@@ -23,10 +23,10 @@ endfunction()
 
 diags_add_shared(diagsplatform
   SCRIPT ${PROJECT_SOURCE_DIR}/platform/diagsplatform.map
-  ROOMS diags_contract diags_services diags_model diags_schema diags_cmpi diags_setup)
+  ROOMS diags_contract diags_services diags_model diags_schema diags_cmpi diags_cimxml diags_setup)
 target_link_libraries(diagsplatform
   PUBLIC Boost::headers
-  PRIVATE EXPAT::EXPAT spdlog::spdlog Threads::Threads ${CMAKE_DL_LIBS})
+  PRIVATE CURL::libcurl EXPAT::EXPAT spdlog::spdlog Threads::Threads ${CMAKE_DL_LIBS})
 
 diags_add_shared(diagsrunner
   SCRIPT ${PROJECT_SOURCE_DIR}/runner/diagsrunner.map

@@ -4,35 +4,14 @@
 #include <exception>
 
 #include "platform/cmpi/TBrokerString.h"
+#include "platform/model/CIMStatus.h"
 
 namespace NZEPQEL20::cmpi {
 
 namespace {
 
-struct TCodeName {
-  int code;
-  const char* name;
-};
-
-constexpr TCodeName kCodeNames[] = {
-    {CMPI_RC_ERR_FAILED, "CIM_ERR_FAILED"},
-    {CMPI_RC_ERR_ACCESS_DENIED, "CIM_ERR_ACCESS_DENIED"},
-    {CMPI_RC_ERR_INVALID_NAMESPACE, "CIM_ERR_INVALID_NAMESPACE"},
-    {CMPI_RC_ERR_INVALID_PARAMETER, "CIM_ERR_INVALID_PARAMETER"},
-    {CMPI_RC_ERR_INVALID_CLASS, "CIM_ERR_INVALID_CLASS"},
-    {CMPI_RC_ERR_NOT_FOUND, "CIM_ERR_NOT_FOUND"},
-    {CMPI_RC_ERR_NOT_SUPPORTED, "CIM_ERR_NOT_SUPPORTED"},
-    {CMPI_RC_ERR_CLASS_HAS_CHILDREN, "CIM_ERR_CLASS_HAS_CHILDREN"},
-    {CMPI_RC_ERR_CLASS_HAS_INSTANCES, "CIM_ERR_CLASS_HAS_INSTANCES"},
-    {CMPI_RC_ERR_INVALID_SUPERCLASS, "CIM_ERR_INVALID_SUPERCLASS"},
-    {CMPI_RC_ERR_ALREADY_EXISTS, "CIM_ERR_ALREADY_EXISTS"},
-    {CMPI_RC_ERR_NO_SUCH_PROPERTY, "CIM_ERR_NO_SUCH_PROPERTY"},
-    {CMPI_RC_ERR_TYPE_MISMATCH, "CIM_ERR_TYPE_MISMATCH"},
-    {CMPI_RC_ERR_QUERY_LANGUAGE_NOT_SUPPORTED, "CIM_ERR_QUERY_LANGUAGE_NOT_SUPPORTED"},
-    {CMPI_RC_ERR_INVALID_QUERY, "CIM_ERR_INVALID_QUERY"},
-    {CMPI_RC_ERR_METHOD_NOT_AVAILABLE, "CIM_ERR_METHOD_NOT_AVAILABLE"},
-    {CMPI_RC_ERR_METHOD_NOT_FOUND, "CIM_ERR_METHOD_NOT_FOUND"},
-};
+/// From here up the numbers of CMPI are not those of the CIM operations.
+constexpr int kFirstOwnCode = 18;
 
 /// Calls of providers by way of providers that one thread may be in: a provider that asks for what
 /// it is being asked for would use up the stack.
@@ -76,10 +55,9 @@ void Run(TCallOutcome& outcome, const TProviderFunction& function, const CMPICon
 }  // namespace
 
 std::string GetCodeName(int code) {
-  for (const TCodeName& entry : kCodeNames) {
-    if (entry.code == code) return entry.name;
-  }
-  return "CMPI status " + std::to_string(code);
+  const bool isShared = code > 0 && code < kFirstOwnCode;
+  return isShared ? GetCIMStatusName(static_cast<unsigned int>(code))
+                  : "CMPI status " + std::to_string(code);
 }
 
 TQELException TCallOutcome::ToException(const std::string& what) const {

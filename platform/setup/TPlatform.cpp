@@ -4,17 +4,14 @@
 #include <boost/make_shared.hpp>
 #include <utility>
 
-#include "platform/cmpi/TCMPIOperations.h"
-#include "platform/cmpi/TRegistrations.h"
 #include "platform/contract/CMPINSPInstanceRegistry.h"
 #include "platform/contract/TOSSpecific.h"
-#include "platform/contract/TRootObject.h"
 #include "platform/model/TModelContext.h"
 #include "platform/model/TModelNamespace.h"
 #include "platform/model/TRepositoryNamespace.h"
 #include "platform/model/TRoutingNamespace.h"
-#include "platform/schema/TClassRepository.h"
 #include "platform/setup/InstalledFiles.h"
+#include "platform/setup/ProviderSetup.h"
 #include "platform/setup/RunningJobs.h"
 
 namespace NZEPQEL20 {
@@ -23,40 +20,9 @@ namespace {
 constexpr char kContextId[] = "cmpi";
 constexpr char kUnofferedClass[] = "DRH_UnofferedTest";
 
-void Log(ILogger::EQELLogSeverity severity, const std::string& text) {
-  ILogger* logger = TRootObject::GetCoreLogger();
-  if (logger != nullptr) logger->Log(severity, text);
-}
-
 std::string GetText(const TCIMInstanceData& instance, const char* name) {
   const TCIMPropertyData* property = instance.Find(name);
   return property != nullptr ? property->value.ToString(10) : std::string();
-}
-
-// A warning names nothing that is missing, so only the log has it.
-void TakeErrors(const std::vector<TMofError>& errors, std::vector<std::string>& problems) {
-  for (const TMofError& error : errors) {
-    Log(error.isWarning ? ILogger::kWarning : ILogger::kError, error.ToString());
-    if (!error.isWarning) problems.push_back(error.ToString());
-  }
-}
-
-std::shared_ptr<const TClassRepository> LoadClasses(const setup::TInstalledFiles& files,
-                                                    const std::string& root,
-                                                    std::vector<std::string>& problems) {
-  auto classes = std::make_shared<TClassRepository>();
-  classes->AddSearchPath(root + "/schema");
-  for (const std::string& folder : files.providerFolders) classes->AddSearchPath(folder);
-  for (const std::string& file : files.schema) TakeErrors(classes->Load(file), problems);
-  for (const std::string& file : files.providerSchema) TakeErrors(classes->Load(file), problems);
-  TakeErrors(classes->Check(), problems);
-  return classes;
-}
-
-TRegistrations LoadRegistrations(const setup::TInstalledFiles& files) {
-  TRegistrations registrations;
-  for (const std::string& file : files.registrations) registrations.Load(file);
-  return registrations;
 }
 
 // The process-wide settings that a platform makes, taken back with it.
@@ -87,13 +53,10 @@ class TProcessSettings {
 struct TPlatform::TParts {
   explicit TParts(const TPlatformOptions& options)
       : settings(options), nameSpaceName(options.nameSpace) {
-    const setup::TInstalledFiles files = setup::FindInstalledFiles(settings.GetRoot());
-    for (const std::string& problem : files.problems) Log(ILogger::kError, problem);
-    setupProblems = files.problems;
-    classes = LoadClasses(files, settings.GetRoot(), setupProblems);
-    operations =
-        std::make_shared<TCMPIOperations>(classes, LoadRegistrations(files), options.nameSpace);
-    operations->OpenLibraries();
+    setup::TProviderSetup providers = setup::OpenProviders(settings.GetRoot(), options.nameSpace);
+    setupProblems = std::move(providers.problems);
+    classes = std::move(providers.classes);
+    operations = std::move(providers.operations);
     Route();
   }
 

@@ -3,9 +3,11 @@
 
 #include <boost/shared_ptr.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/cimxml/TServerOptions.h"
 #include "platform/contract/ICIMInstance.h"
 #include "platform/contract/ICIMNamespace.h"
 #include "platform/contract/ILogger.h"
@@ -13,10 +15,15 @@
 namespace NZEPQEL20 {
 
 /// How a host wants the platform set up.
+///
+/// Without `server` the tests are those of the provider libraries below the root; with it they are
+/// those of the CIM server, and no provider library is loaded.
 struct TPlatformOptions {
   std::string root;                      ///< Installation root; empty: as TOSSpecific finds it.
   std::string nameSpace = "root/cimv2";  ///< Namespace in which discovery looks.
   bool isOEMBuild = false;
+  std::optional<TServerOptions> server;   ///< What "cmpi" reaches instead of the libraries.
+  std::optional<TServerOptions> pegasus;  ///< What "pegasus" reaches; else it is `server`.
 };
 
 /// A test that a provider knows and does not offer here.

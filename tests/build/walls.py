@@ -16,15 +16,17 @@ WALLS = {
     "platform/schema/": ["platform/schema/", CONTRACT],
     "platform/cmpi/": ["platform/cmpi/", "platform/model/", "platform/schema/", CONTRACT],
     "platform/cmpi/abi/": ["platform/cmpi/abi/"],
+    "platform/cimxml/": ["platform/cimxml/", "platform/model/", "platform/schema/", CONTRACT],
     "platform/services/": ["platform/services/", CONTRACT],
     "platform/setup/": ["platform/"],
     "host/": ["host/", "runner/DiagsRunner.h", "platform/setup/", CONTRACT,
-              "platform/services/TCoreLogger.h"],
+              "platform/services/TCoreLogger.h", "platform/cimxml/TServerOptions.h"],
     "providers/hardware/": ["providers/hardware/", "platform/cmpi/abi/"],
 }
 # Foreign headers that only the named rooms may see.
 FOREIGN = {
-    "expat.h": ["platform/services/"],
+    "expat.h": ["platform/services/", "platform/cimxml/"],
+    "curl/": ["platform/cimxml/"],
     "spdlog/": ["platform/services/"],
     "fmt/": ["platform/services/"],
     "CLI/": ["host/"],
@@ -75,7 +77,9 @@ def self_test():
            ("host/A.cpp", '"', "runner/Handles.h"),
            ("providers/hardware/A.cpp", '"', "platform/contract/TCIMValue.h"),
            ("providers/hardware/A.cpp", "<", "boost/shared_ptr.hpp"),
-           ("parsers/A.cpp", "<", "expat.h")]
+           ("parsers/A.cpp", "<", "expat.h"),
+           ("platform/cimxml/A.cpp", '"', "platform/cmpi/TBroker.h"),
+           ("host/A.cpp", "<", "curl/curl.h")]
     good = [("runner/A.cpp", '"', "parsers/ResultParser.h"),
             ("platform/cmpi/A.cpp", '"', "platform/cmpi/abi/cmpi.h"),
             ("host/A.cpp", '"', "runner/DiagsRunner.h"),
