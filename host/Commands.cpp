@@ -22,7 +22,11 @@ constexpr char kClassNotFound[] = "Class Not Found\n";
 class TCommand {
  public:
   TCommand(const TOptions& options, IDiagnostics& diagnostics, const TSurroundings& surroundings)
-      : m_options(options), m_diagnostics(diagnostics), m_around(surroundings) {}
+      : m_options(options),
+        m_diagnostics(diagnostics),
+        m_around(surroundings),
+        m_server(options.server ? options.server->options.url : std::string()),
+        m_place(m_server.empty() ? std::string() : " on " + SafeText(m_server, ELines::kOne)) {}
 
   EExitStatus List();
   EExitStatus Run();
@@ -44,11 +48,13 @@ class TCommand {
   const TOptions& m_options;
   IDiagnostics& m_diagnostics;
   const TSurroundings& m_around;
+  std::string m_server;  // Empty: the tests are those of this machine.
+  std::string m_place;   // " on <server>", or nothing.
 };
 
 std::unique_ptr<IReport> TCommand::MakeReport() {
-  if (m_options.isJson) return std::make_unique<TJsonReport>(m_around.out);
-  return std::make_unique<TTextReport>(m_around.out);
+  if (m_options.isJson) return std::make_unique<TJsonReport>(m_around.out, m_server);
+  return std::make_unique<TTextReport>(m_around.out, m_place);
 }
 
 // Whoever reads the results must not take a cut output for a whole one.
@@ -76,7 +82,7 @@ std::vector<TUnofferedTest> TCommand::GetUnoffered() {
 
 void TCommand::ShowUnoffered(const std::vector<TUnofferedTest>& tests) {
   for (const TUnofferedTest& test : tests) {
-    std::string line = "not offered: " + test.serviceName;
+    std::string line = "not offered" + m_place + ": " + test.serviceName;
     if (!test.elementName.empty()) line += " (" + test.elementName + ")";
     line += ": " + test.reason;
     if (!test.remedy.empty()) line += "; " + test.remedy;
@@ -140,7 +146,8 @@ EExitStatus TCommand::Run() {
   run.problems = ShowProblems();
   const std::vector<TTest> tests = SelectTests(catalogue, m_options.selection);
   if (tests.empty()) {
-    Complain(catalogue.empty() ? "run: no tests found on this machine"
+    const std::string place = m_place.empty() ? " on this machine" : m_place;
+    Complain(catalogue.empty() ? "run: no tests found" + place
                                : "run: no test matches; `diagsrun list` shows the tests");
     ShowUnoffered(GetUnoffered());
   }
@@ -162,7 +169,7 @@ EExitStatus TCommand::InspectAsJson() {
   inspected.isKnown = instances.has_value();
   if (instances) inspected.instances = std::move(*instances);
   inspected.problems = ShowProblems();
-  TJsonReport(m_around.out).ShowInstances(inspected);
+  TJsonReport(m_around.out, m_server).ShowInstances(inspected);
   return CheckOutput(inspected.isKnown ? EExitStatus::kAllPassed : EExitStatus::kNotFinished);
 }
 
@@ -175,7 +182,7 @@ EExitStatus TCommand::Inspect() {
       text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
   if (isUnknown) {
     text.resize(text.size() - end.size());
-    Complain(m_options.className + ": no such class");
+    Complain(m_options.className + ": no such class" + m_place);
   }
   m_around.out << SafeText(text, ELines::kKeep);
   return CheckOutput(isUnknown ? EExitStatus::kNotFinished : EExitStatus::kAllPassed);

@@ -7,16 +7,21 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include "host/Commands.h"
+#include "host/Credentials.h"
 #include "host/Progress.h"
+#include "host/Prompt.h"
 #include "host/TBlockedSignals.h"
 #include "host/TOutputRedirect.h"
 #include "host/TRunnerDiagnostics.h"
 #include "host/TSignalWatch.h"
 #include "host/TUsageError.h"
 #include "host/Text.h"
+#include "platform/contract/TQELException.h"
 #include "platform/contract/TRootObject.h"
 #include "platform/services/TCoreLogger.h"
 #include "platform/setup/TPlatform.h"
@@ -25,6 +30,8 @@ namespace host {
 namespace {
 
 using NZEPQEL20::TCoreLogger;
+using NZEPQEL20::TQELException;
+using NZEPQEL20::TQELStatusCode;
 using NZEPQEL20::TRootObject;
 
 // The process's log for as long as it lives.
@@ -52,23 +59,62 @@ int Complain(const char* reason, EExitStatus status) noexcept {
   return static_cast<int>(status);
 }
 
-NZEPQEL20::TPlatformOptions GetPlatformOptions(const TOptions& options) {
+// Who the server is told that this is.
+TCredentials GetCredentials(const TOptions& options, TEnvironmentCredentials environment) {
+  if (!options.server) return {};
+  TCredentialSources sources;
+  sources.file = options.server->credentialsFile;
+  sources.user = options.server->options.user;
+  sources.environment = std::move(environment);
+  if (::isatty(STDIN_FILENO) == 1) {
+    sources.ask = [&url = options.server->options.url](const std::string& user) {
+      return AskSecret(SafeText("Password for " + user + " at " + url + ": ", ELines::kOne));
+    };
+  }
+  return FindCredentials(std::move(sources));
+}
+
+// Whoever runs with --insecure out of habit is to see it each time.
+void WarnOfInsecurity(const TOptions& options) {
+  if (!options.server || !options.server->options.isInsecure) return;
+  std::cerr << "diagsrun: warning: --insecure: the certificate of "
+            << SafeText(options.server->options.url, ELines::kOne)
+            << " is not checked; whoever sits in between reads the password and can fake results\n";
+}
+
+std::unique_ptr<NZEPQEL20::TPlatform> MakePlatform(const TOptions& options,
+                                                   const TCredentials& credentials) {
   NZEPQEL20::TPlatformOptions wanted;
   wanted.root = options.root;
   wanted.nameSpace = options.nameSpace;
-  return wanted;
+  if (!options.server) return std::make_unique<NZEPQEL20::TPlatform>(wanted);
+  wanted.server = options.server->options;
+  wanted.server->user = credentials.user;
+  wanted.server->password = credentials.password.Get();
+  const TWiper wiper(wanted.server->password);
+  try {
+    return std::make_unique<NZEPQEL20::TPlatform>(wanted);
+  } catch (const TQELException& e) {
+    // Nothing was sent yet: what it refuses is an option's value.
+    if (e.GetStatusCode() == TQELStatusCode::kInvalidArgument) {
+      throw TUsageError("--server", e.what());
+    }
+    throw;
+  }
 }
 
 // What is made here goes in the reverse order: the watch first, since it reaches into the
 // platform, then the runner, then the platform with its providers.
-EExitStatus RunOnPlatform(const TOptions& options, const TBlockedSignals* signals) {
+EExitStatus RunOnPlatform(const TOptions& options, TCredentials credentials,
+                          const TBlockedSignals* signals) {
   const TLog log(options);
-  NZEPQEL20::TPlatform platform(GetPlatformOptions(options));
+  const std::unique_ptr<NZEPQEL20::TPlatform> platform = MakePlatform(options, credentials);
+  credentials = {};
   TRunnerDiagnostics diagnostics(
-      platform,
+      *platform,
       ChooseProgressTarget(options, ::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1));
   std::optional<TSignalWatch> watch;
-  if (signals != nullptr) watch.emplace(*signals, [&platform] { platform.KillRunningJobs(); });
+  if (signals != nullptr) watch.emplace(*signals, [&platform] { platform->KillRunningJobs(); });
   const TSurroundings surroundings{std::cout,
                                    std::cerr,
                                    [&watch] { return watch && watch->IsInterrupted(); },
@@ -79,15 +125,21 @@ EExitStatus RunOnPlatform(const TOptions& options, const TBlockedSignals* signal
 }
 
 EExitStatus RunArguments(const std::vector<std::string>& arguments) {
+  // Also without a server: no program of a test is to find them.
+  TEnvironmentCredentials environment = TakeEnvironmentCredentials();
   TCommandLine commandLine;
   const std::optional<TOptions> options = commandLine.Parse(arguments, std::cout, std::cerr);
   if (!options) {
     return IsOutputGood() ? commandLine.GetStatus() : EExitStatus::kNotFinished;
   }
+  TCredentials credentials = GetCredentials(*options, std::move(environment));
+  WarnOfInsecurity(*options);
   // The other commands start nothing that has to be ended, so signals end them as usual.
-  if (options->command != ECommand::kRun) return RunOnPlatform(*options, nullptr);
+  if (options->command != ECommand::kRun) {
+    return RunOnPlatform(*options, std::move(credentials), nullptr);
+  }
   const TBlockedSignals signals;
-  return RunOnPlatform(*options, &signals);
+  return RunOnPlatform(*options, std::move(credentials), &signals);
 }
 
 }  // namespace

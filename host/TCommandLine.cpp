@@ -48,8 +48,8 @@ void AddChoice(CLI::App& app, const std::string& name, TValue& value, const std:
           [&choices, words](const std::string& word) {
             return choices.count(word) != 0 ? std::string() : "is not one of " + words;
           },
-          words))
-      ->type_name("");
+          std::string()))
+      ->type_name(words);
 }
 
 CLI::Option* AddText(CLI::App& app, const std::string& name, std::string& value,
@@ -78,6 +78,14 @@ void TakeGuardsOff(TOptions& options) {
   }
   for (std::string& id : options.selection.ids) TakeGuardOff(id);
   if (options.label) TakeGuardOff(*options.label);
+}
+
+// An unknown option alone, since a password may stand behind it; else what the parser says.
+std::string DescribeExtras(const std::vector<std::string>& extras, const char* what) {
+  const auto isOption = [](const std::string& extra) { return extra.rfind('-', 0) == 0; };
+  const auto option = std::find_if(extras.begin(), extras.end(), isOption);
+  if (option == extras.end()) return what;
+  return "The following argument was not expected: " + option->substr(0, option->find('='));
 }
 
 void AddFilters(CLI::App& app, TSelection& selection) {
@@ -121,6 +129,7 @@ void TCommandLine::AddGlobalOptions() {
   AddText(*m_app, "--log", m_options.logFile, "FILE", "Write a log to FILE; - for standard error");
   AddChoice(*m_app, "--log-level", m_options.logLevel, "How much to log (info)", GetLevels(),
             "error|warning|info|trace");
+  AddServerOptions(*m_app, m_server);
 }
 
 void TCommandLine::AddList() {
@@ -182,6 +191,7 @@ void TCommandLine::Check() const {
   if (SafeText(m_options.nameSpace, ELines::kOne) != m_options.nameSpace) {
     throw TUsageError("--namespace", "holds a control character");
   }
+  CheckServerOptions(*m_app, m_server);
   if (m_options.command != ECommand::kRun) return;
 
   const TSelection& selection = m_options.selection;
@@ -196,16 +206,25 @@ void TCommandLine::Check() const {
   if (!fault.empty()) throw TUsageError("--label", fault);
 }
 
+std::string TCommandLine::Explain(const CLI::ParseError& error) const {
+  const bool isExtra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+  return HideUserInfo(isExtra ? DescribeExtras(m_app->remaining(true), error.what())
+                              : error.what());
+}
+
 std::optional<TOptions> TCommandLine::Parse(const std::vector<std::string>& arguments,
                                             std::ostream& out, std::ostream& err) {
   m_status = EExitStatus::kWrongUsage;
   try {
+    RefusePasswordOptions(arguments);
     // The parser takes the arguments from the back.
     std::vector<std::string> reversed;
     std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(reversed), Guard);
     m_app->parse(reversed);
     TakeGuardsOff(m_options);
+    for (std::string* text : GetTexts(m_server)) TakeGuardOff(*text);
     Check();
+    if (HasServer(*m_app)) m_options.server = m_server;
     m_status = EExitStatus::kAllPassed;
     return m_options;
   } catch (const CLI::ParseError& e) {
@@ -213,7 +232,7 @@ std::optional<TOptions> TCommandLine::Parse(const std::vector<std::string>& argu
       m_status = EExitStatus::kAllPassed;
       m_app->exit(e, out, err);
     } else {
-      err << "diagsrun: " << SafeText(e.what(), ELines::kOne) << "; see diagsrun --help\n";
+      err << "diagsrun: " << SafeText(Explain(e), ELines::kOne) << "; see diagsrun --help\n";
     }
   } catch (const TUsageError& e) {
     err << "diagsrun: " << e.what() << "; see diagsrun --help\n";

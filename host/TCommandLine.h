@@ -9,11 +9,13 @@
 
 #include "host/Catalogue.h"
 #include "host/ExitStatus.h"
+#include "host/ServerArguments.h"
 #include "platform/contract/ILogger.h"
 
 namespace CLI {
 class App;
-}
+class ParseError;
+}  // namespace CLI
 
 namespace host {
 
@@ -36,8 +38,9 @@ struct TOptions {
   NZEPQEL20::ILogger::EQELLogSeverity logLevel = NZEPQEL20::ILogger::kInfo;
   EProgress progress = EProgress::kAuto;
   TSelection selection;
-  std::optional<std::string> label;  ///< Absent: each test's own service name.
-  std::string className;             ///< For `inspect`.
+  std::optional<std::string> label;        ///< Absent: each test's own service name.
+  std::string className;                   ///< For `inspect`.
+  std::optional<TServerArguments> server;  ///< Absent: the tests are those of this machine.
 };
 
 /// Reads the arguments of `diagsrun`.
@@ -69,9 +72,11 @@ class TCommandLine {
   void AddInspect();
   const CLI::App& FindApp(const std::string& command) const;
   void Check() const;
+  std::string Explain(const CLI::ParseError& error) const;
 
   std::unique_ptr<CLI::App> m_app;
   TOptions m_options;
+  TServerArguments m_server;
   EExitStatus m_status = EExitStatus::kAllPassed;
 };
 

@@ -17,8 +17,10 @@ void Write(std::ostream& out, const TJson& document) {
   out.flush();
 }
 
-TJson MakeDocument(const char* command) {
-  return {{"format", TJsonReport::kFormat}, {"command", command}};
+TJson MakeDocument(const char* command, const std::string& server) {
+  TJson document = {{"format", TJsonReport::kFormat}, {"command", command}};
+  if (!server.empty()) document["server"] = server;
+  return document;
 }
 
 TJson MakeTest(const TTest& test) {
@@ -71,7 +73,7 @@ TJson MakeInstance(const TInstanceText& instance) {
 }  // namespace
 
 void TJsonReport::ShowList(const TListReport& list) {
-  TJson document = MakeDocument("list");
+  TJson document = MakeDocument("list", m_server);
   document["tests"] = TJson::array();
   for (const TTest& test : list.tests) document["tests"].push_back(MakeTest(test));
   document["unoffered"] = TJson::array();
@@ -91,7 +93,7 @@ void TJsonReport::ShowTestStart(const TTest& /*test*/, std::size_t /*position*/,
 void TJsonReport::ShowTestEnd(const TTestReport& /*report*/) {}
 
 void TJsonReport::ShowRunEnd(const TRunReport& run) {
-  TJson document = MakeDocument("run");
+  TJson document = MakeDocument("run", m_server);
   document["status"] = static_cast<int>(run.status);
   document["interrupted"] = run.isInterrupted;
   document["tests"] = TJson::array();
@@ -106,7 +108,7 @@ void TJsonReport::ShowRunEnd(const TRunReport& run) {
 }
 
 void TJsonReport::ShowInstances(const TInspectReport& inspected) {
-  TJson document = MakeDocument("inspect");
+  TJson document = MakeDocument("inspect", m_server);
   document["class"] = inspected.className;
   document["known"] = inspected.isKnown;
   document["instances"] = TJson::array();

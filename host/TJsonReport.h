@@ -2,6 +2,8 @@
 #pragma once
 
 #include <iosfwd>
+#include <string>
+#include <utility>
 
 #include "host/IReport.h"
 
@@ -14,7 +16,9 @@ class TJsonReport : public IReport {
  public:
   static constexpr int kFormat = 1;
 
-  explicit TJsonReport(std::ostream& out) : m_out(&out) {}
+  /// `server` is the URL of the CIM server that the tests are behind; empty: they are here.
+  explicit TJsonReport(std::ostream& out, std::string server = {})
+      : m_out(&out), m_server(std::move(server)) {}
 
   void ShowList(const TListReport& list) override;
   /// Nothing: the document is written as a whole, at the end.
@@ -25,6 +29,7 @@ class TJsonReport : public IReport {
 
  private:
   std::ostream* m_out;
+  std::string m_server;
 };
 
 }  // namespace host

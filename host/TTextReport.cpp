@@ -45,7 +45,7 @@ std::string FormatSeconds(double seconds) {
 
 void TTextReport::ShowList(const TListReport& list) {
   if (list.tests.empty()) {
-    *m_out << "No tests found.\n";
+    *m_out << "No tests found" << m_place << ".\n";
     return;
   }
   std::vector<TRow> rows = {{"NO.", "SERVICE", "DEVICE", "ELEMENT", "TEST ID"}};
@@ -73,7 +73,7 @@ void TTextReport::ShowTestEnd(const TTestReport& report) {
 }
 
 void TTextReport::ShowRunEnd(const TRunReport& run) {
-  *m_out << run.tests.size() << (run.tests.size() == 1 ? " test: " : " tests: ")
+  *m_out << run.tests.size() << (run.tests.size() == 1 ? " test" : " tests") << m_place << ": "
          << run.Count(EOutcome::kPassed) << " passed, " << run.Count(EOutcome::kFailed)
          << " failed, " << run.Count(EOutcome::kError) << " could not run or finish, "
          << run.Count(EOutcome::kNotRun) << " not started"

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <iosfwd>
+#include <string>
+#include <utility>
 
 #include "host/IReport.h"
 
@@ -10,7 +12,9 @@ namespace host {
 /// Renders for people. Whatever comes from a provider is shown through SafeText().
 class TTextReport : public IReport {
  public:
-  explicit TTextReport(std::ostream& out) : m_out(&out) {}
+  /// `place` says where the tests are, as in "No tests found" + place; empty: on this machine.
+  explicit TTextReport(std::ostream& out, std::string place = {})
+      : m_out(&out), m_place(std::move(place)) {}
 
   void ShowList(const TListReport& list) override;
   void ShowTestStart(const TTest& test, std::size_t position, std::size_t total) override;
@@ -19,6 +23,7 @@ class TTextReport : public IReport {
 
  private:
   std::ostream* m_out;
+  std::string m_place;
 };
 
 }  // namespace host

@@ -16,7 +16,7 @@ _diagsrun() {
       mapfile -t COMPREPLY < <(compgen -d -- "$word")
       return
       ;;
-    --log)
+    --log | --credentials | --ca | --client-cert | --client-key)
       mapfile -t COMPREPLY < <(compgen -f -- "$word")
       return
       ;;
@@ -28,11 +28,19 @@ _diagsrun() {
       mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$word")
       return
       ;;
-    --namespace | --device | --match | --label)
+    --server)
+      mapfile -t COMPREPLY < <(compgen -W "http:// https:// unix:///" -- "$word")
+      compopt -o nospace 2>/dev/null
+      return
+      ;;
+    --namespace | --device | --match | --label | --user | --connect-timeout | --request-timeout | \
+      --total-timeout | --method-timeout | --max-reply)
       return
       ;;
   esac
   local words="--root --namespace --log --log-level --help"
+  words+=" --server --user --credentials --ca --client-cert --client-key --insecure"
+  words+=" --connect-timeout --request-timeout --total-timeout --method-timeout --max-reply"
   case $command in
     list) words+=" --json --device --match" ;;
     run) words+=" --json --all --device --match --label --progress" ;;
