@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/cimxml/THttpSession.h"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <memory>
+#include <mutex>
+
+#include "platform/cimxml/HttpText.h"
+#include "platform/cimxml/ServerSetup.h"
+#include "platform/cimxml/TConnectionPool.h"
+#include "platform/cimxml/TExchange.h"
+#include "platform/cimxml/TLocalAuthentication.h"
+#include "platform/cimxml/TServerUrl.h"
+#include "platform/cimxml/TransferFailure.h"
+
+namespace NZEPQEL20::cimxml {
+namespace {
+
+using TClock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+// The largest time that curl takes.
+long ToCurlTime(milliseconds time) {
+  return static_cast<long>(std::min<milliseconds::rep>(time.count(), INT_MAX));
+}
+
+}  // namespace
+
+struct THttpSession::TParts {
+  explicit TParts(const TServerOptions& given)
+      : options(given), url(given.url), pool([this] { return MakeHandle(options, url); }) {
+    CheckServerOptions(options, url);
+    rules.server = url.GetText();
+    rules.maxBodyBytes = options.maxReplyBytes;
+    if (!options.user.empty()) rules.credentials = "the user or password";
+  }
+
+  bool UsesLocalAuthentication() const { return url.IsLocalSocket() && options.user.empty(); }
+
+  THttpTrailers ExchangeLocally(TCurlHandle& handle, const THttpRequest& request, IReplyBody& body,
+                                TClock::time_point deadline) const;
+  void Perform(CURL* handle, TExchange& exchange, const THttpRequest& request,
+               const std::string& authorization, TClock::time_point deadline) const;
+
+  const TServerOptions options;
+  const TServerUrl url;
+  TReplyRules rules;
+  TLocalAuthentication localAuthentication;
+  TConnectionPool pool;
+};
+
+void THttpSession::TParts::Perform(CURL* handle, TExchange& exchange, const THttpRequest& request,
+                                   const std::string& authorization,
+                                   TClock::time_point deadline) const {
+  const auto left = std::chrono::duration_cast<milliseconds>(deadline - TClock::now());
+  if (left <= milliseconds(0)) {
+    throw TQELException(TQELStatusCode::kConnection,
+                        url.GetText() + ": no time was left for the request");
+  }
+  const TCurlList headers = MakeHeaders(request, authorization);
+  std::array<char, CURL_ERROR_SIZE> reason{};
+  SetOption(handle, CURLOPT_HTTPHEADER, headers.get());
+  SetOption(handle, CURLOPT_TIMEOUT_MS, ToCurlTime(left));
+  SetOption(handle, CURLOPT_ERRORBUFFER, reason.data());
+  exchange.Attach(handle);
+  const CURLcode code = [&] {
+    const TPipeSignalShield shield;
+    return curl_easy_perform(handle);
+  }();
+  // The handle lives on, and these do not.
+  curl_easy_setopt(handle, CURLOPT_HTTPHEADER, nullptr);
+  curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, nullptr);
+  exchange.RethrowProblem();
+  if (code == CURLE_OK) return;
+
+  TTransferFailure failure;
+  failure.code = code;
+  failure.reason = reason[0] != '\0' ? reason.data() : curl_easy_strerror(code);
+  failure.connectTimeout = options.connectTimeout;
+  failure.timeout = request.timeout;
+  curl_easy_getinfo(handle, CURLINFO_SSL_VERIFYRESULT, &failure.verifyResult);
+  ThrowTransferFailure(failure, exchange, url, options);
+}
+
+THttpTrailers THttpSession::TParts::ExchangeLocally(TCurlHandle& handle,
+                                                    const THttpRequest& request, IReplyBody& body,
+                                                    TClock::time_point deadline) const {
+  TExchange first(rules, request, body, true);
+  Perform(handle.get(), first, request, localAuthentication.GetGreeting(), deadline);
+  if (first.GetChallenge().empty()) return ReadTrailers(first.GetHead(), rules);
+
+  std::string answer;
+  try {
+    answer = localAuthentication.Answer(first.GetChallenge());
+  } catch (const TQELException& e) {
+    throw TQELException(e.GetStatusCode(), url.GetText() + ": " + e.what());
+  }
+  TReplyRules secondRules = rules;
+  secondRules.credentials = "the local user";
+  TExchange second(secondRules, request, body, false);
+  Perform(handle.get(), second, request, answer, deadline);
+  return ReadTrailers(second.GetHead(), secondRules);
+}
+
+THttpSession::THttpSession(const TServerOptions& options) {
+  InitialiseCurl();
+  m_parts = std::make_unique<TParts>(options);
+}
+
+THttpSession::~THttpSession() = default;
+
+THttpTrailers THttpSession::Exchange(const THttpRequest& request, IReplyBody& body) {
+  const TClock::time_point deadline = TClock::now() + request.timeout;
+  TConnectionPool& pool = m_parts->pool;
+  // A handle that is not returned is closed with its connection: whatever failed on it stays there.
+  TCurlHandle handle = request.isMethodCall ? pool.TakeFresh() : pool.Take();
+  THttpTrailers trailers;
+  if (m_parts->UsesLocalAuthentication()) {
+    trailers = m_parts->ExchangeLocally(handle, request, body, deadline);
+  } else {
+    TExchange exchange(m_parts->rules, request, body, false);
+    m_parts->Perform(handle.get(), exchange, request, std::string(), deadline);
+    trailers = ReadTrailers(exchange.GetHead(), m_parts->rules);
+  }
+  pool.Return(std::move(handle));
+  return trailers;
+}
+
+const std::string& THttpSession::GetName() const {
+  return m_parts->url.GetText();
+}
+
+}  // namespace NZEPQEL20::cimxml

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/cimxml/TransferFailure.h"
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "platform/cimxml/HttpText.h"
+
+namespace NZEPQEL20::cimxml {
+namespace {
+
+[[noreturn]] void Throw(TQELStatusCode::ECode code, const TServerUrl& url,
+                        const std::string& reason) {
+  throw TQELException(code, url.GetText() + ": " + reason);
+}
+
+std::string DescribeProgress(const TExchange& exchange) {
+  if (exchange.GetBodySize() > 0) {
+    return DescribeBytes(exchange.GetBodySize()) + " of its body had come";
+  }
+  if (exchange.GetHead().IsComplete()) return "its header had come, and nothing of its body";
+  if (exchange.GetHead().GetSize() > 0) return "a part of its header had come";
+  return "nothing of it had come";
+}
+
+[[noreturn]] void ThrowTimeout(const TTransferFailure& failure, const TExchange& exchange,
+                               const TServerUrl& url) {
+  if (!exchange.IsConnected()) {
+    Throw(TQELStatusCode::kConnection, url,
+          "no connection within " +
+              DescribeTime(std::min(failure.connectTimeout, failure.timeout)) +
+              "; is the host right and reachable?");
+  }
+  Throw(TQELStatusCode::kConnection, url,
+        "no complete answer within " + DescribeTime(failure.timeout) + " (" +
+            DescribeProgress(exchange) + ")");
+}
+
+// What the system says of a UNIX socket: curl would speak of a port of localhost.
+std::string DescribeSocketProblem(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) {
+    const int number = errno;
+    return "the socket " + MakeSafe(path) + ": " + std::generic_category().message(number) +
+           (number == ENOENT ? "; is the CIM server running?" : "");
+  }
+  if (!S_ISSOCK(status.st_mode)) return MakeSafe(path) + " is not a socket";
+  if (::access(path.c_str(), R_OK | W_OK) != 0) {
+    return "no permission to use the socket " + MakeSafe(path);
+  }
+  return "nobody listens on the socket " + MakeSafe(path) + "; is the CIM server running?";
+}
+
+// TLS may tell only after the handshake that it wants no more of this client.
+bool IsTlsAlert(const std::string& reason) {
+  return reason.find("alert") != std::string::npos && reason.find("SSL") != std::string::npos;
+}
+
+[[noreturn]] void ThrowLost(const TTransferFailure& failure, const TExchange& exchange,
+                            const TServerUrl& url) {
+  std::string text = url.GetText() +
+                     ": the connection was lost before the whole answer had come (" +
+                     DescribeProgress(exchange) + ")";
+  if (failure.code == CURLE_RECV_ERROR || failure.code == CURLE_SEND_ERROR) {
+    text += ": " + MakeSafe(failure.reason);
+  }
+  throw TConnectionLost(text);
+}
+
+[[noreturn]] void ThrowNotHttp(const TTransferFailure& failure, const TServerUrl& url) {
+  Throw(TQELStatusCode::kFailed, url,
+        "the answer is not proper HTTP (" + MakeSafe(failure.reason) +
+            "); is this the port of a CIM server, and does it want https?");
+}
+
+// curl reports broken framing as it reports a broken connection.
+bool IsFramingProblem(const TTransferFailure& failure) {
+  return failure.reason.find("chunk") != std::string::npos ||
+         failure.reason.find("response header") != std::string::npos;
+}
+
+[[noreturn]] void ThrowUnreachable(const TTransferFailure& failure, const TServerUrl& url) {
+  if (url.IsLocalSocket()) {
+    Throw(TQELStatusCode::kConnection, url, DescribeSocketProblem(url.GetSocketPath()));
+  }
+  const bool isName = failure.code == CURLE_COULDNT_RESOLVE_HOST;
+  Throw(TQELStatusCode::kConnection, url,
+        "no connection: " + MakeSafe(failure.reason) +
+            (isName ? "; is the host's name right?"
+                    : "; is the CIM server running, and are host and port right?"));
+}
+
+}  // namespace
+
+void ThrowTransferFailure(const TTransferFailure& failure, const TExchange& exchange,
+                          const TServerUrl& url, const TServerOptions& options) {
+  if (exchange.WasSecondSendRefused()) ThrowLost(failure, exchange, url);
+  const bool isLost = failure.code == CURLE_RECV_ERROR || failure.code == CURLE_SEND_ERROR;
+  if (!isLost || IsTlsAlert(failure.reason)) ThrowTlsFailure(failure, url, options);
+  switch (failure.code) {
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_CONNECT:
+      ThrowUnreachable(failure, url);
+    case CURLE_OPERATION_TIMEDOUT:
+      ThrowTimeout(failure, exchange, url);
+    case CURLE_RECV_ERROR:
+    case CURLE_SEND_ERROR:
+      if (IsFramingProblem(failure)) ThrowNotHttp(failure, url);
+      ThrowLost(failure, exchange, url);
+    case CURLE_GOT_NOTHING:
+    case CURLE_PARTIAL_FILE:
+    case CURLE_SEND_FAIL_REWIND:
+      ThrowLost(failure, exchange, url);
+    case CURLE_UNSUPPORTED_PROTOCOL:
+    case CURLE_WEIRD_SERVER_REPLY:
+      ThrowNotHttp(failure, url);
+    case CURLE_OUT_OF_MEMORY:
+      // Also what curl says to a line of a header block that is longer than it wants to keep.
+      if (exchange.IsConnected()) {
+        Throw(TQELStatusCode::kFailed, url, "the answer has a header field of absurd length");
+      }
+      Throw(TQELStatusCode::kNoMemory, url, "no memory for a request");
+    default:
+      Throw(TQELStatusCode::kFailed, url, MakeSafe(failure.reason));
+  }
+}
+
+}  // namespace NZEPQEL20::cimxml

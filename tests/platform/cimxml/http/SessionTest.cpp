@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/platform/cimxml/http/SessionTest.h"
+
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace diagstest {
+
+using NZEPQEL20::TQELException;
+using NZEPQEL20::TServerOptions;
+using NZEPQEL20::cimxml::TConnectionLost;
+using NZEPQEL20::cimxml::THttpError;
+using NZEPQEL20::cimxml::THttpRequest;
+using NZEPQEL20::cimxml::THttpSession;
+
+THttpRequest MakeRequest() {
+  THttpRequest request;
+  request.method = "GetClass";
+  request.object = "root/cimv2";
+  request.body = "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<CIM>request</CIM>\n";
+  request.timeout = std::chrono::seconds(5);
+  return request;
+}
+
+TServerOptions MakeOptions(const std::string& scheme, int port) {
+  TServerOptions options;
+  options.url = scheme + "://127.0.0.1:" + std::to_string(port);
+  options.connectTimeout = std::chrono::seconds(5);
+  return options;
+}
+
+TOutcome Try(THttpSession& session, const THttpRequest& request) {
+  TOutcome outcome;
+  TCollectedBody body;
+  const auto start = std::chrono::steady_clock::now();
+  try {
+    outcome.trailers = session.Exchange(request, body);
+    outcome.text = body.GetText();
+  } catch (const TConnectionLost& e) {
+    outcome.kind = TOutcome::kLost;
+    outcome.code = e.GetStatusCode().GetValue();
+    outcome.text = e.what();
+  } catch (const THttpError& e) {
+    outcome.kind = TOutcome::kHttpError;
+    outcome.code = e.GetStatusCode().GetValue();
+    outcome.httpStatus = e.GetHttpStatus();
+    outcome.text = e.what();
+  } catch (const TQELException& e) {
+    outcome.kind = TOutcome::kOther;
+    outcome.code = e.GetStatusCode().GetValue();
+    outcome.text = e.what();
+  }
+  outcome.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now() - start);
+  return outcome;
+}
+
+TTemporaryFolder::TTemporaryFolder() {
+  m_path = std::filesystem::temp_directory_path().string() + "/diagshttp-XXXXXX";
+  if (::mkdtemp(m_path.data()) == nullptr) throw std::runtime_error("no temporary folder");
+}
+
+TTemporaryFolder::~TTemporaryFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(m_path, ignored);
+}
+
+std::string TTemporaryFolder::Write(const std::string& name, const std::string& content,
+                                    unsigned int rights) const {
+  const std::string path = m_path + "/" + name;
+  std::ofstream(path, std::ios::binary) << content;
+  ::chmod(path.c_str(), rights);
+  return path;
+}
+
+}  // namespace diagstest

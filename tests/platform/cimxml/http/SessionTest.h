@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "platform/cimxml/THttpSession.h"
+#include "tests/platform/cimxml/http/TScriptedServer.h"
+
+namespace diagstest {
+
+/// Keeps a reply's body, or throws in the middle of it.
+class TCollectedBody : public NZEPQEL20::cimxml::IReplyBody {
+ public:
+  void Take(const char* data, std::size_t size) override { m_text.append(data, size); }
+  const std::string& GetText() const { return m_text; }
+
+ private:
+  std::string m_text;
+};
+
+/// How an exchange ended, with no exception left.
+struct TOutcome {
+  enum EKind { kGood, kLost, kHttpError, kOther };
+  EKind kind = kGood;
+  unsigned int code = 0;
+  long httpStatus = 0;
+  std::string text;  ///< What the exception says; the body of a good answer.
+  NZEPQEL20::cimxml::THttpTrailers trailers;
+  std::chrono::milliseconds elapsed{0};
+};
+
+/// A request as the layer above makes it, with a second for its answer.
+NZEPQEL20::cimxml::THttpRequest MakeRequest();
+
+/// Options for a server on a port of this machine.
+NZEPQEL20::TServerOptions MakeOptions(const std::string& scheme, int port);
+
+/// Performs one exchange.
+TOutcome Try(NZEPQEL20::cimxml::THttpSession& session,
+             const NZEPQEL20::cimxml::THttpRequest& request = MakeRequest());
+
+/// A folder of its own below the system's temporary one, removed with its content.
+class TTemporaryFolder {
+ public:
+  TTemporaryFolder();
+  ~TTemporaryFolder();
+  TTemporaryFolder(const TTemporaryFolder&) = delete;
+  TTemporaryFolder& operator=(const TTemporaryFolder&) = delete;
+  const std::string& GetPath() const { return m_path; }
+  /// Writes a file with these rights and yields its path.
+  std::string Write(const std::string& name, const std::string& content,
+                    unsigned int rights = 0600) const;
+
+ private:
+  std::string m_path;
+};
+
+}  // namespace diagstest
