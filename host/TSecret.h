@@ -9,7 +9,7 @@ namespace host {
 /// Overwrites what `text` holds, and the memory behind it that it has reserved, and empties it.
 void Wipe(std::string& text) noexcept;
 
-/// A text that is nobody's business: overwritten when it goes, and never printed by a test.
+/// A text that is nobody's business: overwritten when it goes.
 class TSecret {
  public:
   TSecret() = default;

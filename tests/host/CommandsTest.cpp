@@ -207,5 +207,72 @@ TEST_F(CommandsTest, InspectNamesAnUnknownClassAndKeepsWhatWasSaidBefore) {
   EXPECT_EQ(m_err.str(), "diagsrun: B: no such class\n");
 }
 
+// The same commands, with the tests behind a CIM server.
+class ServerCommandsTest : public CommandsTest {
+ protected:
+  ServerCommandsTest() {
+    m_options.server.emplace();
+    m_options.server->options.url = "https://node7";
+  }
+};
+
+TEST_F(ServerCommandsTest, ListIsTheSameTable) {
+  m_options.command = ECommand::kList;
+  EXPECT_EQ(Do(), 0);
+  const std::string remote = m_out.str();
+  m_out.str("");
+  m_options.server.reset();
+  EXPECT_EQ(Do(), 0);
+  EXPECT_EQ(m_out.str(), remote);
+}
+
+TEST_F(ServerCommandsTest, ListSaysWhereThereIsNothing) {
+  m_options.command = ECommand::kList;
+  m_fake.list = "";
+  m_fake.unoffered = {{"Pattern", "Memory", "no memtester", ""}};
+  EXPECT_EQ(Do(), 2);
+  EXPECT_EQ(m_out.str(), "No tests found on https://node7.\n");
+  EXPECT_EQ(m_err.str(),
+            "diagsrun: not offered on https://node7: Pattern (Memory): no memtester\n");
+}
+
+TEST_F(ServerCommandsTest, RunSaysWhereThereIsNothing) {
+  m_fake.list = "";
+  m_options.selection.isAll = true;
+  EXPECT_EQ(Do(), 2);
+  EXPECT_EQ(m_err.str(), "diagsrun: run: no tests found on https://node7\n");
+}
+
+TEST_F(ServerCommandsTest, RunSaysWhereTheTestsRan) {
+  EXPECT_EQ(Run({"#1"}), 0);
+  EXPECT_THAT(m_out.str(), HasSubstr("\n1 test on https://node7: 1 passed, 0 failed"));
+}
+
+TEST_F(ServerCommandsTest, InspectSaysWhereTheClassIsMissing) {
+  m_options.command = ECommand::kInspect;
+  m_options.className = "B";
+  EXPECT_EQ(Do(), 2);
+  EXPECT_EQ(m_err.str(), "diagsrun: B: no such class on https://node7\n");
+}
+
+TEST_F(ServerCommandsTest, EveryDocumentNamesTheServer) {
+  m_options.isJson = true;
+  m_options.className = "B";
+  m_options.selection.isAll = true;
+  for (const ECommand command : {ECommand::kList, ECommand::kRun, ECommand::kInspect}) {
+    m_out.str("");
+    m_options.command = command;
+    Do();
+    EXPECT_THAT(m_out.str(), HasSubstr("\n  \"server\": \"https://node7\",\n"));
+  }
+}
+
+TEST_F(CommandsTest, ADocumentAboutThisMachineNamesNoServer) {
+  m_options.isJson = true;
+  m_options.command = ECommand::kList;
+  EXPECT_EQ(Do(), 0);
+  EXPECT_THAT(m_out.str(), Not(HasSubstr("server")));
+}
+
 }  // namespace
 }  // namespace host

@@ -63,6 +63,14 @@ TEST(JsonReportTest, WritesInstancesWithArraysAsArrays) {
     "problems": []})"));
 }
 
+TEST(JsonReportTest, NamesTheServerBehindTheCommand) {
+  std::ostringstream out;
+  TJsonReport(out, "https://node7").ShowList({});
+  EXPECT_EQ(json::parse(out.str()), json::parse(R"({
+    "format": 1, "command": "list", "server": "https://node7", "tests": [], "unoffered": [],
+    "problems": []})"));
+}
+
 TEST(JsonReportTest, WritesOneDocumentAtTheEndOfARunOnly) {
   std::ostringstream out;
   TJsonReport report(out);
