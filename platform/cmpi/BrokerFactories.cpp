@@ -16,6 +16,7 @@
 #include "platform/cmpi/THostLease.h"
 #include "platform/cmpi/Values.h"
 #include "platform/contract/TRootObject.h"
+#include "platform/model/DateTimeText.h"
 
 namespace NZEPQEL20::cmpi {
 
@@ -79,7 +80,7 @@ CMPIDateTime* NewDateTime(const CMPIBroker* mb, CMPIStatus* rc) noexcept {
 CMPIDateTime* NewDateTimeFromChars(const CMPIBroker*, const char* text, CMPIStatus* rc) noexcept {
   return Answer(rc, [&]() -> CMPIDateTime* {
     const std::string given = TextOrEmpty(text);
-    if (!TBrokerDateTime::IsValid(given)) {
+    if (!IsDateTimeText(given)) {
       throw TBrokerFault(CMPI_RC_ERR_INVALID_PARAMETER, "not a CIM datetime: " + given);
     }
     return Make<TBrokerDateTime>(given);

@@ -2,7 +2,7 @@
 // The chapter of TCMPIOperations about methods.
 #include "platform/cmpi/TBrokerArgs.h"
 #include "platform/cmpi/TOperationsParts.h"
-#include "platform/cmpi/Typing.h"
+#include "platform/model/Typing.h"
 
 namespace NZEPQEL20 {
 

@@ -6,12 +6,12 @@
 #include <ctime>
 
 #include "platform/cmpi/TBrokerString.h"
+#include "platform/model/DateTimeText.h"
 
 namespace NZEPQEL20::cmpi {
 
 namespace {
 
-constexpr std::size_t kLength = 25;
 constexpr std::int64_t kMicro = 1000000;
 
 CMPIUint64 GetBinaryFormat(const CMPIDateTime* self, CMPIStatus* rc) noexcept {
@@ -26,10 +26,6 @@ CMPIBoolean IsIntervalFT(const CMPIDateTime* self, CMPIStatus* rc) noexcept {
   return Answer(rc, [&] {
     return static_cast<CMPIBoolean>(TBrokerDateTime::From(self).IsInterval() ? 1 : 0);
   });
-}
-
-bool IsDigitOrStar(char c) {
-  return (c >= '0' && c <= '9') || c == '*';
 }
 
 /// The number in `count` digits at `at`.
@@ -58,16 +54,6 @@ std::int64_t SecondsOfPoint(const std::string& text) {
 
 }  // namespace
 
-bool TBrokerDateTime::IsValid(const std::string& text) {
-  if (text.size() != kLength || text[14] != '.') return false;
-  const bool isInterval = text[21] == ':';
-  if (!isInterval && text[21] != '+' && text[21] != '-') return false;
-  for (std::size_t i = 0; i < kLength; ++i) {
-    if (i != 14 && i != 21 && !IsDigitOrStar(text[i])) return false;
-  }
-  return !isInterval || text.compare(22, 3, "000") == 0;
-}
-
 std::string TBrokerDateTime::Format(std::uint64_t microseconds, bool isInterval) {
   const auto fraction = static_cast<unsigned int>(microseconds % kMicro);
   const std::uint64_t seconds = microseconds / kMicro;
@@ -94,7 +80,7 @@ std::string TBrokerDateTime::Format(std::uint64_t microseconds, bool isInterval)
 }
 
 std::uint64_t TBrokerDateTime::GetMicroseconds() const {
-  if (!IsValid(m_text)) {
+  if (!IsDateTimeText(m_text)) {
     throw TBrokerFault(CMPI_RC_ERR_INVALID_PARAMETER, "not a CIM datetime: " + m_text);
   }
   const std::int64_t seconds =

@@ -15,8 +15,6 @@ class TBrokerDateTime : public TBrokerObjectOf<TBrokerDateTime, CMPIDateTime> {
 
   explicit TBrokerDateTime(std::string text) : m_text(std::move(text)) {}
 
-  /// Whether `text` has the CIM form; `*` stands for unknown digits.
-  static bool IsValid(const std::string& text);
   /// A point in time is written in UTC.
   /// Errors: TBrokerFault for a time after the year 9999, or an interval that is too long.
   static std::string Format(std::uint64_t microseconds, bool isInterval);

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "platform/cmpi/Typing.h"
+#include "platform/model/Typing.h"
 
 namespace NZEPQEL20 {
 

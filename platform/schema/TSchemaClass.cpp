@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/contract/TCIMInstanceData.h"
+#include "platform/schema/DeclarationQualifiers.h"
 #include "platform/schema/TMofQualifierTable.h"
 
 namespace NZEPQEL20 {
@@ -109,37 +110,6 @@ void MergeFeatures(std::vector<TFeature>& features, const std::vector<TFeature>&
   }
 }
 
-std::vector<std::string> GetTexts(const TSchemaQualifiers& qualifiers, const char* name) {
-  std::vector<std::string> texts;
-  const TSchemaQualifier* qualifier = FindQualifier(qualifiers, name);
-  if (qualifier != nullptr && qualifier->value.IsArray()) {
-    for (const TCIMValue& text : static_cast<std::vector<TCIMValue>>(qualifier->value)) {
-      texts.push_back(text.ToString(10));
-    }
-  }
-  return texts;
-}
-
-void SetValues(const TSchemaElement& element, TCIMElementDeclaration& declaration) {
-  declaration.values = GetTexts(element.qualifiers, "Values");
-  declaration.valueMap = GetTexts(element.qualifiers, "ValueMap");
-  // Without a map the words count from 0.
-  if (FindQualifier(element.qualifiers, "ValueMap") == nullptr) {
-    for (std::size_t i = 0; i < declaration.values.size(); ++i) {
-      declaration.valueMap.push_back(std::to_string(i));
-    }
-  }
-  const std::size_t count = std::min(declaration.values.size(), declaration.valueMap.size());
-  declaration.values.resize(count);
-  declaration.valueMap.resize(count);
-}
-
-bool IsEmbedded(const TSchemaElement& element) {
-  const TSchemaQualifier* instance = FindQualifier(element.qualifiers, "EmbeddedInstance");
-  return element.type == ECIMType::kString && ((instance != nullptr && !instance->value.IsNull()) ||
-                                               HasQualifier(element.qualifiers, "EmbeddedObject"));
-}
-
 std::vector<TCIMQualifier> TakeQualifiers(TSchemaQualifiers&& qualifiers) {
   std::vector<TCIMQualifier> result;
   result.reserve(qualifiers.size());
@@ -150,8 +120,7 @@ std::vector<TCIMQualifier> TakeQualifiers(TSchemaQualifiers&& qualifiers) {
 }
 
 void TakeElement(TSchemaElement&& element, TCIMElementDeclaration& declaration) {
-  SetValues(element, declaration);
-  declaration.type = IsEmbedded(element) ? ECIMType::kInstance : element.type;
+  declaration.type = element.type;
   declaration.isArray = element.isArray;
   declaration.name = std::move(element.name);
   declaration.referenceClass = std::move(element.referenceClass);
@@ -160,11 +129,11 @@ void TakeElement(TSchemaElement&& element, TCIMElementDeclaration& declaration) 
 
 TCIMPropertyDeclaration TakeProperty(TSchemaProperty&& property) {
   TCIMPropertyDeclaration declaration;
-  declaration.isKey = HasQualifier(property.qualifiers, "Key");
   declaration.classOrigin = std::move(property.classOrigin);
   const bool hasDefault = property.hasDefault;
   TCIMValue value = std::move(property.defaultValue);
   TakeElement(std::move(property), declaration);
+  ApplyPropertyQualifiers(declaration);
   declaration.defaultValue =
       hasDefault ? std::move(value) : TCIMValue::Null(declaration.type, declaration.isArray);
   return declaration;
@@ -175,14 +144,12 @@ TCIMMethodDeclaration TakeMethod(TSchemaMethod&& method) {
   declaration.classOrigin = std::move(method.classOrigin);
   for (TSchemaElement& element : method.parameters) {
     TCIMParameterDeclaration parameter;
-    // A parameter goes in unless it says otherwise, also when it comes out.
-    parameter.isIn = FindQualifier(element.qualifiers, "In") == nullptr ||
-                     HasQualifier(element.qualifiers, "In");
-    parameter.isOut = HasQualifier(element.qualifiers, "Out");
     TakeElement(std::move(element), parameter);
+    ApplyParameterQualifiers(parameter);
     declaration.parameters.push_back(std::move(parameter));
   }
   TakeElement(std::move(method), declaration);
+  ApplyElementQualifiers(declaration);
   return declaration;
 }
 
@@ -221,9 +188,8 @@ TCIMClassDeclaration MakeDeclaration(TSchemaClass&& declaration) {
   TCIMClassDeclaration result;
   result.name = std::move(declaration.name);
   result.superclass = std::move(declaration.superclass);
-  result.isAssociation = HasQualifier(declaration.qualifiers, "Association");
-  result.isAbstract = HasQualifier(declaration.qualifiers, "Abstract");
   result.qualifiers = TakeQualifiers(std::move(declaration.qualifiers));
+  ApplyClassQualifiers(result);
   result.properties.reserve(declaration.properties.size());
   for (TSchemaProperty& property : declaration.properties) {
     result.properties.push_back(TakeProperty(std::move(property)));

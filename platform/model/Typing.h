@@ -6,7 +6,7 @@
 #include "platform/contract/TCIMClassDeclaration.h"
 #include "platform/contract/TCIMReference.h"
 
-namespace NZEPQEL20::cmpi {
+namespace NZEPQEL20 {
 
 /// `value` as a value of `declared`, so that a provider meets the type it was written for: texts
 /// become numbers, paths or times, numbers change their width.
@@ -18,4 +18,4 @@ TCIMValue ConvertTo(const TCIMElementDeclaration& declared, const TCIMValue& val
 /// be converted stays as it is: the provider will not find it.
 TCIMReference ConvertKeys(const TCIMReference& path, const TCIMClassDeclaration* declaration);
 
-}  // namespace NZEPQEL20::cmpi
+}  // namespace NZEPQEL20

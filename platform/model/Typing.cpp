@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/cmpi/Typing.h"
+#include "platform/model/Typing.h"
 
-#include "platform/cmpi/TBrokerDateTime.h"
 #include "platform/contract/TQELException.h"
+#include "platform/model/DateTimeText.h"
 
-namespace NZEPQEL20::cmpi {
+namespace NZEPQEL20 {
 
 namespace {
 
 TCIMValue ConvertDateTime(const TCIMValue& value) {
   const auto text = static_cast<std::string>(value);
-  if (!TBrokerDateTime::IsValid(text)) {
+  if (!IsDateTimeText(text)) {
     throw TQELException(TQELStatusCode::kTypeMismatch, "not a CIM datetime: " + text);
   }
   return TCIMValue::DateTime(text);
@@ -97,4 +97,4 @@ TCIMReference ConvertKeys(const TCIMReference& path, const TCIMClassDeclaration*
   return converted;
 }
 
-}  // namespace NZEPQEL20::cmpi
+}  // namespace NZEPQEL20
