@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/cimxml/TServerOptions.h"
+#include "platform/model/ICIMOperations.h"
+
+namespace NZEPQEL20 {
+
+/// The operations of a CIM server, over HTTP in XML (DSP0200, DSP0201).
+///
+/// Class declarations are fetched once. Enumerations use the pull operations where the server has
+/// them. What does no harm is asked once more after a lost connection, a method call never.
+/// Threads: safe from several.
+class TCIMXMLOperations final : public ICIMOperations {
+ public:
+  /// Opens no connection yet.
+  /// Errors: TQELException (kInvalidArgument) naming what of `options` is unusable.
+  TCIMXMLOperations(const TServerOptions& options, std::string defaultNamespace);
+  ~TCIMXMLOperations() override;
+
+  std::shared_ptr<const TCIMClassDeclaration> GetClass(const std::string& nameSpace,
+                                                       const std::string& className) override;
+  std::vector<std::string> EnumerateClassNames(const std::string& nameSpace,
+                                               const std::string& className, bool deep) override;
+  /// Instances reach `sink` reply by reply; one that is lost half-way is an error.
+  void EnumerateInstances(const std::string& nameSpace, const std::string& className,
+                          const TInstanceSink& sink) override;
+  std::vector<TCIMReference> EnumerateInstanceNames(const std::string& nameSpace,
+                                                    const std::string& className) override;
+  TCIMInstanceData GetInstance(const TCIMReference& path) override;
+  TCIMReference CreateInstance(const std::string& nameSpace,
+                               const TCIMInstanceData& instance) override;
+  void ModifyInstance(const TCIMInstanceData& instance) override;
+  void DeleteInstance(const TCIMReference& path) override;
+  void Associators(const TCIMReference& path, const TAssociationFilter& filter,
+                   const TInstanceSink& sink) override;
+  std::vector<TCIMReference> AssociatorNames(const TCIMReference& path,
+                                             const TAssociationFilter& filter) override;
+  void References(const TCIMReference& path, const TAssociationFilter& filter,
+                  const TInstanceSink& sink) override;
+  std::vector<TCIMReference> ReferenceNames(const TCIMReference& path,
+                                            const TAssociationFilter& filter) override;
+  TCIMValue InvokeMethod(const TCIMReference& path, const std::string& method,
+                         TKeyMap& parameters) override;
+  /// What the server says of itself in its interop namespace; the default namespace alone when it
+  /// says nothing.
+  std::vector<std::string> GetNamespaces() override;
+  /// The server as one provider of all classes of the default namespace.
+  std::vector<TProviderInfo> GetProviders() override;
+
+  /// The server as messages name it.
+  const std::string& GetServerName() const;
+
+ private:
+  struct TParts;
+  std::unique_ptr<TParts> m_parts;
+};
+
+}  // namespace NZEPQEL20

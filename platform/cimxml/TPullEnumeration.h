@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "platform/cimxml/TServerConnection.h"
+
+namespace NZEPQEL20::cimxml {
+
+/// An enumeration of instances by the pull operations (DSP0200): the server keeps its state, and is
+/// told when it is left before its end.
+/// Threads: one.
+class TPullEnumeration {
+ public:
+  /// `connection` must outlive the enumeration.
+  TPullEnumeration(TServerConnection& connection, std::string nameSpace, std::string className);
+  ~TPullEnumeration();
+  TPullEnumeration(const TPullEnumeration&) = delete;
+  TPullEnumeration& operator=(const TPullEnumeration&) = delete;
+
+  /// The first instances.
+  /// Errors: as TServerConnection::AskFor(); SaysNoPull() tells which mean that the server has no
+  /// such operation.
+  TReply Open();
+
+  /// Whether more may follow.
+  bool IsOpen() const { return !m_context.empty(); }
+
+  /// The next instances, perhaps none. Never asked a second time: the server may have moved on.
+  TReply Pull();
+
+  /// Whether the failure of Open() may mean that there are no pull operations.
+  static bool SaysNoPull(const TQELException& refusal);
+
+ private:
+  TReply Ask(const char* operation, bool isRepeatable, const TServerConnection::TWrite& write);
+  void Follow(const TReply& reply);
+  [[noreturn]] void Refuse(const char* reason) const;
+
+  TServerConnection& m_connection;
+  const std::string m_nameSpace;
+  const std::string m_className;
+  const std::string m_what;
+  TBudget m_budget;
+  std::string m_context;
+  unsigned int m_emptyReplies = 0;
+};
+
+}  // namespace NZEPQEL20::cimxml

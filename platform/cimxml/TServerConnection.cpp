@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/cimxml/TServerConnection.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/cimxml/TReplyReader.h"
+#include "platform/contract/ILogger.h"
+#include "platform/contract/TRootObject.h"
+#include "platform/model/CIMStatus.h"
+
+namespace NZEPQEL20::cimxml {
+namespace {
+
+using TClock = std::chrono::steady_clock;
+
+// All replies of one operation together may be so many times as large as one of them.
+constexpr std::uint64_t kRepliesOfOneOperation = 16;
+
+void Log(ILogger::EQELLogSeverity severity, const std::string& text) {
+  ILogger* const logger = TRootObject::GetCoreLogger();
+  if (logger != nullptr) logger->Log(severity, text);
+}
+
+TServerOptions WithoutSecrets(TServerOptions options) {
+  options.user.clear();
+  options.password.clear();
+  return options;
+}
+
+// Reads a reply and counts its bytes.
+class TCountedReply final : public IReplyBody {
+ public:
+  TCountedReply(const std::string& nameSpace, std::uint64_t& bytesLeft)
+      : m_reader(nameSpace), m_bytesLeft(bytesLeft) {}
+
+  void Take(const char* data, std::size_t size) override {
+    if (size > m_bytesLeft) {
+      throw TQELException(TQELStatusCode::kFailed, "the replies to one operation have no end");
+    }
+    m_bytesLeft -= size;
+    m_reader.Take(data, size);
+  }
+  TReply Finish() { return m_reader.Finish(); }
+
+ private:
+  TReplyReader m_reader;
+  std::uint64_t& m_bytesLeft;
+};
+
+// Some servers begin the description with the name of the status, which is in the text already.
+std::string StripName(const std::string& description, const std::string& name) {
+  if (description.compare(0, name.size(), name) != 0) return description;
+  const std::size_t begin = description.find_first_not_of(": ", name.size());
+  return begin == std::string::npos ? std::string() : description.substr(begin);
+}
+
+// A server's text as one line.
+std::string Flatten(std::string text) {
+  for (char& character : text) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < 0x20 || byte == 0x7F) character = ' ';
+  }
+  return text;
+}
+
+}  // namespace
+
+TServerConnection::TServerConnection(const TServerOptions& options)
+    : m_options(WithoutSecrets(options)), m_session(options) {}
+
+TBudget TServerConnection::StartOperation() const {
+  return {TClock::now() + m_options.totalTimeout, m_options.requestTimeout,
+          m_options.maxReplyBytes * kRepliesOfOneOperation};
+}
+
+TBudget TServerConnection::StartMethodCall() const {
+  return {TClock::now() + m_options.methodTimeout, m_options.methodTimeout,
+          m_options.maxReplyBytes};
+}
+
+void TServerConnection::Refuse(const TReplyError& error) const {
+  const std::string name = GetCIMStatusName(error.code);
+  const std::string reason = StripName(Flatten(error.description), name);
+  throw TQELException(TQELStatusCode::kCIMError,
+                      GetName() + ": " + name + " (" + std::to_string(error.code) + ")" +
+                          (reason.empty() ? "" : ": " + reason),
+                      error.code);
+}
+
+void TServerConnection::Check(const TQuestion& question, const TReply& reply) const {
+  if (reply.id != std::to_string(question.id) || !IsSameName(reply.name, question.name)) {
+    throw TQELException(TQELStatusCode::kFailed, GetName() +
+                                                     ": the reply is to another message: id " +
+                                                     Flatten(reply.id.substr(0, 40)) + ", " +
+                                                     Flatten(reply.name.substr(0, 80)));
+  }
+  if (reply.error) Refuse(*reply.error);
+}
+
+void TServerConnection::ReportOddities(const TQuestion& question, const TReply& reply) const {
+  if (reply.oddities == 0) return;
+  Log(ILogger::kWarning, question.what + ": " + GetName() + ": " + std::to_string(reply.oddities) +
+                             " places of the reply could not be used as they are, the first: " +
+                             Flatten(reply.firstOddity));
+}
+
+TReply TServerConnection::AskOnce(const TQuestion& question, TBudget& budget) {
+  const auto left =
+      std::chrono::duration_cast<std::chrono::milliseconds>(budget.end - TClock::now());
+  if (left.count() <= 0) {
+    throw TQELException(TQELStatusCode::kConnection,
+                        GetName() + ": the operation took longer than it may in all");
+  }
+  THttpRequest request;
+  request.method = question.name;
+  request.object = question.object;
+  request.body = question.body;
+  request.isMethodCall = question.isMethodCall;
+  request.timeout = std::min(left, budget.requestTimeout);
+  TCountedReply body(question.nameSpace, budget.bytesLeft);
+  const THttpTrailers trailers = m_session.Exchange(request, body);
+  // Before the document, which ends early when something went wrong after its beginning.
+  if (trailers.cimStatus != 0) Refuse({trailers.cimStatus, trailers.description});
+  TReply reply = body.Finish();
+  Check(question, reply);
+  ReportOddities(question, reply);
+  return reply;
+}
+
+TReply TServerConnection::Ask(const TQuestion& question, TBudget& budget) {
+  const std::string& what = question.what;
+  try {
+    if (!question.isRepeatable || question.isMethodCall) return AskOnce(question, budget);
+    try {
+      return AskOnce(question, budget);
+    } catch (const TConnectionLost& e) {
+      Log(ILogger::kWarning, what + ": " + e.what() + "; asking once more");
+    }
+    return AskOnce(question, budget);
+  } catch (const THttpError& e) {
+    throw THttpError(e.GetStatusCode(), what + ": " + e.what(), e.GetHttpStatus());
+  } catch (const TQELException& e) {
+    throw TQELException(e.GetStatusCode(), what + ": " + e.what(), e.GetCIMStatus());
+  }
+}
+
+TReply TServerConnection::AskFor(const std::string& operation, const std::string& nameSpace,
+                                 const std::string& what, const TWrite& write, bool isRepeatable,
+                                 TBudget& budget) {
+  TQuestion question;
+  question.what = what;
+  question.name = operation;
+  question.nameSpace = nameSpace;
+  question.object = nameSpace;
+  question.isRepeatable = isRepeatable;
+  question.id = NextId();
+  try {
+    TRequestText text = TRequestText::Operation(operation, nameSpace, question.id);
+    write(text);
+    question.body = text.Finish();
+  } catch (const TQELException& e) {
+    throw TQELException(e.GetStatusCode(), what + ": " + e.what());
+  }
+  return Ask(question, budget);
+}
+
+TReply TServerConnection::AskFor(const std::string& operation, const std::string& nameSpace,
+                                 const std::string& what, const TWrite& write) {
+  TBudget budget = StartOperation();
+  return AskFor(operation, nameSpace, what, write, true, budget);
+}
+
+}  // namespace NZEPQEL20::cimxml

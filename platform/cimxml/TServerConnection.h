@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "platform/cimxml/THttpSession.h"
+#include "platform/cimxml/TReply.h"
+#include "platform/cimxml/TRequestText.h"
+
+namespace NZEPQEL20::cimxml {
+
+/// The bounds of one operation, over all the requests that it takes.
+struct TBudget {
+  std::chrono::steady_clock::time_point end;   ///< No request goes on after this.
+  std::chrono::milliseconds requestTimeout{};  ///< Of each.
+  std::uint64_t bytesLeft = 0;                 ///< Of replies.
+};
+
+/// A request, and what a message says about it.
+struct TQuestion {
+  std::string what;       ///< Operation and object, for error texts.
+  std::string name;       ///< Of the operation or method, as the reply repeats it.
+  std::string object;     ///< For the header: namespace, or path of a method call.
+  std::string nameSpace;  ///< That paths of the reply lie in when they name none.
+  bool isMethodCall = false;
+  /// Whether asking twice does no harm and gives the same answer.
+  bool isRepeatable = true;
+  std::uint64_t id = 0;  ///< Of the message.
+  std::string body;
+};
+
+/// Asks a CIM server and reads its replies.
+/// Threads: safe from several.
+class TServerConnection {
+ public:
+  /// Errors: TQELException for options that are unusable.
+  explicit TServerConnection(const TServerOptions& options);
+
+  /// The bounds of an operation that begins now.
+  TBudget StartOperation() const;
+  TBudget StartMethodCall() const;
+
+  std::uint64_t NextId() { return ++m_lastId; }
+  const std::string& GetName() const { return m_session.GetName(); }
+
+  /// Asks, once more after a lost connection where that does no harm.
+  /// Errors: TQELException naming `question.what`, the server and its reason; with the CIM status
+  /// when the server refused the operation, a THttpError when it did not look at it.
+  TReply Ask(const TQuestion& question, TBudget& budget);
+
+  /// Adds the parameters of an operation.
+  using TWrite = std::function<void(TRequestText&)>;
+
+  /// Asks for an operation of the server on `nameSpace`, with the parameters that `write` adds.
+  /// Errors: as above, and for parameters that cannot be written.
+  TReply AskFor(const std::string& operation, const std::string& nameSpace, const std::string& what,
+                const TWrite& write);
+  /// The same as part of something larger.
+  TReply AskFor(const std::string& operation, const std::string& nameSpace, const std::string& what,
+                const TWrite& write, bool isRepeatable, TBudget& budget);
+
+ private:
+  TReply AskOnce(const TQuestion& question, TBudget& budget);
+  void Check(const TQuestion& question, const TReply& reply) const;
+  [[noreturn]] void Refuse(const TReplyError& error) const;
+  void ReportOddities(const TQuestion& question, const TReply& reply) const;
+
+  const TServerOptions m_options;  ///< Without the credentials.
+  THttpSession m_session;
+  std::atomic<std::uint64_t> m_lastId{1000};
+};
+
+}  // namespace NZEPQEL20::cimxml
