@@ -111,6 +111,14 @@ TKeyMap ConvertResults(TReply& reply, const TCIMMethodDeclaration* declared,
 
 }  // namespace
 
+void TCIMXMLOperations::TParts::NoteJob(const TKeyMap& results) {
+  const TCIMValue* const job = FindArgument(results, "Job");
+  if (job == nullptr || job->IsArray() || job->IsNull()) return;
+  if (job->GetType() != ECIMType::kReference) return;
+  const std::lock_guard<std::mutex> lock(mutex);
+  startedJobs.push_back(static_cast<TCIMReference>(*job));
+}
+
 TCIMValue TCIMXMLOperations::InvokeMethod(const TCIMReference& path, const std::string& method,
                                           TKeyMap& parameters) {
   TCIMReference target = path;
@@ -130,6 +138,7 @@ TCIMValue TCIMXMLOperations::InvokeMethod(const TCIMReference& path, const std::
     result =
         Convert(*declared, std::move(result), question.nameSpace, question.what + ": its result");
   }
+  m_parts->NoteJob(results);
   parameters.swap(results);
   return result;
 }

@@ -25,6 +25,19 @@ std::string Fold(std::string text) {
   return text;
 }
 
+// Servers differ in what they call a class that they do not know.
+TReply AskForClass(cimxml::TServerConnection& connection, const std::string& nameSpace,
+                   const std::string& what, const cimxml::TServerConnection::TWrite& write) {
+  constexpr unsigned int kInvalidClass = 5;
+  constexpr unsigned int kNotFound = 6;
+  try {
+    return connection.AskFor("GetClass", nameSpace, what, write);
+  } catch (const TQELException& e) {
+    if (e.GetCIMStatus() != kInvalidClass && e.GetCIMStatus() != kNotFound) throw;
+    throw TQELException(TQELStatusCode::kNotFound, e.what(), e.GetCIMStatus());
+  }
+}
+
 std::vector<std::string> GetNames(const std::vector<TCIMReference>& paths) {
   std::vector<std::string> names;
   for (const TCIMReference& path : paths) {
@@ -45,6 +58,15 @@ const std::string& TCIMXMLOperations::GetServerName() const {
   return m_parts->connection.GetName();
 }
 
+std::vector<TCIMReference> TCIMXMLOperations::GetStartedJobs() const {
+  const std::lock_guard<std::mutex> lock(m_parts->mutex);
+  return m_parts->startedJobs;
+}
+
+std::vector<std::string> TCIMXMLOperations::GetProblems() const {
+  return m_parts->connection.GetProblems();
+}
+
 std::shared_ptr<const TCIMClassDeclaration> TCIMXMLOperations::GetClass(
     const std::string& nameSpace, const std::string& className) {
   const std::string key = Fold(nameSpace + ':' + className);
@@ -60,7 +82,7 @@ std::shared_ptr<const TCIMClassDeclaration> TCIMXMLOperations::GetClass(
     request.AddFlag("IncludeQualifiers", true);
     request.AddFlag("IncludeClassOrigin", true);
   };
-  TReply reply = m_parts->connection.AskFor("GetClass", nameSpace, what, write);
+  TReply reply = AskForClass(m_parts->connection, nameSpace, what, write);
   if (!reply.declaration || !IsSameName(reply.declaration->name, className)) {
     throw TQELException(TQELStatusCode::kFailed,
                         what + ": " + GetServerName() + ": the reply holds no such class");

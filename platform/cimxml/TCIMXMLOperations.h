@@ -55,6 +55,13 @@ class TCIMXMLOperations final : public ICIMOperations {
   /// The server as messages name it.
   const std::string& GetServerName() const;
 
+  /// Jobs that method calls through this object have started: what they gave back as "Job".
+  std::vector<TCIMReference> GetStartedJobs() const;
+
+  /// What has kept the server from answering so far, one line each and each once. What it answers,
+  /// refusals included, is no problem.
+  std::vector<std::string> GetProblems() const;
+
  private:
   struct TParts;
   std::unique_ptr<TParts> m_parts;

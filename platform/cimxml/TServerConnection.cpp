@@ -17,6 +17,9 @@ using TClock = std::chrono::steady_clock;
 // All replies of one operation together may be so many times as large as one of them.
 constexpr std::uint64_t kRepliesOfOneOperation = 16;
 
+// A server that fails in ever new words is not listed for ever.
+constexpr std::size_t kMaxProblems = 20;
+
 void Log(ILogger::EQELLogSeverity severity, const std::string& text) {
   ILogger* const logger = TRootObject::GetCoreLogger();
   if (logger != nullptr) logger->Log(severity, text);
@@ -128,6 +131,19 @@ TReply TServerConnection::AskOnce(const TQuestion& question, TBudget& budget) {
   return reply;
 }
 
+std::vector<std::string> TServerConnection::GetProblems() const {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  return m_problems;
+}
+
+void TServerConnection::NoteProblem(const TQELException& failure) {
+  if (failure.GetCIMStatus() != TQELException::kNoCIMStatus) return;
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  const bool isKnown =
+      std::find(m_problems.begin(), m_problems.end(), failure.what()) != m_problems.end();
+  if (!isKnown && m_problems.size() < kMaxProblems) m_problems.emplace_back(failure.what());
+}
+
 TReply TServerConnection::Ask(const TQuestion& question, TBudget& budget) {
   const std::string& what = question.what;
   try {
@@ -139,8 +155,10 @@ TReply TServerConnection::Ask(const TQuestion& question, TBudget& budget) {
     }
     return AskOnce(question, budget);
   } catch (const THttpError& e) {
+    NoteProblem(e);
     throw THttpError(e.GetStatusCode(), what + ": " + e.what(), e.GetHttpStatus());
   } catch (const TQELException& e) {
+    NoteProblem(e);
     throw TQELException(e.GetStatusCode(), what + ": " + e.what(), e.GetCIMStatus());
   }
 }

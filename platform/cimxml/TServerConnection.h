@@ -5,7 +5,9 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <string>
+#include <vector>
 
 #include "platform/cimxml/THttpSession.h"
 #include "platform/cimxml/TReply.h"
@@ -47,6 +49,9 @@ class TServerConnection {
   std::uint64_t NextId() { return ++m_lastId; }
   const std::string& GetName() const { return m_session.GetName(); }
 
+  /// What has kept the server from answering so far, one line each and each once.
+  std::vector<std::string> GetProblems() const;
+
   /// Asks, once more after a lost connection where that does no harm.
   /// Errors: TQELException naming `question.what`, the server and its reason; with the CIM status
   /// when the server refused the operation, a THttpError when it did not look at it.
@@ -67,11 +72,14 @@ class TServerConnection {
   TReply AskOnce(const TQuestion& question, TBudget& budget);
   void Check(const TQuestion& question, const TReply& reply) const;
   [[noreturn]] void Refuse(const TReplyError& error) const;
+  void NoteProblem(const TQELException& failure);
   void ReportOddities(const TQuestion& question, const TReply& reply) const;
 
   const TServerOptions m_options;  ///< Without the credentials.
   THttpSession m_session;
   std::atomic<std::uint64_t> m_lastId{1000};
+  mutable std::mutex m_mutex;
+  std::vector<std::string> m_problems;
 };
 
 }  // namespace NZEPQEL20::cimxml

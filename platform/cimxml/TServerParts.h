@@ -22,6 +22,9 @@ struct TCIMXMLOperations::TParts {
     return nameSpace.empty() ? defaultNamespace : nameSpace;
   }
 
+  /// Keeps the job that a method call has started, when it has.
+  void NoteJob(const TKeyMap& results);
+
   const std::string defaultNamespace;
   cimxml::TServerConnection connection;
   std::atomic<bool> hasPull{true};  ///< Until the server has shown that it has no pull operations.
@@ -29,6 +32,7 @@ struct TCIMXMLOperations::TParts {
   std::mutex mutex;  ///< Guards what follows; never held while asking.
   std::map<std::string, std::shared_ptr<const TCIMClassDeclaration>> classes;
   std::vector<std::string> namespaces;
+  std::vector<TCIMReference> startedJobs;
 };
 
 namespace cimxml {

@@ -34,7 +34,8 @@ class ICIMOperations {
 
   virtual ~ICIMOperations() = default;
 
-  /// The declaration with everything inherited; unknown classes throw (CIM status 5).
+  /// The declaration with everything inherited. One that is unknown throws with kNotFound and the
+  /// CIM status that said so, usually 5; some servers say 6.
   virtual std::shared_ptr<const TCIMClassDeclaration> GetClass(const std::string& nameSpace,
                                                                const std::string& className) = 0;
   /// Names of the subclasses of `className`, of the top classes when it is empty; `deep` adds

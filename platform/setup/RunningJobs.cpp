@@ -57,7 +57,29 @@ bool Kill(ICIMOperations& operations, const TCIMReference& job) {
   }
 }
 
+// A job that cannot be fetched has gone, or cannot be reached to be killed either.
+bool IsRunning(ICIMOperations& operations, const TCIMReference& job) {
+  try {
+    return !HasEnded(operations.GetInstance(job));
+  } catch (const std::exception& e) {
+    Note(std::string("looking at a job: ") + e.what());
+    return false;
+  }
+}
+
 }  // namespace
+
+unsigned int KillJobs(ICIMOperations& operations, const std::vector<TCIMReference>& jobs) noexcept {
+  unsigned int asked = 0;
+  try {
+    for (const TCIMReference& job : jobs) {
+      if (IsRunning(operations, job) && Kill(operations, job)) ++asked;
+    }
+  } catch (...) {
+    // Out of memory: nothing more can be asked, and nothing can be said about it either.
+  }
+  return asked;
+}
 
 unsigned int KillJobs(ICIMOperations& operations) noexcept {
   unsigned int asked = 0;

@@ -4,8 +4,10 @@
 #include <boost/make_shared.hpp>
 #include <utility>
 
+#include "platform/cimxml/TCIMXMLOperations.h"
 #include "platform/contract/CMPINSPInstanceRegistry.h"
 #include "platform/contract/TOSSpecific.h"
+#include "platform/contract/TQELException.h"
 #include "platform/model/TModelContext.h"
 #include "platform/model/TModelNamespace.h"
 #include "platform/model/TRepositoryNamespace.h"
@@ -18,11 +20,19 @@ namespace NZEPQEL20 {
 namespace {
 
 constexpr char kContextId[] = "cmpi";
+constexpr char kPegasusId[] = "pegasus";
 constexpr char kUnofferedClass[] = "DRH_UnofferedTest";
+constexpr char kDiscoveredClass[] = "CIM_AvailableDiagnosticService";
 
 std::string GetText(const TCIMInstanceData& instance, const char* name) {
   const TCIMPropertyData* property = instance.Find(name);
   return property != nullptr ? property->value.ToString(10) : std::string();
+}
+
+// DSP0200: invalid namespace, invalid class, not found, not supported.
+bool SaysNobodyServes(const TQELException& reason) {
+  const unsigned int status = reason.GetCIMStatus();
+  return status == 3 || (status >= 5 && status <= 7);
 }
 
 // The process-wide settings that a platform makes, taken back with it.
@@ -53,11 +63,21 @@ class TProcessSettings {
 struct TPlatform::TParts {
   explicit TParts(const TPlatformOptions& options)
       : settings(options), nameSpaceName(options.nameSpace) {
-    setup::TProviderSetup providers = setup::OpenProviders(settings.GetRoot(), options.nameSpace);
-    setupProblems = std::move(providers.problems);
-    classes = std::move(providers.classes);
-    operations = std::move(providers.operations);
-    Route();
+    if (options.server) {
+      server = std::make_shared<TCIMXMLOperations>(*options.server, nameSpaceName);
+      CheckServer();
+    } else {
+      setup::TProviderSetup opened = setup::OpenProviders(settings.GetRoot(), nameSpaceName);
+      setupProblems = std::move(opened.problems);
+      providers = std::move(opened.operations);
+    }
+    if (options.pegasus) {
+      pegasus = std::make_shared<TCIMXMLOperations>(*options.pegasus, nameSpaceName);
+    } else {
+      pegasus = server;
+    }
+    AddContext(kContextId, GetOperations());
+    if (pegasus) AddContext(kPegasusId, pegasus);
   }
 
   ~TParts() {
@@ -67,19 +87,40 @@ struct TPlatform::TParts {
   TParts(const TParts&) = delete;
   TParts& operator=(const TParts&) = delete;
 
-  void Route() {
-    auto context = std::make_shared<TModelContext>(kContextId, operations);
+  std::shared_ptr<ICIMOperations> GetOperations() const {
+    if (server) return server;
+    return providers;
+  }
+
+  // Discovery asks for this class first, so the answer is not asked for twice. A server that cannot
+  // be used at all is worth more than an empty list of tests.
+  void CheckServer() {
+    try {
+      server->GetClass(nameSpaceName, kDiscoveredClass);
+    } catch (const TQELException& e) {
+      if (e.GetCIMStatus() == TQELException::kNoCIMStatus) throw;
+      setupProblems.push_back(std::string(e.what()) +
+                              "; there are no tests in this namespace, --namespace names another");
+    }
+  }
+
+  void AddContext(const char* id, const std::shared_ptr<ICIMOperations>& operations) {
+    auto context = std::make_shared<TModelContext>(id, operations);
     context->SetRouter(router);
     auto connection = boost::make_shared<TModelNamespace>(context, nameSpaceName);
-    router->AddContext(kContextId, [connection](const TKeyMap& /*keys*/) { return connection; });
+    router->AddContext(id, [connection](const TKeyMap& keys) {
+      const auto name = keys.find("nsp");
+      return name == keys.end() ? connection : connection->GetSibling(name->second.ToString(10));
+    });
   }
 
   TProcessSettings settings;
   std::string nameSpaceName;
   std::vector<std::string> setupProblems;
-  std::vector<std::string> problems;  // Those of set-up and of the providers together.
-  std::shared_ptr<const TClassRepository> classes;
-  std::shared_ptr<TCMPIOperations> operations;
+  std::vector<std::string> problems;           // Those of set-up and of the providers together.
+  std::shared_ptr<TCMPIOperations> providers;  // Either these ...
+  std::shared_ptr<TCIMXMLOperations> server;   // ... or this one.
+  std::shared_ptr<TCIMXMLOperations> pegasus;
   boost::shared_ptr<TRoutingNamespace> router = boost::make_shared<TRoutingNamespace>();
   boost::shared_ptr<TRepositoryNamespace> repository = boost::make_shared<TRepositoryNamespace>();
 };
@@ -103,26 +144,45 @@ std::vector<boost::shared_ptr<ICIMInstance>> TPlatform::TakeRecords() {
 
 const std::vector<std::string>& TPlatform::GetProblems() const {
   m_parts->problems = m_parts->setupProblems;
-  for (std::string& problem : m_parts->operations->GetProblems()) {
-    m_parts->problems.push_back(std::move(problem));
-  }
+  const auto add = [this](std::vector<std::string> found) {
+    for (std::string& problem : found) m_parts->problems.push_back(std::move(problem));
+  };
+  if (m_parts->providers) add(m_parts->providers->GetProblems());
+  if (m_parts->server) add(m_parts->server->GetProblems());
+  if (m_parts->pegasus && m_parts->pegasus != m_parts->server) add(m_parts->pegasus->GetProblems());
   return m_parts->problems;
 }
 
 std::vector<TUnofferedTest> TPlatform::GetUnofferedTests() const {
   std::vector<TUnofferedTest> tests;
-  if (!m_parts->classes->Find(kUnofferedClass)) return tests;
-  m_parts->operations->EnumerateInstances(
-      m_parts->nameSpaceName, kUnofferedClass, [&](TCIMInstanceData&& test) {
-        tests.push_back({GetText(test, "ServiceName"), GetText(test, "ElementName"),
-                         GetText(test, "Reason"), GetText(test, "Remedy")});
-        return true;
-      });
+  const auto take = [&tests](TCIMInstanceData&& test) {
+    tests.push_back({GetText(test, "ServiceName"), GetText(test, "ElementName"),
+                     GetText(test, "Reason"), GetText(test, "Remedy")});
+    return true;
+  };
+  try {
+    m_parts->GetOperations()->EnumerateInstances(m_parts->nameSpaceName, kUnofferedClass, take);
+  } catch (const TQELException& e) {
+    if (!SaysNobodyServes(e)) throw;
+  }
   return tests;
 }
 
 unsigned int TPlatform::KillRunningJobs() noexcept {
-  return setup::KillJobs(*m_parts->operations);
+  try {
+    unsigned int asked = 0;
+    if (m_parts->providers) asked += setup::KillJobs(*m_parts->providers);
+    // On a server there are jobs that others have started.
+    if (m_parts->server)
+      asked += setup::KillJobs(*m_parts->server, m_parts->server->GetStartedJobs());
+    if (m_parts->pegasus && m_parts->pegasus != m_parts->server) {
+      asked += setup::KillJobs(*m_parts->pegasus, m_parts->pegasus->GetStartedJobs());
+    }
+    return asked;
+  } catch (...) {
+    // Out of memory: nothing more can be asked.
+    return 0;
+  }
 }
 
 }  // namespace NZEPQEL20

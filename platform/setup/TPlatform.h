@@ -43,7 +43,8 @@ struct TUnofferedTest {
 /// Threads: made and destroyed on one thread; the namespaces are safe from several.
 class DIAGSPLATFORM_EXPORT TPlatform {
  public:
-  /// Errors: TQELException when the installation root itself is unusable, naming it.
+  /// Errors: TQELException when the installation root itself is unusable, or the server cannot be
+  /// reached or refuses to talk, naming it.
   explicit TPlatform(const TPlatformOptions& options);
   ~TPlatform();
   TPlatform(const TPlatform&) = delete;

@@ -66,5 +66,17 @@ TEST(ScriptedOperationsTest, RefuseWhatTheyWereNotSetUpFor) {
   EXPECT_THROW(operations.EnumerateInstances("root/cimv2", "A", {}), TQELException);
 }
 
+TEST(RunningJobsTest, KillsOfTheGivenJobsThoseThatRun) {
+  TScriptedOperations operations;
+  operations.jobs["root/cimv2"] = {MakeJob("root/cimv2", "mine", TCIMValue::UInt16(4)),
+                                   MakeJob("root/cimv2", "ended", TCIMValue::UInt16(7)),
+                                   MakeJob("root/cimv2", "another's", TCIMValue::UInt16(4))};
+  const TCIMReference gone("root/cimv2", "X_Job", {{"InstanceID", "gone"}});
+  const std::vector<TCIMInstanceData> jobs = operations.jobs["root/cimv2"];
+  EXPECT_EQ(KillJobs(operations, {gone, jobs[1].path, jobs[0].path}), 1U);
+  EXPECT_THAT(operations.invoked,
+              ElementsAre("root/cimv2:X_Job.InstanceID=\"mine\" RequestStateChange 5"));
+}
+
 }  // namespace
 }  // namespace NZEPQEL20::setup

@@ -50,7 +50,13 @@ class TScriptedOperations : public ICIMOperations {
                                                     const std::string& className) override {
     Refuse(className);
   }
-  TCIMInstanceData GetInstance(const TCIMReference& path) override { Refuse(path.GetPath()); }
+  TCIMInstanceData GetInstance(const TCIMReference& path) override {
+    CheckAllowed(path.GetNamespaceName());
+    for (const TCIMInstanceData& job : jobs[path.GetNamespaceName()]) {
+      if (job.path == path) return job;
+    }
+    Refuse(path.GetPath());
+  }
   TCIMReference CreateInstance(const std::string& nameSpace,
                                const TCIMInstanceData& /*instance*/) override {
     Refuse(nameSpace);
