@@ -22,7 +22,7 @@ constexpr char kNoPassword[] =
     "a password is never taken from the command line, where others can read it; use --credentials "
     "FILE, DIAGSRUNNER_SERVER_PASSWORD or the prompt";
 
-constexpr std::uint64_t kMostSeconds = 7 * 24 * 3600;
+constexpr std::uint64_t kMostSeconds = 604'800;  // A week.
 constexpr std::uint64_t kMostMegabytes = 4096;
 
 bool IsDigits(const std::string& text, std::size_t most) {
