@@ -20,10 +20,13 @@ std::string GetText(ICIMInstance& instance, const char* name) {
   return property ? property->GetValueText() : std::string();
 }
 
-// Whether the failure says that the class does not exist (DSP0200: 5, CIM_ERR_INVALID_CLASS).
+// Whether the failure to find a class says that it does not exist (DSP0200: CIM_ERR_INVALID_CLASS,
+// or CIM_ERR_NOT_FOUND, which servers answer a request for a declaration with).
 bool IsUnknownClass(const TQELException& e) {
   constexpr unsigned int kInvalidClass = 5;
-  return e.GetCIMStatus() == kInvalidClass || e.GetStatusCode() == TQELStatusCode::kNotFound;
+  constexpr unsigned int kNotFound = 6;
+  return e.GetCIMStatus() == kInvalidClass || e.GetCIMStatus() == kNotFound ||
+         e.GetStatusCode() == TQELStatusCode::kNotFound;
 }
 
 }  // namespace
