@@ -104,9 +104,10 @@ TCIMValue TReplyReader::ReadScalar(const TValueFrame& frame) {
   } catch (const TQELException& e) {
     reason = std::string("holds no instance: ") + e.what();
   }
-  const std::string what = frame.name + ": '" + m_text.substr(0, kShownText) + "' " + reason;
+  const std::string what = (frame.name.empty() ? "return value" : frame.name) + ": '" +
+                           m_text.substr(0, kShownText) + "' " + reason;
   if (frame.isStrict) {
-    throw TQELException(TQELStatusCode::kFailed, "the reply's value of " + what);
+    throw TQELException(TQELStatusCode::kFailed, "the reply's " + what);
   }
   Note(what);
   return TCIMValue::Null(frame.type);
