@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -95,7 +96,7 @@ std::unique_ptr<NZEPQEL20::TPlatform> MakePlatform(const TOptions& options,
   try {
     return std::make_unique<NZEPQEL20::TPlatform>(wanted);
   } catch (const TQELException& e) {
-    // Nothing was sent yet: what it refuses is an option's value.
+    // What is wrong is an option's value, and not what the server says.
     if (e.GetStatusCode() == TQELStatusCode::kInvalidArgument) {
       throw TUsageError("--server", e.what());
     }
@@ -103,18 +104,25 @@ std::unique_ptr<NZEPQEL20::TPlatform> MakePlatform(const TOptions& options,
   }
 }
 
-// What is made here goes in the reverse order: the watch first, since it reaches into the
-// platform, then the runner, then the platform with its providers.
+// What is made here goes in the reverse order: the runner first, then the watch, since it reaches
+// into the platform, then the platform with its providers. The watch is there before the platform,
+// which may wait for a server that does not answer.
 EExitStatus RunOnPlatform(const TOptions& options, TCredentials credentials,
                           const TBlockedSignals* signals) {
   const TLog log(options);
-  const std::unique_ptr<NZEPQEL20::TPlatform> platform = MakePlatform(options, credentials);
+  std::unique_ptr<NZEPQEL20::TPlatform> platform;
+  std::atomic<NZEPQEL20::TPlatform*> reachable{nullptr};
+  const auto kill = [&reachable] {
+    if (NZEPQEL20::TPlatform* const place = reachable) place->KillRunningJobs();
+  };
+  std::optional<TSignalWatch> watch;
+  if (signals != nullptr) watch.emplace(*signals, kill);
+  platform = MakePlatform(options, credentials);
   credentials = {};
+  reachable = platform.get();
   TRunnerDiagnostics diagnostics(
       *platform,
       ChooseProgressTarget(options, ::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1));
-  std::optional<TSignalWatch> watch;
-  if (signals != nullptr) watch.emplace(*signals, [&platform] { platform->KillRunningJobs(); });
   const TSurroundings surroundings{std::cout,
                                    std::cerr,
                                    [&watch] { return watch && watch->IsInterrupted(); },

@@ -106,6 +106,9 @@ void CheckUrl(const std::string& url) {
                                            "with --user; ") +
                                    kNoPassword);
   }
+  if (!IsUnixUrl(url) && url.find_first_of("?#") != std::string::npos) {
+    throw TUsageError(kServer, "the URL has a query or a fragment, and a CIM server takes neither");
+  }
   if (SafeText(url, ELines::kOne) != url) {
     throw TUsageError(kServer, "the URL holds a control character or a byte that is not UTF-8");
   }

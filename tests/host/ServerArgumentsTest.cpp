@@ -226,19 +226,21 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Password, WrongServerTest,
-    ::testing::Values(TWrong{"InHttp", {"--server", "http://me:sesame@h"}, kNeverTaken},
-                      TWrong{
-                          "InHttps", {"--server", "https://me:sesame@h:5989/cimom"}, kNeverTaken},
-                      TWrong{"WithASlash", {"--server", "https://me:se/sesame@h"}, kNeverTaken},
-                      TWrong{"WithoutAScheme", {"--server", "me:sesame@h"}, kNeverTaken},
-                      TWrong{"BeforeASocket", {"--server", "unix://me:sesame@h/s"}, kNeverTaken},
-                      TWrong{"UserAlone", {"--server", "http://me@h"}, "name the user with --user"},
-                      TWrong{"Option", {"--password", "sesame"}, "--password: a password is never"},
-                      TWrong{"OptionWithItsValue", {"--password=sesame"}, kNeverTaken},
-                      TWrong{"OtherSpelling", {"--passwd", "sesame"}, "--passwd: "},
-                      TWrong{"UnknownOption", {"--pw=sesame"}, "--pw"},
-                      TWrong{"ShortOption", {"list", "-p", "sesame"}, "-p"},
-                      TWrong{"UrlOfAnUnknownOption", {"list", "http://me:sesame@h"}, "***@h"}),
+    ::testing::Values(
+        TWrong{"InHttp", {"--server", "http://me:sesame@h"}, kNeverTaken},
+        TWrong{"InHttps", {"--server", "https://me:sesame@h:5989/cimom"}, kNeverTaken},
+        TWrong{"WithASlash", {"--server", "https://me:se/sesame@h"}, kNeverTaken},
+        TWrong{"WithoutAScheme", {"--server", "me:sesame@h"}, kNeverTaken},
+        TWrong{"BeforeASocket", {"--server", "unix://me:sesame@h/s"}, kNeverTaken},
+        TWrong{"InAQuery", {"--server", "http://h/?password=sesame"}, "query or a fragment"},
+        TWrong{"InAFragment", {"--server", "http://h/#sesame"}, "query or a fragment"},
+        TWrong{"UserAlone", {"--server", "http://me@h"}, "name the user with --user"},
+        TWrong{"Option", {"--password", "sesame"}, "--password: a password is never"},
+        TWrong{"OptionWithItsValue", {"--password=sesame"}, kNeverTaken},
+        TWrong{"OtherSpelling", {"--passwd", "sesame"}, "--passwd: "},
+        TWrong{"UnknownOption", {"--pw=sesame"}, "--pw"},
+        TWrong{"ShortOption", {"list", "-p", "sesame"}, "-p"},
+        TWrong{"UrlOfAnUnknownOption", {"list", "http://me:sesame@h"}, "***@h"}),
     [](const auto& row) { return row.param.name; });
 
 class WrongNumberTest : public ::testing::TestWithParam<const char*> {};

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the real command sends to a server that never answers, and how it ends then.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "tests/host/THostFixture.h"
+#include "tests/host/TListener.h"
+
+namespace host {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+// "me:sesame" as HTTP sends it.
+constexpr char kLogin[] = "\r\nAuthorization: Basic bWU6c2VzYW1l\r\n";
+
+class ServerRequestTest : public THostFixture {
+ protected:
+  TProgram MakeCall(const std::vector<std::string>& arguments) const {
+    TProgram program = MakeCommand({"--server", m_listener.GetUrl()});
+    program.arguments.insert(program.arguments.end(), arguments.begin(), arguments.end());
+    return program;
+  }
+
+  // The request that the command begins with; its end is not waited for.
+  std::string SeeRequest(const TProgram& program) {
+    const TSubprocess command(program);
+    return m_listener.TakeRequest();
+  }
+
+  TListener m_listener;
+};
+
+TEST_F(ServerRequestTest, ItsListenerGivesTheHeaderOfEachRequest) {
+  TProgram client;
+  client.arguments = {"/bin/bash", "-c",
+                      "exec 3<>/dev/tcp/127.0.0.1/\"$1\"; printf 'GET\\r\\nA: b\\r\\n\\r\\n' >&3",
+                      "bash", m_listener.GetUrl().substr(std::string("http://127.0.0.1:").size())};
+  EXPECT_EQ(SeeRequest(client), "GET\r\nA: b\r\n\r\n");
+  EXPECT_EQ(SeeRequest(client), "GET\r\nA: b\r\n\r\n");
+}
+
+TEST_F(ServerRequestTest, SendsTheCredentialsOfAFile) {
+  const std::string file = Write("login", "user=me\npassword=sesame\n");
+  ASSERT_EQ(::chmod(file.c_str(), 0600), 0);
+  EXPECT_THAT(SeeRequest(MakeCall({"--credentials", file, "list"})), HasSubstr(kLogin));
+}
+
+TEST_F(ServerRequestTest, SendsTheCredentialsOfTheEnvironment) {
+  TProgram program = MakeCall({"list"});
+  program.environment["DIAGSRUNNER_SERVER_USER"] = "me";
+  program.environment["DIAGSRUNNER_SERVER_PASSWORD"] = "sesame";
+  EXPECT_THAT(SeeRequest(program), HasSubstr(kLogin));
+}
+
+TEST_F(ServerRequestTest, SendsThePasswordOfTheEnvironmentForTheUserOfTheCommandLine) {
+  TProgram program = MakeCall({"run", "--all", "--user", "me"});
+  program.environment["DIAGSRUNNER_SERVER_PASSWORD"] = "sesame";
+  EXPECT_THAT(SeeRequest(program), HasSubstr(kLogin));
+}
+
+TEST_F(ServerRequestTest, SendsNoneWithoutAUser) {
+  const std::string request = SeeRequest(MakeCall({"list"}));
+  EXPECT_THAT(request, HasSubstr("POST /cimom HTTP/1.1\r\n"));
+  EXPECT_THAT(request, Not(HasSubstr("Authorization")));
+}
+
+TEST_F(ServerRequestTest, LooksInTheNamespace) {
+  EXPECT_THAT(SeeRequest(MakeCall({"--namespace", "root/vendor", "list"})),
+              HasSubstr("\r\nCIMObject: root%2Fvendor\r\n"));
+}
+
+TEST_F(ServerRequestTest, WaitsAsLongAsItMay) {
+  const std::string log = GetFolder() + "/log";
+  TProgram program = MakeCall({"--request-timeout", "0.2", "--log", log, "--log-level", "trace",
+                               "--user", "me", "list", "--json"});
+  program.environment["DIAGSRUNNER_SERVER_PASSWORD"] = "sesame";
+  const auto start = std::chrono::steady_clock::now();
+  const TFinished finished = RunToEnd(program);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_THAT(finished.err, HasSubstr(m_listener.GetUrl() + ": "));
+  EXPECT_EQ(finished.err.find('\n'), finished.err.size() - 1) << finished.err;
+  EXPECT_THAT(finished.err, Not(HasSubstr("sesame")));
+}
+
+TEST_F(ServerRequestTest, TwoSignalsEndARunThatWaitsForTheServer) {
+  TSubprocess command(MakeCall({"run", "--all"}));
+  EXPECT_THAT(m_listener.TakeRequest(), Not(IsEmpty()));
+  command.Signal(SIGINT);
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  command.Signal(SIGINT);
+  EXPECT_EQ(command.Wait(), 128 + SIGINT);
+  EXPECT_THAT(command.GetErr(), HasSubstr("diagsrun: interrupted: "));
+}
+
+TEST_F(ServerRequestTest, OneSignalEndsAListThatWaitsForTheServer) {
+  TSubprocess command(MakeCall({"list"}));
+  EXPECT_THAT(m_listener.TakeRequest(), Not(IsEmpty()));
+  command.Signal(SIGINT);
+  EXPECT_EQ(command.Wait(), 128 + SIGINT);
+}
+
+}  // namespace
+}  // namespace host
