@@ -145,6 +145,7 @@ std::string DescribeCIMError(const THeaderFields& fields) {
 }  // namespace
 
 void CheckReplyHead(const TReplyHead& head, const TReplyRules& rules) {
+  if (!head.IsHttp1()) Refuse(rules, "answers in a version of HTTP that was not asked for");
   if (head.GetStatus() != 200 || head.GetFields().Find("CIMError") != nullptr) {
     ThrowStatus(head, rules);
   }

@@ -75,11 +75,12 @@ void THttpSession::TParts::Perform(CURL* handle, TExchange& exchange, const THtt
   curl_easy_setopt(handle, CURLOPT_HTTPHEADER, nullptr);
   curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, nullptr);
   exchange.RethrowProblem();
-  if (code == CURLE_OK) return;
+  // curl is content with a header that ends with its connection.
+  if (code == CURLE_OK && exchange.GetHead().IsComplete()) return;
 
   TTransferFailure failure;
-  failure.code = code;
-  failure.reason = reason[0] != '\0' ? reason.data() : curl_easy_strerror(code);
+  failure.code = code == CURLE_OK ? CURLE_PARTIAL_FILE : code;
+  failure.reason = Trim(reason[0] != '\0' ? reason.data() : curl_easy_strerror(code));
   failure.connectTimeout = options.connectTimeout;
   failure.timeout = request.timeout;
   curl_easy_getinfo(handle, CURLINFO_SSL_VERIFYRESULT, &failure.verifyResult);
@@ -90,7 +91,13 @@ THttpTrailers THttpSession::TParts::ExchangeLocally(TCurlHandle& handle,
                                                     const THttpRequest& request, IReplyBody& body,
                                                     TClock::time_point deadline) const {
   TExchange first(rules, request, body, true);
-  Perform(handle.get(), first, request, localAuthentication.GetGreeting(), deadline);
+  try {
+    Perform(handle.get(), first, request, localAuthentication.GetGreeting(), deadline);
+  } catch (const THttpError&) {
+    if (first.GetChallenge().empty() || first.GetHead().IsBodyDelimited()) throw;
+    // A challenge without an end: the connection is of no more use, the challenge may be.
+    handle = pool.TakeFresh();
+  }
   if (first.GetChallenge().empty()) return ReadTrailers(first.GetHead(), rules);
 
   std::string answer;

@@ -65,6 +65,7 @@ void TReplyHead::TakeLine(std::string_view line) {
 
 void TReplyHead::TakeStatusLine(std::string_view line) {
   m_fields = THeaderFields();
+  m_isHttp1 = line.compare(0, 7, "HTTP/1.") == 0;
   const std::size_t blank = line.find(' ');
   const std::string_view rest =
       blank == std::string_view::npos ? std::string_view() : Trim(line.substr(blank));

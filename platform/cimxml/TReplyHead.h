@@ -37,7 +37,10 @@ class TReplyHead {
   /// Whether the header block of the final reply has ended. What comes then are trailers.
   bool IsComplete() const { return m_isComplete; }
 
-  /// 0 before the first line.
+  /// Whether the status line is one of HTTP/1.0 or HTTP/1.1.
+  bool IsHttp1() const { return m_isHttp1; }
+
+  /// 0 before the first line, and for one without a status.
   long GetStatus() const { return m_status; }
 
   /// The words behind the status, as the server wrote them.
@@ -60,6 +63,7 @@ class TReplyHead {
   std::string m_phrase;
   std::size_t m_size = 0;
   long m_status = 0;
+  bool m_isHttp1 = false;
   bool m_isComplete = false;
 };
 

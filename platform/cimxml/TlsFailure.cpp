@@ -28,7 +28,8 @@ bool Holds(const std::string& text, std::string_view part) {
 std::string DescribeCertificateProblem(const TTransferFailure& failure,
                                        const TServerOptions& options) {
   const std::string reason = " (" + MakeSafe(failure.reason) + ")";
-  if (failure.verifyResult == 0) {
+  // Whether it is trusted is judged later than its name.
+  if (Holds(failure.reason, "target host name")) {
     return "the server's certificate is for another name" + reason +
            "; use the name that it was made for" + kOrInsecure;
   }
@@ -46,7 +47,7 @@ std::string DescribeCertificateProblem(const TTransferFailure& failure,
                 : "; it was not issued by an authority in " + MakeSafe(options.caFile)) +
            kOrInsecure;
   }
-  return "the server's certificate is refused" + reason + "; have it mended" + kOrInsecure;
+  return "the server's certificate is not good" + reason + "; have it mended" + kOrInsecure;
 }
 
 // The server has ended the handshake with an alert of its own.

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cimxml/TransferFailure.h"
 
-#include <sys/socket.h>
+#include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
 #include "platform/cimxml/HttpText.h"
@@ -51,7 +51,7 @@ std::string DescribeSocketProblem(const std::string& path) {
            (number == ENOENT ? "; is the CIM server running?" : "");
   }
   if (!S_ISSOCK(status.st_mode)) return MakeSafe(path) + " is not a socket";
-  if (::access(path.c_str(), R_OK | W_OK) != 0) {
+  if (::faccessat(AT_FDCWD, path.c_str(), R_OK | W_OK, AT_EACCESS) != 0) {
     return "no permission to use the socket " + MakeSafe(path);
   }
   return "nobody listens on the socket " + MakeSafe(path) + "; is the CIM server running?";
@@ -62,6 +62,10 @@ bool IsTlsAlert(const std::string& reason) {
   return reason.find("alert") != std::string::npos && reason.find("SSL") != std::string::npos;
 }
 
+bool StartsWithHttp(const std::string& url) {
+  return EqualsNoCase(std::string_view(url).substr(0, 5), "http:");
+}
+
 [[noreturn]] void ThrowLost(const TTransferFailure& failure, const TExchange& exchange,
                             const TServerUrl& url) {
   std::string text = url.GetText() +
@@ -69,6 +73,8 @@ bool IsTlsAlert(const std::string& reason) {
                      DescribeProgress(exchange) + ")";
   if (failure.code == CURLE_RECV_ERROR || failure.code == CURLE_SEND_ERROR) {
     text += ": " + MakeSafe(failure.reason);
+  } else if (failure.code == CURLE_GOT_NOTHING && StartsWithHttp(url.GetText())) {
+    text += "; when it never answers, does it want https?";
   }
   throw TConnectionLost(text);
 }
@@ -83,6 +89,15 @@ bool IsTlsAlert(const std::string& reason) {
 bool IsFramingProblem(const TTransferFailure& failure) {
   return failure.reason.find("chunk") != std::string::npos ||
          failure.reason.find("response header") != std::string::npos;
+}
+
+// curl says "out of memory" to a line of a header or trailer that is longer than it cares to keep.
+bool IsLongTrailer(const TTransferFailure& failure) {
+  return failure.reason.find("Out of memory in chunk") != std::string::npos;
+}
+
+[[noreturn]] void ThrowLongLine(const TServerUrl& url) {
+  Throw(TQELStatusCode::kFailed, url, "the answer has a header field of absurd length");
 }
 
 [[noreturn]] void ThrowUnreachable(const TTransferFailure& failure, const TServerUrl& url) {
@@ -111,6 +126,7 @@ void ThrowTransferFailure(const TTransferFailure& failure, const TExchange& exch
       ThrowTimeout(failure, exchange, url);
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
+      if (IsLongTrailer(failure)) ThrowLongLine(url);
       if (IsFramingProblem(failure)) ThrowNotHttp(failure, url);
       ThrowLost(failure, exchange, url);
     case CURLE_GOT_NOTHING:
@@ -121,10 +137,7 @@ void ThrowTransferFailure(const TTransferFailure& failure, const TExchange& exch
     case CURLE_WEIRD_SERVER_REPLY:
       ThrowNotHttp(failure, url);
     case CURLE_OUT_OF_MEMORY:
-      // Also what curl says to a line of a header block that is longer than it wants to keep.
-      if (exchange.IsConnected()) {
-        Throw(TQELStatusCode::kFailed, url, "the answer has a header field of absurd length");
-      }
+      if (exchange.IsConnected()) ThrowLongLine(url);
       Throw(TQELStatusCode::kNoMemory, url, "no memory for a request");
     default:
       Throw(TQELStatusCode::kFailed, url, MakeSafe(failure.reason));
