@@ -6,9 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "tests/host/TSubprocess.h"
+#include "tests/support/TSubprocess.h"
 
 namespace host {
+
+using programs::FindDescendants;
+using programs::IsRunning;
+using programs::RunToEnd;
+using programs::TFinished;
+using programs::TProgram;
+using programs::TSubprocess;
 
 /// Runs the real command over the bundled provider, whose tools and settings a test can replace.
 class THostFixture : public ::testing::Test {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/host/TSubprocess.h"
+#include "tests/support/TSubprocess.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -17,7 +17,7 @@
 #include <sstream>
 #include <system_error>
 
-namespace host {
+namespace programs {
 namespace {
 
 struct TEnds {
@@ -93,12 +93,16 @@ void Close(int& descriptor) {
 TSubprocess::TSubprocess(const TProgram& program) {
   TEnds out = program.hasTerminal ? MakeTerminal() : MakePipe();
   TEnds err = MakePipe();
+  TEnds in = program.hasInput ? MakePipe() : TEnds();
+  // Of this pipe the ends are the other way round: the program reads.
+  m_inFd = in.its;
   m_outFd = out.mine;
   m_errFd = err.mine;
   if (program.isOutputClosed) Close(m_outFd);
   m_pid = ::fork();
   Need(m_pid, "fork");
-  if (m_pid == 0) StartChild(program, out.its, err.its);
+  if (m_pid == 0) StartChild(program, in.mine, out.its, err.its);
+  Close(in.mine);
   Close(out.its);
   Close(err.its);
 }
@@ -108,11 +112,17 @@ TSubprocess::~TSubprocess() {
     ::kill(m_pid, SIGKILL);
     ::waitpid(m_pid, nullptr, 0);
   }
+  Close(m_inFd);
   Close(m_outFd);
   Close(m_errFd);
 }
 
-void TSubprocess::StartChild(const TProgram& program, int outEnd, int errEnd) {
+void TSubprocess::CloseInput() {
+  Close(m_inFd);
+}
+
+void TSubprocess::StartChild(const TProgram& program, int inEnd, int outEnd, int errEnd) {
+  if (inEnd >= 0) ::dup2(inEnd, STDIN_FILENO);
   ::dup2(outEnd, STDOUT_FILENO);
   ::dup2(errEnd, STDERR_FILENO);
   for (const auto& [name, value] : program.environment) ::setenv(name.c_str(), value.c_str(), 1);
@@ -183,4 +193,4 @@ bool IsRunning(pid_t pid) {
   return stat.parent != 0 && stat.state != 'Z' && stat.state != 'X';
 }
 
-}  // namespace host
+}  // namespace programs

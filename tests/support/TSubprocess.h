@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace host {
+namespace programs {
 
 /// How a program is to be started.
 struct TProgram {
@@ -16,6 +16,7 @@ struct TProgram {
   std::map<std::string, std::string> environment;  ///< Added to the test's own.
   bool hasTerminal = false;     ///< Standard output is a terminal instead of a pipe.
   bool isOutputClosed = false;  ///< Nobody reads standard output.
+  bool hasInput = false;        ///< Standard input is a pipe, open until CloseInput().
 };
 
 /// A program under test. Its outputs are kept apart; at the end it is killed if it still runs.
@@ -30,6 +31,8 @@ class TSubprocess {
   TSubprocess& operator=(const TSubprocess&) = delete;
 
   void Signal(int signal) const;
+  /// The program reads the end of its input from now on.
+  void CloseInput();
   /// Reads until standard output contains `text`; false when the program or the patience ends
   /// first.
   bool WaitForOutput(const std::string& text);
@@ -42,10 +45,11 @@ class TSubprocess {
   const std::string& GetErr() const { return m_err; }
 
  private:
-  void StartChild(const TProgram& program, int outEnd, int errEnd);
+  void StartChild(const TProgram& program, int inEnd, int outEnd, int errEnd);
   bool ReadSome(std::chrono::steady_clock::time_point deadline);
 
   pid_t m_pid = -1;
+  int m_inFd = -1;
   int m_outFd = -1;
   int m_errFd = -1;
   std::string m_out;
@@ -66,4 +70,4 @@ std::vector<pid_t> FindDescendants(pid_t pid);
 /// Whether the process still runs; one that is only waiting to be reaped does not.
 bool IsRunning(pid_t pid);
 
-}  // namespace host
+}  // namespace programs

@@ -4,9 +4,9 @@
 
 #include <csignal>
 
-#include "tests/host/TSubprocess.h"
+#include "tests/support/TSubprocess.h"
 
-namespace host {
+namespace programs {
 namespace {
 
 TProgram MakeShell(const std::string& script) {
@@ -66,5 +66,15 @@ TEST(SubprocessTest, FindsWhatAProcessHasStartedUntilItIsGone) {
   EXPECT_FALSE(IsRunning(started[0]));
 }
 
+TEST(SubprocessTest, KeepsTheInputOpenUntilItIsClosed) {
+  TProgram program = MakeShell("echo ready; cat; echo end");
+  program.hasInput = true;
+  TSubprocess process(program);
+  ASSERT_TRUE(process.WaitForOutput("ready"));
+  process.CloseInput();
+  EXPECT_EQ(process.Wait(), 0);
+  EXPECT_EQ(process.GetOut(), "ready\nend\n");
+}
+
 }  // namespace
-}  // namespace host
+}  // namespace programs
