@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/Commands.h"
 
+#include <algorithm>
 #include <exception>
 #include <memory>
 #include <ostream>
+#include <utility>
 
 #include "host/Label.h"
 #include "host/TJsonReport.h"
@@ -37,7 +39,7 @@ class TCommand {
     m_around.err << kName << SafeText(text, ELines::kOne) << "\n";
   }
   std::unique_ptr<IReport> MakeReport();
-  std::vector<std::string> ShowProblems();
+  void ShowProblems(std::vector<std::string>& shown);
   std::vector<TUnofferedTest> GetUnoffered();
   void ShowUnoffered(const std::vector<TUnofferedTest>& tests);
   TTestReport RunOne(const TTest& test);
@@ -65,10 +67,13 @@ EExitStatus TCommand::CheckOutput(EExitStatus status) {
   return EExitStatus::kNotFinished;
 }
 
-std::vector<std::string> TCommand::ShowProblems() {
-  std::vector<std::string> problems = m_diagnostics.GetProblems();
-  for (const std::string& problem : problems) Complain(problem);
-  return problems;
+// Shows those that have come since the last call, and keeps them all for the report.
+void TCommand::ShowProblems(std::vector<std::string>& shown) {
+  for (std::string& problem : m_diagnostics.GetProblems()) {
+    if (std::find(shown.begin(), shown.end(), problem) != shown.end()) continue;
+    Complain(problem);
+    shown.push_back(std::move(problem));
+  }
 }
 
 std::vector<TUnofferedTest> TCommand::GetUnoffered() {
@@ -94,7 +99,7 @@ EExitStatus TCommand::List() {
   TListReport list;
   list.tests = FilterTests(ReadCatalogue(m_diagnostics.EnumerateTests()), m_options.selection);
   list.unoffered = GetUnoffered();
-  list.problems = ShowProblems();
+  ShowProblems(list.problems);
   MakeReport()->ShowList(list);
   m_around.out.flush();
   if (!m_options.isJson) ShowUnoffered(list.unoffered);
@@ -131,6 +136,7 @@ void TCommand::RunAll(const std::vector<TTest>& tests, IReport& report, TRunRepo
     report.ShowTestStart(test, run.tests.size() + 1, tests.size());
     run.tests.push_back(RunOne(test));
     report.ShowTestEnd(run.tests.back());
+    ShowProblems(run.problems);
     if (run.tests.back().outcome == EOutcome::kError) {
       Complain(test.id + ": could not run or did not finish: " +
                (run.tests.back().answer.empty() ? "no answer" : run.tests.back().answer) +
@@ -143,7 +149,7 @@ void TCommand::RunAll(const std::vector<TTest>& tests, IReport& report, TRunRepo
 EExitStatus TCommand::Run() {
   TRunReport run;
   const std::vector<TTest> catalogue = ReadCatalogue(m_diagnostics.EnumerateTests());
-  run.problems = ShowProblems();
+  ShowProblems(run.problems);
   const std::vector<TTest> tests = SelectTests(catalogue, m_options.selection);
   if (tests.empty()) {
     const std::string place = m_place.empty() ? " on this machine" : m_place;
@@ -168,7 +174,7 @@ EExitStatus TCommand::InspectAsJson() {
       m_diagnostics.GetInstances(m_options.className);
   inspected.isKnown = instances.has_value();
   if (instances) inspected.instances = std::move(*instances);
-  inspected.problems = ShowProblems();
+  ShowProblems(inspected.problems);
   TJsonReport(m_around.out, m_server).ShowInstances(inspected);
   return CheckOutput(inspected.isKnown ? EExitStatus::kAllPassed : EExitStatus::kNotFinished);
 }
@@ -176,7 +182,8 @@ EExitStatus TCommand::InspectAsJson() {
 EExitStatus TCommand::Inspect() {
   if (m_options.isJson) return InspectAsJson();
   std::string text = m_diagnostics.Inspect(m_options.className);
-  ShowProblems();
+  std::vector<std::string> shown;
+  ShowProblems(shown);
   const std::string end = kClassNotFound;
   const bool isUnknown =
       text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;

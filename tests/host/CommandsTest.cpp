@@ -142,6 +142,28 @@ TEST_F(CommandsTest, RunGoesOnAfterATestThatThrew) {
   EXPECT_THAT(m_out.str(), HasSubstr("2 tests: 1 passed, 0 failed, 1 could not run"));
 }
 
+TEST_F(CommandsTest, RunTellsOnceWhatHasFailedAndWhen) {
+  m_fake.problems = {"before"};
+  m_fake.duringRun = [this] {
+    if (m_fake.runs.size() == 2) m_fake.problems.emplace_back("the server is gone");
+  };
+  EXPECT_EQ(Run({"#1", "#1", "#3"}), 2);
+  EXPECT_EQ(
+      m_err.str(),
+      "diagsrun: before\n"
+      "diagsrun: the server is gone\n"
+      "diagsrun: Read,sda,Disk: could not run or did not finish: Aborted; --log - --log-level "
+      "trace shows the steps\n");
+}
+
+TEST_F(CommandsTest, RunKeepsEveryProblemForItsDocument) {
+  m_options.isJson = true;
+  m_fake.problems = {"before"};
+  m_fake.duringRun = [this] { m_fake.problems = {"before", "after"}; };
+  Run({"#1"});
+  EXPECT_THAT(m_out.str(), HasSubstr("\"problems\": [\n    \"before\",\n    \"after\"\n  ]"));
+}
+
 TEST_F(CommandsTest, RunStartsNothingWhenOneIdIsUnknown) {
   EXPECT_THROW(Run({"#1", "no,such,test"}), TUsageError);
   EXPECT_THAT(m_fake.runs, IsEmpty());

@@ -5,10 +5,25 @@
 
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <stdexcept>
 #include <thread>
 
 namespace host {
+namespace {
+
+// Other programs below a server come and go.
+std::vector<pid_t> FindSleepers(pid_t server) {
+  std::vector<pid_t> found;
+  for (const pid_t process : FindDescendants(server)) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+    std::string name;
+    if (std::getline(file, name) && name == "sleep") found.push_back(process);
+  }
+  return found;
+}
+
+}  // namespace
 
 TServerFixture::~TServerFixture() {
   if (!m_server) return;
@@ -66,16 +81,17 @@ std::string TServerFixture::WriteLogin(const std::string& user, const std::strin
   return file;
 }
 
-std::vector<pid_t> TServerFixture::FindServersProcesses() const {
-  return FindDescendants(m_server->GetPid());
+void TServerFixture::AddSleepingStress() const {
+  AddTool("stress-ng",
+          "[ \"$1\" = --version ] && echo 'stress-ng, version 9' && exit\nexec sleep 300");
 }
 
-std::vector<pid_t> TServerFixture::WaitForServersProcesses(std::size_t count) const {
+std::vector<pid_t> TServerFixture::WaitForSleepers(std::size_t count) const {
   const auto deadline = std::chrono::steady_clock::now() + TSubprocess::kPatience;
-  std::vector<pid_t> found = FindServersProcesses();
+  std::vector<pid_t> found = FindSleepers(m_server->GetPid());
   while (found.size() != count && std::chrono::steady_clock::now() < deadline) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    found = FindServersProcesses();
+    found = FindSleepers(m_server->GetPid());
   }
   return found;
 }

@@ -35,10 +35,11 @@ class TServerFixture : public THostFixture {
   std::string WriteLogin(const std::string& user, const std::string& password) const;
 
   const std::string& GetUrl() const { return m_url; }
-  /// What runs below the server: the programs of its tests.
-  std::vector<pid_t> FindServersProcesses() const;
-  /// Waits until there are `count` of those, or patience ends; answers with what there is.
-  std::vector<pid_t> WaitForServersProcesses(std::size_t count) const;
+  /// A stress-ng that becomes a `sleep` without an end.
+  void AddSleepingStress() const;
+  /// Waits until `count` of those run below the server, or patience ends; answers with those that
+  /// do.
+  std::vector<pid_t> WaitForSleepers(std::size_t count) const;
 
  private:
   std::unique_ptr<TSubprocess> m_server;
