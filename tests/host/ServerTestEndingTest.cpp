@@ -7,6 +7,7 @@
 #include <csignal>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <string>
 #include <tuple>
 
 #include "tests/host/TServerFixture.h"
@@ -32,7 +33,7 @@ void PrintTo(const TServerEnding& row, std::ostream* out) {
 
 class ServerTestEndingTest
     : public TServerFixture,
-      public ::testing::WithParamInterface<std::tuple<const char*, TServerEnding>> {};
+      public ::testing::WithParamInterface<std::tuple<std::string, TServerEnding>> {};
 
 TEST_P(ServerTestEndingTest, HasTheWordTheOutcomeAndTheStatusOfALocalOne) {
   const auto& [style, row] = GetParam();
@@ -47,7 +48,7 @@ TEST_P(ServerTestEndingTest, HasTheWordTheOutcomeAndTheStatusOfALocalOne) {
 }
 INSTANTIATE_TEST_SUITE_P(
     All, ServerTestEndingTest,
-    ::testing::Combine(::testing::Values("pegasus", "sfcb"),
+    ::testing::Combine(::testing::Values<std::string>("pegasus", "sfcb"),
                        ::testing::Values(TServerEnding{"TestPass", "Pass", "passed", 0},
                                          TServerEnding{"TestFail", "Fail", "failed", 1},
                                          TServerEnding{"TestAborted", "Aborted", "error", 2},
@@ -58,9 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
                                          TServerEnding{"TestNoRecord", "No Results.", "error", 2},
                                          TServerEnding{"TestTimed", "Pass", "passed", 0},
                                          TServerEnding{"TestBadText", "Pass", "passed", 0})),
-    [](const auto& row) {
-      return std::string(std::get<0>(row.param)) + std::get<1>(row.param).service;
-    });
+    [](const auto& row) { return std::get<0>(row.param) + std::get<1>(row.param).service; });
 
 class ServerTestProviderTest : public TServerFixture {};
 
