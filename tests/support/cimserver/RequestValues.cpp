@@ -62,15 +62,16 @@ TCIMValue ReadReal(const std::string& text, ECIMType type) {
 
 // The one character of the text, as a UCS-2 unit.
 TCIMValue ReadCharacter(const std::string& text) {
-  const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]) & 0x7FU; };
-  if (text.size() == 1) return TCIMValue::Char16(static_cast<std::uint16_t>(byte(0)));
-  if (text.size() == 2) {
-    return TCIMValue::Char16(
-        static_cast<std::uint16_t>(((byte(0) & 0x1FU) << 6U) | (byte(1) & 0x3FU)));
+  const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const auto make = [](unsigned int unit) {
+    return TCIMValue::Char16(static_cast<std::uint16_t>(unit));
+  };
+  if (text.size() == 1 && byte(0) < 0x80) return make(byte(0));
+  if (text.size() == 2 && (byte(0) & 0xE0U) == 0xC0) {
+    return make(((byte(0) & 0x1FU) << 6U) | (byte(1) & 0x3FU));
   }
-  if (text.size() != 3 || byte(0) >= 0x70) Refuse(text, ECIMType::kChar16);
-  return TCIMValue::Char16(static_cast<std::uint16_t>(
-      ((byte(0) & 0x0FU) << 12U) | ((byte(1) & 0x3FU) << 6U) | (byte(2) & 0x3FU)));
+  if (text.size() != 3 || (byte(0) & 0xF0U) != 0xE0) Refuse(text, ECIMType::kChar16);
+  return make(((byte(0) & 0x0FU) << 12U) | ((byte(1) & 0x3FU) << 6U) | (byte(2) & 0x3FU));
 }
 
 TCIMValue ReadEmbedded(const std::string& text, const std::string& nameSpace) {

@@ -82,19 +82,10 @@ void ReadIntrinsic(const TXmlElement& element, const TPeerRequest& request, TCim
   }
 }
 
-bool IsSameKey(const TCIMValue& said, const TCIMValue& meant) {
-  const std::string left = said.ToString(10);
-  const std::string right = meant.ToString(10);
-  if (left == right) return true;
-  if (meant.GetType() != ECIMType::kReference) return false;
-  // The inner path may be written in more than one way.
-  return TCIMReference::Parse(left).GetKeys().size() ==
-         static_cast<TCIMReference>(meant).GetKeys().size();
-}
+bool IsSameKey(const TCIMValue& said, const TCIMValue& meant);
 
 // The path in the header is text: keys in any order, without types.
-bool IsSameObject(const TCIMReference& said, const TCIMReference& meant) {
-  if (!IsSameName(said.GetNamespaceName(), meant.GetNamespaceName())) return false;
+bool IsSameClassAndKeys(const TCIMReference& said, const TCIMReference& meant) {
   if (!IsSameName(said.GetClassName(), meant.GetClassName())) return false;
   if (said.GetKeys().size() != meant.GetKeys().size()) return false;
   for (const auto& [name, value] : said.GetKeys()) {
@@ -102,6 +93,18 @@ bool IsSameObject(const TCIMReference& said, const TCIMReference& meant) {
     if (key == nullptr || !IsSameKey(value, *key)) return false;
   }
   return true;
+}
+
+// A path inside a path may name its namespace or leave that to the outer one.
+bool IsSameKey(const TCIMValue& said, const TCIMValue& meant) {
+  const std::string text = said.ToString(10);
+  if (meant.GetType() != ECIMType::kReference) return text == meant.ToString(10);
+  return IsSameClassAndKeys(TCIMReference::Parse(text), static_cast<TCIMReference>(meant));
+}
+
+bool IsSameObject(const TCIMReference& said, const TCIMReference& meant) {
+  return IsSameName(said.GetNamespaceName(), meant.GetNamespaceName()) &&
+         IsSameClassAndKeys(said, meant);
 }
 
 void CheckObject(const TPeerRequest& request, const TCimCall& call) {

@@ -32,6 +32,12 @@ constexpr std::array<TFlavor, 14> kFlavors{{{"Abstract", true, false, false},
                                             {"Version", true, false, true}}};
 constexpr TFlavor kPlainFlavor{"", true, true, false};
 
+// Both makers spell these two in capitals, whatever the declaration has.
+std::string GetSpelling(const std::string& name) {
+  if (IsSameName(name, "In")) return "IN";
+  return IsSameName(name, "Out") ? "OUT" : name;
+}
+
 const TFlavor& FindFlavor(const std::string& name) {
   const auto* const found =
       std::find_if(kFlavors.begin(), kFlavors.end(),
@@ -98,7 +104,7 @@ void TXmlWriter::ClassProperty(const TRow& row, const std::string& className,
 void TXmlWriter::Qualifiers(const std::vector<NZEPQEL20::TCIMQualifier>& qualifiers) {
   for (const auto& qualifier : qualifiers) {
     m_text += "<QUALIFIER";
-    Attribute("NAME", qualifier.name);
+    Attribute("NAME", GetSpelling(qualifier.name));
     Attribute("TYPE", GetWireType(qualifier.value.GetType()));
     if (m_style == EStyle::kPegasus) {
       const TFlavor& flavor = FindFlavor(qualifier.name);
