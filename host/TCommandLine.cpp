@@ -105,8 +105,9 @@ void RefuseEmpty(const CLI::App& app, const char* name) {
 }  // namespace
 
 TCommandLine::TCommandLine()
-    : m_app(std::make_unique<CLI::App>("Finds and runs the hardware tests of this machine.",
-                                       "diagsrun")) {
+    : m_app(std::make_unique<CLI::App>(
+          "Finds and runs the hardware tests of this machine or behind a CIM server.",
+          "diagsrun")) {
   m_app->require_subcommand(0, 1);
   m_app->fallthrough();
   m_app->set_version_flag("--version", "diagsrun " DIAGSRUNNER_VERSION, "Print the version");

@@ -8,6 +8,8 @@
 
 #include <chrono>
 #include <csignal>
+#include <fstream>
+#include <iterator>
 #include <thread>
 
 #include "tests/host/THostFixture.h"
@@ -60,6 +62,21 @@ TEST_F(ServerRequestTest, SendsTheCredentialsOfTheEnvironment) {
   program.environment["DIAGSRUNNER_SERVER_USER"] = "me";
   program.environment["DIAGSRUNNER_SERVER_PASSWORD"] = "sesame";
   EXPECT_THAT(SeeRequest(program), HasSubstr(kLogin));
+}
+
+TEST_F(ServerRequestTest, ThePasswordCannotBeSeenInTheProcess) {
+  TProgram program = MakeCall({"list"});
+  program.environment["DIAGSRUNNER_SERVER_USER"] = "me";
+  program.environment["DIAGSRUNNER_SERVER_PASSWORD"] = "sesame";
+  const TSubprocess command(program);
+  EXPECT_THAT(m_listener.TakeRequest(), HasSubstr(kLogin));
+  const std::string process = "/proc/" + std::to_string(command.GetPid());
+  for (const char* name : {"/environ", "/cmdline"}) {
+    std::ifstream file(process + name);
+    const std::string seen{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    EXPECT_THAT(seen, Not(IsEmpty()));
+    EXPECT_THAT(seen, Not(HasSubstr("sesame")));
+  }
 }
 
 TEST_F(ServerRequestTest, SendsThePasswordOfTheEnvironmentForTheUserOfTheCommandLine) {
