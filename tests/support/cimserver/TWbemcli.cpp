@@ -3,8 +3,12 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <regex>
+#include <sstream>
 #include <stdexcept>
 
+#include "platform/model/CIMStatus.h"
 #include "tests/support/TSubprocess.h"
 
 namespace cimserver {
@@ -106,23 +110,22 @@ void ReadProperty(const std::string& line, const std::string& nameSpace, TWbemcl
   object.properties[line.substr(1, equals - 1)] = ReadValue(line.substr(equals + 1), nameSpace);
 }
 
-// `path Method: value`, and behind it a line `Name (type): value` for each out-parameter.
-bool ReadReturn(const std::string& line, const std::string& nameSpace, TWbemcliAnswer& answer) {
-  const std::size_t blank = FindEnd(line, 0, " ");
-  const std::size_t colon = line.find(": ", blank);
-  if (blank == line.size() || colon == std::string::npos) return false;
-  if (line.compare(blank, 3, " : ") == 0) return false;
-  answer.returnValue = ReadValue(line.substr(colon + 2), nameSpace);
-  return true;
+// Texts of out-parameters have no quotes, and yet what is in them is escaped as if they had.
+std::string ReadOutValue(const std::string& type, const std::string& text,
+                         const std::string& nameSpace) {
+  if (type == "reference") return ReadValue(text, nameSpace);
+  return type == "string" ? Unquote('"' + text + '"') : text;
 }
 
-bool ReadOutParameter(const std::string& line, const std::string& nameSpace,
-                      TWbemcliAnswer& answer) {
-  const std::size_t type = line.find(" (");
-  const std::size_t colon = line.find("): ", type);
-  if (type == std::string::npos || colon == std::string::npos) return false;
-  if (line.find_first_of(":\"") < type) return false;
-  answer.outParameters[line.substr(0, type)] = ReadValue(line.substr(colon + 3), nameSpace);
+// A line `Name (type): value`; false for one that goes on with a text of many lines.
+bool ReadOutParameter(const std::string& line, std::string& name, std::string& type,
+                      std::string& text) {
+  static const std::regex kLine(R"((\w+) \((\w+)\): (.*))");
+  std::smatch match;
+  if (!std::regex_match(line, match, kLine)) return false;
+  name = match[1];
+  type = match[2];
+  text = match[3];
   return true;
 }
 
@@ -133,14 +136,13 @@ void ReadLine(const std::string& line, const std::string& nameSpace, TWbemcliAns
     ReadProperty(line, nameSpace, answer.objects.back());
     return;
   }
-  if (ReadOutParameter(line, nameSpace, answer) || ReadReturn(line, nameSpace, answer)) return;
   const std::string path = line.substr(0, FindEnd(line, 0, " "));
   answer.objects.push_back({ReadPath(path, nameSpace), {}});
 }
 
-// "* wbemcli: Cim: (6) words", or the words of another exception.
+// "* /usr/bin/wbemcli: Cim: (6) words", or the words of another exception.
 void ReadError(const std::string& err, TWbemcliAnswer& answer) {
-  static const std::string kStart = "* wbemcli: ";
+  static const std::string kStart = "wbemcli: ";
   static const std::string kCim = "Cim: (";
   const std::size_t start = err.find(kStart);
   if (start == std::string::npos) {
@@ -152,6 +154,9 @@ void ReadError(const std::string& err, TWbemcliAnswer& answer) {
   if (text.rfind(kCim, 0) == 0) {
     answer.cimStatus = static_cast<unsigned int>(std::stoul(text.substr(kCim.size())));
     text = text.substr(text.find(") ") + 2);
+    // wbemcli puts the name there itself where the server does not.
+    const std::string name = NZEPQEL20::GetCIMStatusName(answer.cimStatus) + ": ";
+    if (text.rfind(name, 0) == 0) text = text.substr(name.size());
   }
   answer.error = text;
 }
@@ -179,6 +184,30 @@ TWbemcliAnswer ReadWbemcli(int exitStatus, const std::string& out, const std::st
   return answer;
 }
 
+TWbemcliAnswer ReadWbemcliCall(int exitStatus, const std::string& out, const std::string& err,
+                               const std::string& nameSpace) {
+  TWbemcliAnswer answer;
+  answer.exitStatus = exitStatus;
+  if (exitStatus != 0) {
+    ReadError(err, answer);
+    return answer;
+  }
+  std::istringstream lines(out);
+  std::string line;
+  std::getline(lines, line);
+  const std::size_t colon = line.find(": ", FindEnd(line, 0, " "));
+  if (colon == std::string::npos) throw std::runtime_error("no return value: " + line);
+  answer.returnValue = line.substr(colon + 2);
+  std::string name;
+  std::string type;
+  std::string text;
+  while (std::getline(lines, line)) {
+    if (!ReadOutParameter(line, name, type, text)) text += '\n' + line;
+    answer.outParameters[name] = ReadOutValue(type, text, nameSpace);
+  }
+  return answer;
+}
+
 bool TWbemcli::IsInstalled() {
   return ::access(kProgram, X_OK) == 0;
 }
@@ -197,7 +226,8 @@ TWbemcliAnswer TWbemcli::Run(const std::string& operation, const std::string& ob
   // What a person has set for proxies must not lead a test astray.
   program.environment = {{"no_proxy", "*"}, {"http_proxy", ""}, {"https_proxy", ""}};
   const programs::TFinished finished = programs::RunToEnd(program);
-  TWbemcliAnswer answer = ReadWbemcli(finished.status, finished.out, finished.err, m_nameSpace);
+  const auto read = operation == "cm" ? ReadWbemcliCall : ReadWbemcli;
+  TWbemcliAnswer answer = read(finished.status, finished.out, finished.err, m_nameSpace);
   if (operation == "gc" || operation == "ec") TakeMarks(answer);
   return answer;
 }

@@ -24,7 +24,7 @@ struct TWbemcliObject {
 struct TWbemcliAnswer {
   int exitStatus = -1;                  ///< 0, or 16 for any failure.
   unsigned int cimStatus = 0;           ///< The number of a CIM error; 0 when there was none.
-  std::string error;                    ///< The words of the failure, after the number.
+  std::string error;                    ///< The words of the failure, after number and name.
   std::vector<TWbemcliObject> objects;  ///< In the server's order.
   std::string returnValue;              ///< Of a method.
   std::map<std::string, std::string> outParameters;  ///< Of a method; texts as above.
@@ -49,7 +49,8 @@ class TWbemcli {
   TWbemcliAnswer EnumerateInstances(const std::string& className) const;
   TWbemcliAnswer EnumerateInstanceNames(const std::string& className) const;
   TWbemcliAnswer GetInstance(const TCIMReference& path) const;
-  /// `properties` as wbemcli takes them: `Name="text",Number=3`.
+  /// `properties` as wbemcli takes them: `Name="text",Number=3`. A text with a comma or a blank in
+  /// it does not get through.
   TWbemcliAnswer CreateInstance(const TCIMReference& path, const std::string& properties) const;
   TWbemcliAnswer ModifyInstance(const TCIMReference& path, const std::string& properties) const;
   TWbemcliAnswer DeleteInstance(const TCIMReference& path) const;
@@ -57,7 +58,7 @@ class TWbemcli {
   TWbemcliAnswer AssociatorNames(const TCIMReference& path) const;
   TWbemcliAnswer References(const TCIMReference& path) const;
   TWbemcliAnswer ReferenceNames(const TCIMReference& path) const;
-  /// `parameters` as wbemcli takes them: `Name="text",Other=namespace:Class.Key="value"`.
+  /// `parameters` as wbemcli takes them: `Name="text",Other=host/namespace:Class.Key="value"`.
   TWbemcliAnswer InvokeMethod(const TCIMReference& path, const std::string& method,
                               const std::string& parameters) const;
 
@@ -74,5 +75,9 @@ class TWbemcli {
 /// Errors: std::runtime_error naming a line that it does not understand.
 TWbemcliAnswer ReadWbemcli(int exitStatus, const std::string& out, const std::string& err,
                            const std::string& nameSpace);
+
+/// The same of a run that called a method.
+TWbemcliAnswer ReadWbemcliCall(int exitStatus, const std::string& out, const std::string& err,
+                               const std::string& nameSpace);
 
 }  // namespace cimserver

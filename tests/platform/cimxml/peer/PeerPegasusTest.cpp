@@ -100,7 +100,7 @@ TEST_F(PeerPegasusTest, WritesAnEnumerationWithAllThatIsDeclared) {
                   "<PROPERTY.ARRAY NAME=\"Words\"  TYPE=\"string\">\n"
                   "<VALUE.ARRAY>\n"
                   "<VALUE>x,y</VALUE>\n"
-                  "<VALUE.NULL/>\n"
+                  "<VALUE>\\ z</VALUE>\n"
                   "</VALUE.ARRAY>\n"
                   "</PROPERTY.ARRAY>\n"
                   "</INSTANCE>\n"
@@ -170,6 +170,32 @@ TEST_F(PeerPegasusTest, EscapesAnEmbeddedInstanceOncePerLevel) {
                         "&lt;PROPERTY NAME=&quot;Caption&quot;  TYPE=&quot;string&quot;&gt;&#10;"
                         "&lt;VALUE&gt;&amp;lt;deep&amp;gt;&lt;/VALUE&gt;&#10;&lt;/PROPERTY&gt;&#10;"
                         "&lt;/INSTANCE&gt;&#10;</VALUE>\n</PROPERTY>\n"));
+}
+
+TEST_F(PeerPegasusTest, MarksWhatIsNullInAnArray) {
+  TCIMInstanceData thing{TPeerWorld::GetPath("gap"), {}};
+  thing.Set("Words", TCIMValue::Array(ECIMType::kString, {TCIMValue::Null(ECIMType::kString)}));
+  thing.Set("Numbers", TCIMValue::Array(ECIMType::kUInt16, {}));
+  m_world.GetOperations()->AddInstance("root/cimv2", thing);
+  const std::string reply =
+      Ask("GetInstance", PathParameter("gap") + ListParameter({"Words", "Numbers"}));
+  EXPECT_THAT(reply, HasSubstr("<PROPERTY.ARRAY NAME=\"Numbers\"  TYPE=\"uint16\">\n"
+                               "<VALUE.ARRAY>\n"
+                               "</VALUE.ARRAY>\n"
+                               "</PROPERTY.ARRAY>\n"
+                               "<PROPERTY.ARRAY NAME=\"Words\"  TYPE=\"string\">\n"
+                               "<VALUE.ARRAY>\n"
+                               "<VALUE.NULL/>\n"
+                               "</VALUE.ARRAY>\n"
+                               "</PROPERTY.ARRAY>\n"));
+}
+
+// No XML document may hold these, and yet servers send them.
+TEST_F(PeerPegasusTest, SendsControlCharactersAsReferences) {
+  TCIMInstanceData thing{TPeerWorld::GetPath("bell"), {}};
+  thing.Set("Caption", TCIMValue("\a"));
+  m_world.GetOperations()->AddInstance("root/cimv2", thing);
+  EXPECT_THAT(Ask("GetInstance", PathParameter("bell")), HasSubstr("<VALUE>&#7;</VALUE>"));
 }
 
 TEST_F(PeerPegasusTest, WritesWhatAMethodReturns) {

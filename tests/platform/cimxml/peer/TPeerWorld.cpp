@@ -66,8 +66,7 @@ TCIMInstanceData MakeFullThing() {
   thing.Set("When", TCIMValue::DateTime("20240229123456.000000+060"));
   thing.Set("Numbers",
             TCIMValue::Array(ECIMType::kUInt16, {TCIMValue::UInt16(3), TCIMValue::UInt16(4)}));
-  thing.Set("Words", TCIMValue::Array(ECIMType::kString,
-                                      {TCIMValue("x,y"), TCIMValue::Null(ECIMType::kString)}));
+  thing.Set("Words", TCIMValue::Array(ECIMType::kString, {TCIMValue("x,y"), TCIMValue("\\ z")}));
   thing.Set("Other", TCIMValue(TPeerWorld::GetPath("two")));
   thing.Set("Inner", TCIMValue::Instance(
                          std::make_shared<const TCIMInstanceData>(MakeBase("in", "<deep>"))));
