@@ -121,6 +121,18 @@ TEST(ScriptedServerTest, BreaksAConnectionSuchThatTheClientSeesAnError) {
   EXPECT_EQ(client.GetErrno(), ECONNRESET);
 }
 
+TEST(ScriptedServerTest, TakesAPartOfARequest) {
+  TScriptedServer server;
+  server.Queue(TPlay().Take(5).Send("x"));
+  TPlainClient client(server.GetPort());
+  client.Send(kRequest);
+  client.Send(std::string("12345") + kRequest);
+  EXPECT_EQ(client.Receive(1), "x");
+  client.Receive(TScriptedServer::GetGoodReply().size());
+  ASSERT_EQ(server.GetRequests().size(), 2U);
+  EXPECT_TRUE(server.GetRequests()[1].HasLine("POST / HTTP/1.1"));
+}
+
 TEST(ScriptedServerTest, ActsAtOnceWhenItIsToldTo) {
   TScriptedServer server;
   server.Queue(TPlay::AtOnce().Send("hello").Close());

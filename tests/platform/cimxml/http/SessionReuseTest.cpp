@@ -65,16 +65,32 @@ TEST_F(SessionReuseTest, ARequestThatWasReadAndNotAnsweredIsSeenOnce) {
   }
 }
 
-TEST_F(SessionReuseTest, ALargeRequestIsNotSentAgainWhenTheServerBreaksOffInTheMiddle) {
-  ASSERT_EQ(Try(m_session).kind, TOutcome::kGood);
-  m_server.Queue(TPlay().Send(TScriptedServer::GetGoodReply()).Reset());
-  ASSERT_EQ(Try(m_session).kind, TOutcome::kGood);
+TEST_F(SessionReuseTest, ARequestThatWasReadInPartIsNotSentAgain) {
+  for (const std::size_t size : {std::size_t{1000}, std::size_t{12} << 20U}) {
+    TScriptedServer server;
+    THttpSession session(MakeOptions("http", server.GetPort()));
+    THttpRequest request = MakeRequest();
+    request.body.assign(size, 'x');
+    // The header of this request has less than 500 bytes.
+    server.Queue(TPlay().Send(TScriptedServer::GetGoodReply()).Take(500).Reset());
+    ASSERT_EQ(Try(session).kind, TOutcome::kGood);
+    const TOutcome outcome = Try(session, request);
+    EXPECT_EQ(outcome.kind, TOutcome::kLost) << outcome.text;
+    EXPECT_EQ(Try(session).kind, TOutcome::kGood);
+    const std::vector<TSeenRequest> seen = server.GetRequests();
+    ASSERT_EQ(seen.size(), 2U);
+    EXPECT_EQ(seen[1].body, MakeRequest().body);
+  }
+}
+
+TEST_F(SessionReuseTest, AnAnswerBeforeTheEndOfTheRequestIsRead) {
+  m_server.Queue(TPlay::AtOnce().Send("HTTP/1.1 413 Too Large\r\n\r\n").Hang());
   THttpRequest request = MakeRequest();
-  request.body.assign(std::size_t{4} << 20U, 'x');
-  m_server.Queue(TPlay().Reset());
+  request.body.assign(std::size_t{12} << 20U, 'x');
   const TOutcome outcome = Try(m_session, request);
-  EXPECT_EQ(outcome.kind, TOutcome::kLost) << outcome.text;
-  EXPECT_EQ(m_server.GetRequests().size(), 3U);
+  EXPECT_EQ(outcome.httpStatus, 413) << outcome.text;
+  EXPECT_LT(outcome.elapsed, std::chrono::seconds(4));
+  EXPECT_EQ(Try(m_session).kind, TOutcome::kGood);
 }
 
 TEST_F(SessionReuseTest, AServerMayCloseAfterEachAnswer) {

@@ -88,6 +88,11 @@ TPlay& TPlay::Trickle(const std::string& bytes, std::chrono::milliseconds pause)
   return *this;
 }
 
+TPlay& TPlay::Take(std::size_t size) {
+  m_steps.push_back({EStep::kTake, "", size});
+  return *this;
+}
+
 TPlay& TPlay::Wait(std::chrono::milliseconds time) {
   m_steps.push_back({EStep::kWait, "", 0, time});
   return *this;
@@ -213,30 +218,28 @@ void TScriptedServer::Serve(int socket, int connection) {
 
 void TScriptedServer::ServeUntilEnd(int socket, int connection) {
   TPlay atOnce;
-  if (TakePlayAtOnce(atOnce)) {
-    const std::unique_ptr<IServerStream> plain = OpenStream(socket, nullptr);
-    if (Act(*plain, atOnce)) Converse(*plain, connection);
-    return;
-  }
-  const std::unique_ptr<IServerStream> stream = OpenStream(socket, m_tls.get());
-  if (stream) Converse(*stream, connection);
+  const bool isAtOnce = TakePlayAtOnce(atOnce);
+  const std::unique_ptr<IServerStream> stream =
+      OpenStream(socket, isAtOnce ? nullptr : m_tls.get());
+  if (!stream) return;
+  TConversation conversation{*stream, {}};
+  if (Act(conversation, atOnce)) Converse(conversation, connection);
 }
 
-void TScriptedServer::Converse(IServerStream& stream, int connection) {
-  std::string input;
+void TScriptedServer::Converse(TConversation& conversation, int connection) {
   TSeenRequest request;
   request.connection = connection;
-  while (ReadRequest(stream, input, request)) {
+  while (ReadRequest(conversation, request)) {
     {
       const std::lock_guard<std::mutex> lock(m_mutex);
       m_requests.push_back(request);
     }
-    if (!Act(stream, TakePlay())) return;
+    if (!Act(conversation, TakePlay())) return;
   }
 }
 
-bool TScriptedServer::ReadRequest(IServerStream& stream, std::string& input,
-                                  TSeenRequest& request) const {
+bool TScriptedServer::ReadRequest(TConversation& conversation, TSeenRequest& request) const {
+  std::string& input = conversation.input;
   char buffer[16384];
   for (;;) {
     const std::size_t end = input.find("\r\n\r\n");
@@ -249,7 +252,8 @@ bool TScriptedServer::ReadRequest(IServerStream& stream, std::string& input,
         return true;
       }
     }
-    const std::size_t got = input.size() < kMaxRequest ? stream.Read(buffer, sizeof buffer) : 0;
+    const bool hasRoom = input.size() < kMaxRequest;
+    const std::size_t got = hasRoom ? conversation.stream.Read(buffer, sizeof buffer) : 0;
     if (got == 0) return false;
     input.append(buffer, got);
   }
@@ -271,15 +275,16 @@ TPlay TScriptedServer::TakePlay() {
   return play;
 }
 
-bool TScriptedServer::Act(IServerStream& stream, const TPlay& play) {
+bool TScriptedServer::Act(TConversation& conversation, const TPlay& play) {
   for (const TPlay::TStep& step : play.GetSteps()) {
-    if (!ActStep(stream, step)) return false;
+    if (!ActStep(conversation, step)) return false;
   }
   return true;
 }
 
 // False when the connection is over.
-bool TScriptedServer::ActStep(IServerStream& stream, const TPlay::TStep& step) {
+bool TScriptedServer::ActStep(TConversation& conversation, const TPlay::TStep& step) {
+  IServerStream& stream = conversation.stream;
   switch (step.kind) {
     case TPlay::EStep::kSend:
       for (std::size_t i = 0; i < step.count; ++i) {
@@ -292,6 +297,8 @@ bool TScriptedServer::ActStep(IServerStream& stream, const TPlay::TStep& step) {
         if (!WaitFor(stream, step.pause)) return false;
       }
       return true;
+    case TPlay::EStep::kTake:
+      return TakeBytes(conversation, step.count);
     case TPlay::EStep::kWait:
       return WaitFor(stream, step.pause);
     case TPlay::EStep::kClose:
@@ -308,6 +315,18 @@ bool TScriptedServer::SendCounted(IServerStream& stream, const std::string& byte
   if (!stream.Write(bytes.data(), bytes.size())) return false;
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_sentBytes += bytes.size();
+  return true;
+}
+
+bool TScriptedServer::TakeBytes(TConversation& conversation, std::size_t size) const {
+  std::string& input = conversation.input;
+  char buffer[4096];
+  while (input.size() < size) {
+    const std::size_t got = conversation.stream.Read(buffer, sizeof buffer);
+    if (got == 0) return false;
+    input.append(buffer, got);
+  }
+  input.erase(0, size);
   return true;
 }
 

@@ -18,7 +18,7 @@ namespace diagstest {
 /// What a scripted server does in answer to one request, step by step.
 class TPlay {
  public:
-  enum class EStep { kSend, kTrickle, kWait, kClose, kReset };
+  enum class EStep { kSend, kTrickle, kTake, kWait, kClose, kReset };
 
   struct TStep {
     EStep kind;
@@ -35,6 +35,8 @@ class TPlay {
   TPlay& Repeat(const std::string& bytes, std::size_t count);
   /// Sends `bytes` one at a time with a pause after each.
   TPlay& Trickle(const std::string& bytes, std::chrono::milliseconds pause);
+  /// Reads that much of the next request, which then counts as not seen.
+  TPlay& Take(std::size_t size);
   /// Does nothing for `time`, or until the server ends.
   TPlay& Wait(std::chrono::milliseconds time);
   /// Does nothing until the server ends, or the other side goes.
@@ -91,17 +93,24 @@ class TScriptedServer {
   std::size_t CountSentBytes() const;
 
  private:
+  // A connection, and what was read of it and not used yet.
+  struct TConversation {
+    IServerStream& stream;
+    std::string input;
+  };
+
   void Start();
   void AcceptAll();
   void Serve(int socket, int connection);
   void ServeUntilEnd(int socket, int connection);
-  void Converse(IServerStream& stream, int connection);
-  bool ReadRequest(IServerStream& stream, std::string& input, TSeenRequest& request) const;
+  void Converse(TConversation& conversation, int connection);
+  bool ReadRequest(TConversation& conversation, TSeenRequest& request) const;
   bool TakePlayAtOnce(TPlay& play);
   TPlay TakePlay();
-  bool Act(IServerStream& stream, const TPlay& play);
-  bool ActStep(IServerStream& stream, const TPlay::TStep& step);
+  bool Act(TConversation& conversation, const TPlay& play);
+  bool ActStep(TConversation& conversation, const TPlay::TStep& step);
   bool SendCounted(IServerStream& stream, const std::string& bytes);
+  bool TakeBytes(TConversation& conversation, std::size_t size) const;
   bool WaitFor(const IServerStream& stream, std::chrono::milliseconds time) const;
 
   std::unique_ptr<TTlsSettings> m_tls;
