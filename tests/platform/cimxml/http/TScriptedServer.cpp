@@ -193,19 +193,16 @@ void TScriptedServer::AcceptAll() {
     if (watched[0].revents == 0) continue;
     const int socket = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
     if (socket < 0) continue;
+    // A second name for the connection, by which the server's end cuts it off.
+    const int cord = ::dup(socket);
     const std::lock_guard<std::mutex> lock(m_mutex);
+    m_cords.insert(cord);
     const int connection = ++m_connections;
-    m_threads.emplace_back([this, socket, connection] { Serve(socket, connection); });
+    m_threads.emplace_back([=] { Serve(socket, cord, connection); });
   }
 }
 
-void TScriptedServer::Serve(int socket, int connection) {
-  // A second name for the connection, by which the server's end cuts it off.
-  const int cord = ::dup(socket);
-  {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_cords.insert(cord);
-  }
+void TScriptedServer::Serve(int socket, int cord, int connection) {
   try {
     ServeUntilEnd(socket, connection);
   } catch (const std::exception& e) {

@@ -101,7 +101,7 @@ class TScriptedServer {
 
   void Start();
   void AcceptAll();
-  void Serve(int socket, int connection);
+  void Serve(int socket, int cord, int connection);
   void ServeUntilEnd(int socket, int connection);
   void Converse(TConversation& conversation, int connection);
   bool ReadRequest(TConversation& conversation, TSeenRequest& request) const;
