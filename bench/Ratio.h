@@ -9,27 +9,36 @@
 
 namespace bench {
 
+inline double GetSeconds(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+}
+
 /// Processor seconds used so far by this process (RUSAGE_SELF) or by its finished children
 /// (RUSAGE_CHILDREN). What else the machine does counts for neither.
 inline double GetProcessorSeconds(int who) {
   rusage usage{};
   getrusage(who, &usage);
-  const auto seconds = [](const timeval& time) {
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
-  };
-  return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+  return GetSeconds(usage.ru_utime) + GetSeconds(usage.ru_stime);
+}
+
+/// The same without what the system did for them.
+inline double GetUserSeconds(int who) {
+  rusage usage{};
+  getrusage(who, &usage);
+  return GetSeconds(usage.ru_utime);
 }
 
 /// Runs `measured` and `reference` in turn for as long as `state` wants and reports the median
 /// of measured time over reference time, pair by pair, as the counter "ratio": a machine that
-/// speeds up or slows down does so for both. `who` tells whose time counts.
+/// speeds up or slows down does so for both. `clock` gives the seconds that count.
 template <typename TMeasured, typename TReference>
-void MeasureRatio(benchmark::State& state, const TMeasured& measured, const TReference& reference,
-                  int who = RUSAGE_SELF) {
-  const auto time = [who](const auto& call) {
-    const double start = GetProcessorSeconds(who);
+void MeasureRatio(
+    benchmark::State& state, const TMeasured& measured, const TReference& reference,
+    double (*clock)() = [] { return GetProcessorSeconds(RUSAGE_SELF); }) {
+  const auto time = [clock](const auto& call) {
+    const double start = clock();
     call();
-    return std::max(GetProcessorSeconds(who) - start, 1e-6);
+    return std::max(clock() - start, 1e-6);
   };
   std::vector<double> ratios;
   double measuredSeconds = 0;

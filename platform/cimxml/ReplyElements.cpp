@@ -2,6 +2,7 @@
 #include "platform/cimxml/ReplyElements.h"
 
 #include <array>
+#include <cstring>
 #include <initializer_list>
 
 namespace NZEPQEL20::cimxml {
@@ -126,7 +127,11 @@ bool MayContain(EElement parent, EElement child) {
 
 std::string_view TAttributes::Find(std::string_view name) const {
   for (const char* const* pair = m_pairs; *pair != nullptr; pair += 2) {
-    if (name == pair[0]) return pair[1];
+    // Most names differ in their first letter; their lengths need not be known for that.
+    const bool isIt = pair[0][0] == name.front() &&
+                      std::strncmp(pair[0], name.data(), name.size()) == 0 &&
+                      pair[0][name.size()] == '\0';
+    if (isIt) return pair[1];
   }
   return {};
 }

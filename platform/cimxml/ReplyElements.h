@@ -64,7 +64,7 @@ class TAttributes {
  public:
   explicit TAttributes(const char* const* pairs) : m_pairs(pairs) {}
 
-  /// Empty when there is none of that name.
+  /// Empty when there is none of that name. `name` must not be empty.
   std::string_view Find(std::string_view name) const;
 
  private:

@@ -98,8 +98,8 @@ TCIMValue TReplyReader::ReadScalar(const TValueFrame& frame) {
       }
       return TCIMValue::Instance(ReadEmbedded(m_text, m_nameSpace, m_level + 1));
     }
-    const std::optional<TCIMValue> value = ReadWireValue(frame.type, m_text);
-    if (value) return *value;
+    std::optional<TCIMValue> value = ReadWireValue(frame.type, m_text);
+    if (value) return std::move(*value);
     reason = std::string("is no ") + GetTypeName(frame.type);
   } catch (const TQELException& e) {
     reason = std::string("holds no instance: ") + e.what();

@@ -49,7 +49,7 @@ void SetLimits(CURL* handle) {
   SetOption(handle, CURLOPT_TCP_KEEPALIVE, 1L);
   SetOption(handle, CURLOPT_MAXCONNECTS, 1L);
   SetOption(handle, CURLOPT_HTTP_CONTENT_DECODING, 0L);
-  SetOption(handle, CURLOPT_BUFFERSIZE, 64L * 1024);
+  SetOption(handle, CURLOPT_BUFFERSIZE, 256L * 1024);
 }
 
 void SetTls(CURL* handle, const TServerOptions& options) {

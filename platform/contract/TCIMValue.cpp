@@ -133,6 +133,8 @@ TCIMValue::TCIMValue(const char* text) : m_type(ECIMType::kString) {
 
 TCIMValue::TCIMValue(const std::string& text) : m_type(ECIMType::kString), m_data(text) {}
 
+TCIMValue::TCIMValue(std::string&& text) : m_type(ECIMType::kString), m_data(std::move(text)) {}
+
 TCIMValue::TCIMValue(const TCIMReference& reference)
     : m_type(ECIMType::kReference), m_data(std::make_shared<const TCIMReference>(reference)) {}
 

@@ -55,6 +55,7 @@ class DIAGSPLATFORM_EXPORT TCIMValue {
   /// A string; a null pointer gives a NULL string.
   TCIMValue(const char* text);                // NOLINT(google-explicit-constructor)
   TCIMValue(const std::string& text);         // NOLINT(google-explicit-constructor)
+  TCIMValue(std::string&& text);              // NOLINT(google-explicit-constructor)
   TCIMValue(const TCIMReference& reference);  // NOLINT(google-explicit-constructor)
 
   static TCIMValue Null(ECIMType type, bool isArray = false);
