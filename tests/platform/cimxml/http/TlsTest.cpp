@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <openssl/ssl.h>
+#include <unistd.h>
+
+#include <cstdlib>
 
 #include "tests/platform/cimxml/http/TFault.h"
 #include "tests/support/cimserver/TThrowAwayCa.h"
@@ -258,6 +261,28 @@ TEST_F(TlsTest, NamesWhatIsWrongWithAClientCertificate) {
                 "the client certificate cannot be used (~", advice);
 }
 
+// Standard input, with the pass phrase "x" to be read from it.
+class TTypedPassPhrase {
+ public:
+  TTypedPassPhrase() : m_before(::dup(STDIN_FILENO)) {
+    int ends[2] = {-1, -1};
+    EXPECT_EQ(::pipe(ends), 0);
+    EXPECT_EQ(::write(ends[1], "x\nx\n", 4), 4);
+    ::dup2(ends[0], STDIN_FILENO);
+    ::close(ends[0]);
+    ::close(ends[1]);
+  }
+  ~TTypedPassPhrase() {
+    ::dup2(m_before, STDIN_FILENO);
+    ::close(m_before);
+  }
+  TTypedPassPhrase(const TTypedPassPhrase&) = delete;
+  TTypedPassPhrase& operator=(const TTypedPassPhrase&) = delete;
+
+ private:
+  int m_before;
+};
+
 // OpenSSL would ask for the pass phrase on the terminal, and wait.
 TEST_F(TlsTest, DoesNotAskForThePassPhraseOfAKey) {
   const TTemporaryFolder folder;
@@ -267,6 +292,7 @@ TEST_F(TlsTest, DoesNotAskForThePassPhraseOfAKey) {
   const std::string command = "openssl pkey -in " + s_ca->GetClient().key + " -aes256 -passout " +
                               "pass:x -out " + options.clientKey;
   ASSERT_EQ(std::system(command.c_str()), 0);
+  const TTypedPassPhrase typed;
   ExpectRefusal(options, server, TQELStatusCode::kInvalidArgument,
                 "the client certificate cannot be used (~",
                 "); it must be PEM, with a key that fits and is not encrypted");
