@@ -69,11 +69,22 @@ char ToLower(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
+// Where the plain ASCII text that begins at `at` ends: most of what is shown.
+std::size_t FindPlainEnd(const std::string& text, std::size_t at) {
+  while (at < text.size() && text[at] >= ' ' && text[at] < '\x7F') ++at;
+  return at;
+}
+
 }  // namespace
 
 std::string SafeText(const std::string& text, ELines lines) {
   std::string safe;
+  safe.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {
+    const std::size_t plainEnd = FindPlainEnd(text, at);
+    safe.append(text, at, plainEnd - at);
+    at = plainEnd;
+    if (at == text.size()) break;
     const TDecoded decoded = Decode(text, at);
     const bool isLayout = decoded.character == '\n' || decoded.character == '\t';
     if (decoded.size == 0) {
