@@ -31,12 +31,9 @@ bool TReplyReader::StartPath(EElement element, const TAttributes& attributes) {
     case EElement::kClassName:
       StartClassName(attributes);
       return true;
-    case EElement::kNamespace: {
-      const std::string& above = m_paths.back().GetNamespaceName();
-      std::string name(attributes.Find("NAME"));
-      m_paths.back().SetNamespaceName(above.empty() ? name : above + "/" + name);
+    case EElement::kNamespace:
+      StartNamespace(std::string(attributes.Find("NAME")));
       return true;
-    }
     case EElement::kKeyBinding:
       m_keys.push_back({std::string(attributes.Find("NAME")), {}, {}});
       return true;
@@ -49,6 +46,12 @@ bool TReplyReader::StartPath(EElement element, const TAttributes& attributes) {
     default:
       return false;
   }
+}
+
+void TReplyReader::StartNamespace(const std::string& name) {
+  if (name.empty()) return;
+  const std::string& above = m_paths.back().GetNamespaceName();
+  m_paths.back().SetNamespaceName(above.empty() ? name : above + "/" + name);
 }
 
 void TReplyReader::StartClassName(const TAttributes& attributes) {

@@ -62,6 +62,7 @@ class TReplyReader final : public IReplyBody, private IXmlEvents {
   // Paths.
   bool StartPath(EElement element, const TAttributes& attributes);
   bool EndPath(EElement element);
+  void StartNamespace(const std::string& name);
   void StartClassName(const TAttributes& attributes);
   void EndKey();
   void EndReference();
