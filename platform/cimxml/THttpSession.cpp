@@ -124,7 +124,8 @@ THttpTrailers THttpSession::Exchange(const THttpRequest& request, IReplyBody& bo
   const TClock::time_point deadline = TClock::now() + request.timeout;
   TConnectionPool& pool = m_parts->pool;
   // A handle that is not returned is closed with its connection: whatever failed on it stays there.
-  TCurlHandle handle = request.isMethodCall ? pool.TakeFresh() : pool.Take();
+  const bool isFresh = request.isMethodCall || request.wantsFreshConnection;
+  TCurlHandle handle = isFresh ? pool.TakeFresh() : pool.Take();
   THttpTrailers trailers;
   if (m_parts->UsesLocalAuthentication()) {
     trailers = m_parts->ExchangeLocally(handle, request, body, deadline);

@@ -16,8 +16,10 @@ struct THttpRequest {
   std::string method;  ///< Name of the operation or method; encoded by the session.
   std::string object;  ///< Namespace, or object path of a method call; encoded by the session.
   std::string body;    ///< The XML document, UTF-8.
-  /// Whether sending it twice could do harm: such a request is given a connection of its own and
-  /// is never sent again by anyone.
+  /// Whether the request shall open a connection: one that was kept may have been closed by the
+  /// server already, and the request would be lost on it, seen or not.
+  bool wantsFreshConnection = false;
+  /// Whether it starts something that must not be started twice. Implies `wantsFreshConnection`.
   bool isMethodCall = false;
   std::chrono::milliseconds timeout{0};  ///< For the whole exchange; must be above 0.
 };

@@ -44,6 +44,18 @@ TEST_F(SessionReuseTest, AMethodCallGetsAConnectionThatNobodyUsedBefore) {
   EXPECT_EQ(seen[2].connection, 3);
 }
 
+TEST_F(SessionReuseTest, ARequestThatWantsItGetsAFreshConnectionToo) {
+  THttpRequest create = MakeRequest();
+  create.wantsFreshConnection = true;
+  ASSERT_EQ(Try(m_session).kind, TOutcome::kGood);
+  ASSERT_EQ(Try(m_session, create).kind, TOutcome::kGood);
+  ASSERT_EQ(Try(m_session, create).kind, TOutcome::kGood);
+  const std::vector<TSeenRequest> seen = m_server.GetRequests();
+  ASSERT_EQ(seen.size(), 3U);
+  EXPECT_EQ(seen[1].connection, 2);
+  EXPECT_EQ(seen[2].connection, 3);
+}
+
 // The one thing that must never happen: a test that is started twice.
 TEST_F(SessionReuseTest, ARequestThatWasReadAndNotAnsweredIsSeenOnce) {
   for (const bool isMethodCall : {true, false}) {
