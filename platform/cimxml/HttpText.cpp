@@ -73,18 +73,18 @@ std::string PercentDecode(std::string_view text) {
   return decoded;
 }
 
-std::string MakeSafe(std::string_view text, std::size_t limit) {
+std::string MakeSafe(std::string_view text, std::size_t maxBytes) {
   std::string safe;
   for (std::size_t i = 0; i < text.size();) {
-    if (safe.size() >= limit) return safe + "...";
     const std::size_t size = GetXmlCharacterSize(text.substr(i));
-    if (size == 0 || text[i] == '\x7F' || IsLateControl(text.substr(i, size))) {
-      safe += '?';
+    std::string_view character = text.substr(i, size);
+    if (size == 0 || character == "\x7F" || IsLateControl(character)) {
+      character = "?";
     } else if (IsLineBlank(text[i])) {
-      safe += ' ';
-    } else {
-      safe.append(text, i, size);
+      character = " ";
     }
+    if (safe.size() + character.size() > maxBytes) return safe + "...";
+    safe.append(character);
     i += std::max<std::size_t>(size, 1);
   }
   return safe;

@@ -15,9 +15,10 @@ std::string PercentEncode(std::string_view text);
 /// The opposite; what is no %XX stays as it is.
 std::string PercentDecode(std::string_view text);
 
-/// `text` fit for a message whoever wrote it: one line, no control characters, UTF-8, and cut
-/// after about `limit` bytes.
-std::string MakeSafe(std::string_view text, std::size_t limit = 300);
+/// `text` fit for a message whoever wrote it: one line of UTF-8 without control characters (those
+/// of C0 and C1, and DEL), and at most `maxBytes` of it, cut between two characters. A text that
+/// was cut ends with "...", which comes on top.
+std::string MakeSafe(std::string_view text, std::size_t maxBytes = 300);
 
 /// Compares ASCII letters without case.
 bool EqualsNoCase(std::string_view left, std::string_view right);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <string>
 
 #include "platform/cimxml/HttpText.h"
 
@@ -37,7 +38,22 @@ TEST(HttpTextTest, MakesAnyTextFitForOneLine) {
 TEST(HttpTextTest, CutsLongTextsBetweenCharacters) {
   EXPECT_EQ(MakeSafe("abcdef", 6), "abcdef");
   EXPECT_EQ(MakeSafe("abcdefg", 6), "abcdef...");
-  EXPECT_EQ(MakeSafe("abc\xC3\xA4xyz", 4), "abc\xC3\xA4...");
+  EXPECT_EQ(MakeSafe("abc\xC3\xA4xyz", 3), "abc...");
+  EXPECT_EQ(MakeSafe("abc\xC3\xA4xyz", 4), "abc...");
+  EXPECT_EQ(MakeSafe("abc\xC3\xA4xyz", 5), "abc\xC3\xA4...");
+  EXPECT_EQ(MakeSafe("\xF0\x9F\x94\xA7", 3), "...");
+  EXPECT_EQ(MakeSafe("x", 0), "...");
+  EXPECT_EQ(MakeSafe("", 0), "");
+}
+
+TEST(HttpTextTest, LetsNoControlCharacterThrough) {
+  for (int code = 0; code < 0xA0; ++code) {
+    const char byte = static_cast<char>(code);
+    const std::string text = code < 0x80 ? std::string(1, byte) : std::string("\xC2") + byte;
+    const bool isControl = code < 0x20 || code >= 0x7F;
+    const bool isBlank = code == '\t' || code == '\n' || code == '\r';
+    EXPECT_EQ(MakeSafe("a" + text + "b"), isBlank ? "a b" : isControl ? "a?b" : "a" + text + "b");
+  }
 }
 
 TEST(HttpTextTest, ComparesLettersWithoutCase) {
