@@ -69,7 +69,8 @@ std::uint16_t FindPort(int listener) {
 TCimServer::TCimServer(std::shared_ptr<ICIMOperations> operations, TPeerOptions options)
     : m_options(std::move(options)),
       m_channels(m_options),
-      m_handler(std::move(operations), {m_options.style, m_options.host, m_options.hasPull}) {
+      m_handler(std::move(operations),
+                {m_options.style, m_options.host, m_options.hasPull, m_options.beforeMethod}) {
   Listen();
   m_acceptor = std::thread([this] { Accept(); });
 }

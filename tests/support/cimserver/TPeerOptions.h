@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -29,6 +30,9 @@ struct TPeerOptions {
   std::optional<unsigned int> requestsPerConnection;
   /// Bytes of one chunk of a chunked reply; 0: all in one.
   std::size_t chunkBytes = 0;
+  /// Called with the name of every extrinsic method before the provider is; what it throws is the
+  /// answer. Empty: nothing is.
+  std::function<void(const std::string& method)> beforeMethod;
 };
 
 }  // namespace cimserver

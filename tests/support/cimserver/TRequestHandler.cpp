@@ -206,6 +206,7 @@ std::string TRequestHandler::CarryMethod(const TCimCall& call) {
   TCIMReference target = call.target;
   target.SetNamespaceName(RequireNameSpace(call.nameSpace));
   RequireClass(target.GetNamespaceName(), target.GetClassName(), kCIMInvalidClass);
+  if (m_settings.beforeMethod) m_settings.beforeMethod(call.name);
   TKeyMap parameters = call.parameters;
   const TCIMValue value = m_operations->InvokeMethod(target, call.name, parameters);
   TXmlWriter content = MakeWriter();

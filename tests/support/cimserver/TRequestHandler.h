@@ -31,6 +31,7 @@ class TRequestHandler {
     EStyle style = EStyle::kPegasus;
     std::string host = "peer";
     bool hasPull = true;  ///< Counts for kPegasus only.
+    std::function<void(const std::string& method)> beforeMethod;
   };
 
   TRequestHandler(std::shared_ptr<ICIMOperations> operations, TSettings settings);

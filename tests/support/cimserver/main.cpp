@@ -29,6 +29,8 @@ struct TArguments {
   std::string nameSpace = "root/cimv2";
   std::string style = "pegasus";
   std::string passwordFile;
+  std::string failingMethod;
+  std::string deadlyMethod;
   bool hasNoPull = false;
   unsigned int synthetic = 0;
   bool hasStatistics = false;
@@ -55,6 +57,9 @@ void Declare(CLI::App& app, TArguments& arguments) {
       app.add_option("--password-file", arguments.passwordFile, "File with the user's password");
   app.add_option("--user", arguments.peer.user, "User that HTTP Basic is needed for")
       ->needs(passwordFile);
+  app.add_option("--fail-method", arguments.failingMethod,
+                 "Answer this method with CIM_ERR_FAILED");
+  app.add_option("--die-at-method", arguments.deadlyMethod, "Be killed when this method is called");
   app.add_flag("--no-pull", arguments.hasNoPull, "Refuse pull operations");
   app.add_flag("--stats", arguments.hasStatistics, "Print counts of requests at the end");
 }
@@ -72,6 +77,10 @@ void Complete(TArguments& arguments) {
   }
   arguments.peer.style = arguments.style == "sfcb" ? EStyle::kSfcb : EStyle::kPegasus;
   arguments.peer.hasPull = !arguments.hasNoPull;
+  arguments.peer.beforeMethod = [&arguments](const std::string& method) {
+    if (method == arguments.deadlyMethod) static_cast<void>(::raise(SIGKILL));
+    if (method == arguments.failingMethod) throw std::runtime_error("the provider is gone");
+  };
   if (!arguments.peer.user.empty()) {
     arguments.peer.password = ReadPassword(arguments.passwordFile);
   }
