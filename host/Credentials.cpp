@@ -134,6 +134,10 @@ TCredentials ReadCredentialsFile(const std::string& name) {
   return reader.Finish();
 }
 
+bool HasUser(const TCredentialSources& sources) {
+  return !sources.file.empty() || !sources.user.empty() || !sources.environment.user.empty();
+}
+
 TCredentials FindCredentials(TCredentialSources sources) {
   if (!sources.file.empty()) return ReadCredentialsFile(sources.file);
   CheckEnvironment(sources.environment);

@@ -43,6 +43,9 @@ TEnvironmentCredentials TakeEnvironmentCredentials();
 /// else read or write, is larger than 64 KiB, or says something else or too little.
 TCredentials ReadCredentialsFile(const std::string& name);
 
+/// Whether `sources` lead to a user, so that there has to be a password.
+bool HasUser(const TCredentialSources& sources);
+
 /// The first source that has credentials: the file, the environment, the answer of a human. The
 /// environment's password belongs to the environment's user, or to the one that the command line
 /// names when the environment names none.

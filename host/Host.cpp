@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "host/Commands.h"
+#include "host/CoreFiles.h"
 #include "host/Credentials.h"
 #include "host/Progress.h"
 #include "host/Prompt.h"
@@ -21,6 +22,7 @@
 #include "host/TRunnerDiagnostics.h"
 #include "host/TSignalWatch.h"
 #include "host/TUsageError.h"
+#include "host/TerminateHandler.h"
 #include "host/Text.h"
 #include "platform/contract/TQELException.h"
 #include "platform/contract/TRootObject.h"
@@ -60,6 +62,14 @@ int Complain(const char* reason, EExitStatus status) noexcept {
   return static_cast<int>(status);
 }
 
+// Else the server's refusal would have to be understood as this.
+void WarnOfUnusedPassword(const TCredentialSources& sources) {
+  if (!sources.environment.password || HasUser(sources)) return;
+  std::cerr
+      << "diagsrun: warning: DIAGSRUNNER_SERVER_PASSWORD is set and not used, since no user is "
+         "named; set DIAGSRUNNER_SERVER_USER or use --user\n";
+}
+
 // Who the server is told that this is.
 TCredentials GetCredentials(const TOptions& options, TEnvironmentCredentials environment) {
   if (!options.server) return {};
@@ -67,6 +77,8 @@ TCredentials GetCredentials(const TOptions& options, TEnvironmentCredentials env
   sources.file = options.server->credentialsFile;
   sources.user = options.server->options.user;
   sources.environment = std::move(environment);
+  WarnOfUnusedPassword(sources);
+  if (HasUser(sources)) PreventCoreFiles();
   if (::isatty(STDIN_FILENO) == 1) {
     sources.ask = [&url = options.server->options.url](const std::string& user) {
       return AskSecret(SafeText("Password for " + user + " at " + url + ": ", ELines::kOne));
@@ -155,6 +167,7 @@ EExitStatus RunArguments(const std::vector<std::string>& arguments) {
 int RunHost(int argc, char** argv) noexcept {
   try {
     OpenStandardDescriptors();
+    InstallTerminateHandler();
     // Progress has to show when it is made, also through a pipe.
     static_cast<void>(std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ));
     // A reader that goes away must not end the process in the middle of a test.
