@@ -40,7 +40,7 @@ void Require(bool isTrue) {
 void WriteAndReadAgain(const TCIMInstanceData& instance) {
   std::string text;
   NZEPQEL20::cimxml::AppendInstance(text, instance);
-  const auto again = TReplyReader::ReadEmbedded(text, kNamespace, 1);
+  const auto again = TReplyReader::ReadEmbedded(text, kNamespace);
   Require(again != nullptr && again->properties.size() == instance.properties.size());
   for (std::size_t i = 0; i < instance.properties.size(); ++i) {
     Require(again->properties[i].name == instance.properties[i].name);

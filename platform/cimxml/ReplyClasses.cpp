@@ -57,6 +57,7 @@ bool TReplyReader::StartDeclaration(EElement element, const TAttributes& attribu
 }
 
 void TReplyReader::StartClassProperty(EElement element, const TAttributes& attributes) {
+  CheckRoom(m_reply.declaration->properties, "properties");
   TCIMPropertyDeclaration& property = m_reply.declaration->properties.emplace_back();
   Declare(element, attributes, property);
   property.classOrigin = attributes.Find("CLASSORIGIN");
@@ -66,13 +67,17 @@ void TReplyReader::StartClassProperty(EElement element, const TAttributes& attri
 }
 
 void TReplyReader::StartMethod(const TAttributes& attributes) {
+  CheckRoom(m_reply.declaration->methods, "methods");
   TCIMMethodDeclaration& method = m_reply.declaration->methods.emplace_back();
   Declare(EElement::kMethod, attributes, method);
   method.classOrigin = attributes.Find("CLASSORIGIN");
 }
 
 void TReplyReader::StartParameter(EElement element, const TAttributes& attributes) {
-  Declare(element, attributes, m_reply.declaration->methods.back().parameters.emplace_back());
+  std::vector<TCIMParameterDeclaration>& parameters =
+      m_reply.declaration->methods.back().parameters;
+  CheckRoom(parameters, "parameters");
+  Declare(element, attributes, parameters.emplace_back());
 }
 
 bool TReplyReader::EndDeclaration(EElement element) {
@@ -115,7 +120,9 @@ void TReplyReader::EndQualifier() {
   std::string name = std::move(m_values.back().name);
   TCIMValue value = TakeValue();
   // Those of instances say nothing that the class does not say more reliably.
-  if (IsInClass()) GetQualifiers().push_back({std::move(name), std::move(value)});
+  if (!IsInClass()) return;
+  CheckRoom(GetQualifiers(), "qualifiers");
+  GetQualifiers().push_back({std::move(name), std::move(value)});
 }
 
 std::vector<TCIMQualifier>& TReplyReader::GetQualifiers() {

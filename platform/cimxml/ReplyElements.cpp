@@ -45,14 +45,15 @@ constexpr TRule kRules[] = {
     {"VALUE.NAMEDINSTANCE", E::kNamedInstance, In({E::kIReturnValue})},
     {"VALUE.INSTANCEWITHPATH", E::kInstanceWithPath, In({E::kIReturnValue})},
     {"VALUE.OBJECTWITHPATH", E::kObjectWithPath, In({E::kIReturnValue})},
+    {"VALUE.OBJECTWITHLOCALPATH", E::kObjectWithPath, In({E::kIReturnValue})},
     {"VALUE.OBJECT", E::kValueObject, In({E::kIReturnValue})},
     {"OBJECTPATH", E::kObjectPath, In({E::kIReturnValue})},
     {"INSTANCEPATH", E::kInstancePath,
      In({E::kIReturnValue, E::kInstanceWithPath, E::kObjectWithPath, E::kObjectPath,
          E::kValueReference})},
-    {"LOCALINSTANCEPATH", E::kLocalInstancePath, In({E::kValueReference})},
+    {"LOCALINSTANCEPATH", E::kLocalInstancePath, In({E::kValueReference, E::kObjectWithPath})},
     {"CLASSPATH", E::kClassPath, In({E::kObjectWithPath, E::kObjectPath, E::kValueReference})},
-    {"LOCALCLASSPATH", E::kLocalClassPath, In({E::kValueReference})},
+    {"LOCALCLASSPATH", E::kLocalClassPath, In({E::kValueReference, E::kObjectWithPath})},
     {"NAMESPACEPATH", E::kNamespacePath, In({E::kInstancePath, E::kClassPath})},
     {"HOST", E::kHost, In({E::kNamespacePath})},
     {"LOCALNAMESPACEPATH", E::kLocalNamespacePath,
@@ -66,7 +67,7 @@ constexpr TRule kRules[] = {
     {"VALUE.REFERENCE", E::kValueReference,
      In({E::kKeyBinding, E::kInstanceName, E::kPropertyReference, E::kValueRefArray,
          E::kReturnValue, E::kParamValue})},
-    {"VALUE.REFARRAY", E::kValueRefArray, In({E::kReturnValue, E::kParamValue})},
+    {"VALUE.REFARRAY", E::kValueRefArray, In({E::kPropertyArray, E::kReturnValue, E::kParamValue})},
     {"CLASSNAME", E::kClassName,
      In({E::kIReturnValue, E::kClassPath, E::kLocalClassPath, E::kValueReference})},
     {"INSTANCE", E::kInstance, kObjects | In({E::kNone})},
@@ -87,7 +88,7 @@ constexpr TRule kRules[] = {
 };
 
 constexpr std::size_t kElements = static_cast<std::size_t>(E::kValueNull) + 1;
-constexpr std::size_t kLongestName = 22;
+constexpr std::size_t kLongestName = 25;
 
 // Rules by the length of the name: few names share one.
 struct TIndex {

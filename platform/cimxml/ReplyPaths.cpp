@@ -6,6 +6,14 @@
 #include "platform/cimxml/WireValues.h"
 
 namespace NZEPQEL20::cimxml {
+namespace {
+
+// Keys are looked up one after the other, and every part of a name copies those before it: what is
+// beyond any use must not cost its square.
+constexpr std::size_t kMaxKeys = 256;
+constexpr std::size_t kMaxNamespaceBytes = 1024;
+
+}  // namespace
 
 // A path begins where something that has one begins; INSTANCENAME and the like only fill it.
 bool TReplyReader::StartPath(EElement element, const TAttributes& attributes) {
@@ -51,6 +59,7 @@ bool TReplyReader::StartPath(EElement element, const TAttributes& attributes) {
 void TReplyReader::StartNamespace(const std::string& name) {
   if (name.empty()) return;
   const std::string& above = m_paths.back().GetNamespaceName();
+  if (above.size() + name.size() > kMaxNamespaceBytes) Refuse("a namespace with too long a name");
   m_paths.back().SetNamespaceName(above.empty() ? name : above + "/" + name);
 }
 
@@ -66,11 +75,11 @@ void TReplyReader::StartClassName(const TAttributes& attributes) {
 bool TReplyReader::EndPath(EElement element) {
   switch (element) {
     case EElement::kObjectPath:
-      m_reply.paths.push_back(TakePath());
+      EndResultPath();
       return true;
     case EElement::kInstancePath:
     case EElement::kInstanceName:
-      if (GetParent() == EElement::kIReturnValue) m_reply.paths.push_back(TakePath());
+      if (GetParent() == EElement::kIReturnValue) EndResultPath();
       return true;
     case EElement::kValueReference:
       EndReference();
@@ -93,18 +102,29 @@ TCIMReference TReplyReader::TakePath() {
   return path;
 }
 
+void TReplyReader::EndResultPath() {
+  TCIMReference path = TakePath();
+  if (path.IsNull()) return Note("a path that names nothing");
+  m_reply.paths.push_back(std::move(path));
+}
+
+void TReplyReader::SetKey(const std::string& name, const TCIMValue& value) {
+  if (m_paths.back().GetKeys().size() >= kMaxKeys) Refuse("a path with too many keys");
+  m_paths.back().SetKey(name, value);
+}
+
 void TReplyReader::EndKey() {
   const TKeyFrame& key = m_keys.back();
-  m_paths.back().SetKey(key.name, ReadKeyValue(key.valueType, key.type, m_text));
+  SetKey(key.name, ReadKeyValue(key.valueType, key.type, m_text));
   if (GetParent() != EElement::kKeyBinding) m_keys.pop_back();
 }
 
 void TReplyReader::EndReference() {
   const TCIMValue reference(TakePath());
   if (GetParent() == EElement::kKeyBinding) {
-    m_paths.back().SetKey(m_keys.back().name, reference);
+    SetKey(m_keys.back().name, reference);
   } else if (GetParent() == EElement::kInstanceName) {
-    m_paths.back().SetKey({}, reference);
+    SetKey({}, reference);
   } else {
     m_values.back().Add(reference);
   }

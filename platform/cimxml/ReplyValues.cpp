@@ -2,6 +2,7 @@
 // The chapter of TReplyReader about values, properties and instances.
 #include <utility>
 
+#include "platform/cimxml/HttpText.h"
 #include "platform/cimxml/TReplyReader.h"
 #include "platform/cimxml/WireValues.h"
 #include "platform/contract/TQELException.h"
@@ -9,8 +10,6 @@
 namespace NZEPQEL20::cimxml {
 namespace {
 
-// An instance inside an instance inside ...: each level is a document of its own.
-constexpr unsigned int kMaxEmbedding = 8;
 constexpr std::size_t kShownText = 60;
 
 bool IsEmbedded(const TAttributes& attributes) {
@@ -66,6 +65,7 @@ bool TReplyReader::EndValue(EElement element) {
     case EElement::kPropertyArray:
     case EElement::kPropertyReference: {
       if (IsInClass()) return false;
+      CheckRoom(m_instance.properties, "properties");
       std::string name = std::move(m_values.back().name);
       m_instance.properties.push_back({std::move(name), TakeValue()});
       return true;
@@ -89,26 +89,30 @@ void TReplyReader::EndScalar() {
   frame.Add(ReadScalar(frame));
 }
 
+// No value when the text that was gathered is none of `type`.
+std::optional<TCIMValue> TReplyReader::ReadText(ECIMType type) {
+  if (type == ECIMType::kInstance) {
+    return TCIMValue::Instance(m_text.empty() ? nullptr : ReadInner(m_text));
+  }
+  if (type != ECIMType::kReference) return ReadWireValue(type, m_text);
+  // A path as text, in the place of its elements.
+  TCIMReference path = TCIMReference::Parse(m_text);
+  path.SetHost({});
+  if (path.GetNamespaceName().empty()) path.SetNamespaceName(m_nameSpace);
+  return TCIMValue(path);
+}
+
 TCIMValue TReplyReader::ReadScalar(const TValueFrame& frame) {
-  std::string reason;
+  std::string reason = std::string("is no ") + GetTypeName(frame.type);
   try {
-    if (frame.type == ECIMType::kInstance) {
-      if (m_level >= kMaxEmbedding) {
-        throw TQELException(TQELStatusCode::kFailed, "instances are embedded too deeply");
-      }
-      return TCIMValue::Instance(ReadEmbedded(m_text, m_nameSpace, m_level + 1));
-    }
-    std::optional<TCIMValue> value = ReadWireValue(frame.type, m_text);
+    std::optional<TCIMValue> value = ReadText(frame.type);
     if (value) return std::move(*value);
-    reason = std::string("is no ") + GetTypeName(frame.type);
   } catch (const TQELException& e) {
-    reason = std::string("holds no instance: ") + e.what();
+    reason += std::string(": ") + e.what();
   }
-  const std::string what = (frame.name.empty() ? "return value" : frame.name) + ": '" +
-                           m_text.substr(0, kShownText) + "' " + reason;
-  if (frame.isStrict) {
-    throw TQELException(TQELStatusCode::kFailed, "the reply's " + what);
-  }
+  const std::string what = (frame.name.empty() ? "return value" : MakeSafe(frame.name)) + ": '" +
+                           MakeSafe(m_text, kShownText) + "' " + reason;
+  if (frame.isStrict) throw TQELException(TQELStatusCode::kFailed, "the reply's " + what);
   Note(what);
   return TCIMValue::Null(frame.type);
 }

@@ -33,29 +33,31 @@ TReply AskAbout(cimxml::TServerConnection& connection, const char* operation,
 
 void TCIMXMLOperations::Associators(const TCIMReference& path, const TAssociationFilter& filter,
                                     const TInstanceSink& sink) {
-  TReply reply = AskAbout(m_parts->connection, "Associators",
-                          m_parts->OrDefault(path.GetNamespaceName()), path, filter, false);
+  TReply reply =
+      AskAbout(m_parts->connection, "Associators", m_parts->OrDefault(path.GetNamespaceName()),
+               m_parts->Type(path), filter, false);
   cimxml::Deliver(reply, sink);
 }
 
 std::vector<TCIMReference> TCIMXMLOperations::AssociatorNames(const TCIMReference& path,
                                                               const TAssociationFilter& filter) {
   return AskAbout(m_parts->connection, "AssociatorNames",
-                  m_parts->OrDefault(path.GetNamespaceName()), path, filter, false)
+                  m_parts->OrDefault(path.GetNamespaceName()), m_parts->Type(path), filter, false)
       .paths;
 }
 
 void TCIMXMLOperations::References(const TCIMReference& path, const TAssociationFilter& filter,
                                    const TInstanceSink& sink) {
-  TReply reply = AskAbout(m_parts->connection, "References",
-                          m_parts->OrDefault(path.GetNamespaceName()), path, filter, true);
+  TReply reply =
+      AskAbout(m_parts->connection, "References", m_parts->OrDefault(path.GetNamespaceName()),
+               m_parts->Type(path), filter, true);
   cimxml::Deliver(reply, sink);
 }
 
 std::vector<TCIMReference> TCIMXMLOperations::ReferenceNames(const TCIMReference& path,
                                                              const TAssociationFilter& filter) {
   return AskAbout(m_parts->connection, "ReferenceNames",
-                  m_parts->OrDefault(path.GetNamespaceName()), path, filter, true)
+                  m_parts->OrDefault(path.GetNamespaceName()), m_parts->Type(path), filter, true)
       .paths;
 }
 

@@ -13,19 +13,13 @@ using cimxml::TRequestText;
 
 namespace {
 
-// False when the server refused to begin, perhaps because it has no pull operations.
-bool PullAll(cimxml::TServerConnection& connection, const std::string& nameSpace,
-             const std::string& className, const ICIMOperations::TInstanceSink& sink) {
-  TPullEnumeration enumeration(connection, nameSpace, className);
+TPullEnumeration::EStart PullAll(TPullEnumeration& enumeration,
+                                 const ICIMOperations::TInstanceSink& sink) {
   TReply reply;
-  try {
-    reply = enumeration.Open();
-  } catch (const TQELException& e) {
-    if (!TPullEnumeration::SaysNoPull(e)) throw;
-    return false;
-  }
+  const TPullEnumeration::EStart start = enumeration.Open(reply);
+  if (start != TPullEnumeration::EStart::kOpened) return start;
   while (cimxml::Deliver(reply, sink) && enumeration.IsOpen()) reply = enumeration.Pull();
-  return true;
+  return start;
 }
 
 }  // namespace
@@ -42,24 +36,31 @@ bool cimxml::Deliver(TReply& reply, const ICIMOperations::TInstanceSink& sink) {
 void TCIMXMLOperations::EnumerateInstances(const std::string& nameSpace,
                                            const std::string& className,
                                            const TInstanceSink& sink) {
-  const std::string& place = m_parts->OrDefault(nameSpace);
-  const bool hadPull = m_parts->hasPull;
-  if (hadPull && PullAll(m_parts->connection, place, className, sink)) return;
+  using EStart = TPullEnumeration::EStart;
+  const std::string place = m_parts->OrDefault(nameSpace);
+  cimxml::TBudget budget = m_parts->connection.StartOperation();
+  EStart start = EStart::kNoPull;
+  if (m_parts->hasPull) {
+    TPullEnumeration enumeration(m_parts->connection, budget, place, className);
+    start = PullAll(enumeration, sink);
+    if (start == EStart::kOpened) return;
+  }
   const auto write = [&className](TRequestText& request) {
     request.AddClassName("ClassName", className);
     request.AddFlag("LocalOnly", false);
     request.AddFlag("DeepInheritance", true);
   };
-  TReply reply = m_parts->connection.AskFor(
-      "EnumerateInstances", place, "EnumerateInstances of " + place + ':' + className, write);
+  TReply reply = m_parts->connection.AskFor("EnumerateInstances", place,
+                                            "EnumerateInstances of " + place + ':' + className,
+                                            write, true, budget);
   // Only now: a refusal of both says something about the class and nothing about the server.
-  m_parts->hasPull = false;
+  if (start == EStart::kNoPull) m_parts->hasPull = false;
   cimxml::Deliver(reply, sink);
 }
 
 std::vector<TCIMReference> TCIMXMLOperations::EnumerateInstanceNames(const std::string& nameSpace,
                                                                      const std::string& className) {
-  const std::string& place = m_parts->OrDefault(nameSpace);
+  const std::string place = m_parts->OrDefault(nameSpace);
   const auto write = [&className](TRequestText& request) {
     request.AddClassName("ClassName", className);
   };
@@ -71,8 +72,9 @@ std::vector<TCIMReference> TCIMXMLOperations::EnumerateInstanceNames(const std::
 
 TCIMInstanceData TCIMXMLOperations::GetInstance(const TCIMReference& path) {
   const std::string what = "GetInstance of " + path.GetPath();
-  const auto write = [&path](TRequestText& request) {
-    request.AddInstanceName("InstanceName", path);
+  const TCIMReference typed = m_parts->Type(path);
+  const auto write = [&typed](TRequestText& request) {
+    request.AddInstanceName("InstanceName", typed);
     request.AddFlag("LocalOnly", false);
   };
   TReply reply = m_parts->connection.AskFor(
@@ -92,7 +94,7 @@ TCIMInstanceData TCIMXMLOperations::GetInstance(const TCIMReference& path) {
 
 TCIMReference TCIMXMLOperations::CreateInstance(const std::string& nameSpace,
                                                 const TCIMInstanceData& instance) {
-  const std::string& place = m_parts->OrDefault(nameSpace);
+  const std::string place = m_parts->OrDefault(nameSpace);
   const auto write = [&instance](TRequestText& request) {
     request.AddInstance("NewInstance", instance);
   };
@@ -116,8 +118,9 @@ void TCIMXMLOperations::ModifyInstance(const TCIMInstanceData& instance) {
 }
 
 void TCIMXMLOperations::DeleteInstance(const TCIMReference& path) {
-  const auto write = [&path](TRequestText& request) {
-    request.AddInstanceName("InstanceName", path);
+  const TCIMReference typed = m_parts->Type(path);
+  const auto write = [&typed](TRequestText& request) {
+    request.AddInstanceName("InstanceName", typed);
   };
   cimxml::TBudget budget = m_parts->connection.StartOperation();
   m_parts->connection.AskFor("DeleteInstance", m_parts->OrDefault(path.GetNamespaceName()),

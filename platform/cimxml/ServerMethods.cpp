@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The chapter of TCIMXMLOperations about methods.
+#include <algorithm>
 #include <utility>
 
 #include "platform/cimxml/TReplyReader.h"
@@ -48,16 +49,29 @@ void AddArguments(TRequestText& request, const TKeyMap& arguments,
   }
 }
 
+void Warn(const std::string& text) {
+  ILogger* const logger = TRootObject::GetCoreLogger();
+  if (logger != nullptr) logger->Log(ILogger::kWarning, text);
+}
+
+TCIMValue ReadEmbedded(const TCIMValue& text, const std::string& nameSpace) {
+  if (text.IsNull()) return TCIMValue::Null(ECIMType::kInstance);
+  return TCIMValue::Instance(
+      cimxml::TReplyReader::ReadEmbedded(static_cast<std::string>(text), nameSpace));
+}
+
 // What came back as the class declares it: servers leave the type out, or call an embedded
 // instance a text.
 TCIMValue Convert(const TCIMElementDeclaration& declared, TCIMValue value,
                   const std::string& nameSpace, const std::string& what) {
-  const bool isText = value.GetType() == ECIMType::kString && !value.IsArray() && !value.IsNull();
-  if (declared.type == ECIMType::kInstance && isText) {
-    return TCIMValue::Instance(
-        cimxml::TReplyReader::ReadEmbedded(value.ToString(10), nameSpace, 1));
+  const bool isText = value.GetType() == ECIMType::kString && !value.IsNull();
+  if (declared.type != ECIMType::kInstance || !isText) return ConvertTo(declared, value, what);
+  if (!value.IsArray()) return ReadEmbedded(value, nameSpace);
+  TCIMValue::TArray elements;
+  for (const TCIMValue& element : static_cast<std::vector<TCIMValue>>(value)) {
+    elements.push_back(ReadEmbedded(element, nameSpace));
   }
-  return ConvertTo(declared, value, what);
+  return TCIMValue::Array(ECIMType::kInstance, std::move(elements));
 }
 
 std::shared_ptr<const TCIMClassDeclaration> FindClass(TCIMXMLOperations& operations,
@@ -68,8 +82,7 @@ std::shared_ptr<const TCIMClassDeclaration> FindClass(TCIMXMLOperations& operati
   } catch (const TQELException& e) {
     // A server may serve an object without knowing its class; then the values' own types hold.
     if (e.GetCIMStatus() == TQELException::kNoCIMStatus) throw;
-    ILogger* const logger = TRootObject::GetCoreLogger();
-    if (logger != nullptr) logger->Log(ILogger::kWarning, e.what());
+    Warn(e.what());
     return nullptr;
   }
 }
@@ -94,16 +107,28 @@ cimxml::TQuestion MakeQuestion(const TCIMReference& target, const std::string& m
   return question;
 }
 
-TKeyMap ConvertResults(TReply& reply, const TCIMMethodDeclaration* declared,
+bool IsJob(const std::string& name) {
+  return IsSameName(name, "Job");
+}
+
+// A result that is NULL is none. One that cannot be used is reported and left out, but for the job:
+// without it nobody would follow what has been started.
+TKeyMap ConvertResults(const TKeyMap& came, const TCIMMethodDeclaration* declared,
                        const cimxml::TQuestion& question) {
   TKeyMap results;
-  for (auto& [name, value] : reply.parameters) {
+  for (const auto& [name, value] : came) {
+    if (value.IsNull()) continue;
     const TCIMParameterDeclaration* const parameter = FindParameter(declared, name);
     if (parameter == nullptr) {
-      results[name] = std::move(value);
-    } else {
-      results[parameter->name] = Convert(*parameter, std::move(value), question.nameSpace,
-                                         question.what + ": parameter " + name);
+      results[name] = value;
+      continue;
+    }
+    try {
+      results[parameter->name] =
+          Convert(*parameter, value, question.nameSpace, question.what + ": parameter " + name);
+    } catch (const TQELException& e) {
+      if (IsJob(name)) throw;
+      Warn(e.what());
     }
   }
   return results;
@@ -112,35 +137,54 @@ TKeyMap ConvertResults(TReply& reply, const TCIMMethodDeclaration* declared,
 }  // namespace
 
 void TCIMXMLOperations::TParts::NoteJob(const TKeyMap& results) {
-  const TCIMValue* const job = FindArgument(results, "Job");
-  if (job == nullptr || job->IsArray() || job->IsNull()) return;
-  if (job->GetType() != ECIMType::kReference) return;
-  const std::lock_guard<std::mutex> lock(mutex);
-  startedJobs.push_back(static_cast<TCIMReference>(*job));
+  for (const auto& [name, value] : results) {
+    if (!IsJob(name) || value.IsArray() || value.IsNull()) continue;
+    if (value.GetType() != ECIMType::kReference) continue;
+    auto job = static_cast<TCIMReference>(value);
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (std::find(startedJobs.begin(), startedJobs.end(), job) == startedJobs.end()) {
+      startedJobs.push_back(std::move(job));
+    }
+  }
 }
 
-TCIMValue TCIMXMLOperations::InvokeMethod(const TCIMReference& path, const std::string& method,
-                                          TKeyMap& parameters) {
+TCIMValue TCIMXMLOperations::TParts::Invoke(TCIMXMLOperations& operations,
+                                            const TCIMReference& path, const std::string& method,
+                                            TKeyMap& parameters, cimxml::TBudget budget,
+                                            bool mayStartJob) {
   TCIMReference target = path;
-  target.SetNamespaceName(m_parts->OrDefault(path.GetNamespaceName()));
+  target.SetNamespaceName(OrDefault(path.GetNamespaceName()));
   target.SetHost({});
-  const auto declaration = FindClass(*this, target, target.GetNamespaceName());
+  const auto declaration = FindClass(operations, target, target.GetNamespaceName());
   const TCIMMethodDeclaration* const declared =
       declaration ? declaration->FindMethod(method) : nullptr;
-  cimxml::TServerConnection& connection = m_parts->connection;
   const cimxml::TQuestion question =
-      MakeQuestion(target, method, parameters, declared, connection.NextId());
-  cimxml::TBudget budget = connection.StartMethodCall();
+      MakeQuestion(Type(target), method, parameters, declared, connection.NextId());
   TReply reply = connection.Ask(question, budget);
-  TKeyMap results = ConvertResults(reply, declared, question);
+  // Whatever else of the reply cannot be used: the job runs.
+  if (mayStartJob) NoteJob(reply.parameters);
+  TKeyMap results = ConvertResults(reply.parameters, declared, question);
   TCIMValue result = std::move(reply.returnValue);
   if (declared != nullptr) {
     result =
         Convert(*declared, std::move(result), question.nameSpace, question.what + ": its result");
   }
-  m_parts->NoteJob(results);
   parameters.swap(results);
   return result;
+}
+
+TCIMValue TCIMXMLOperations::InvokeMethod(const TCIMReference& path, const std::string& method,
+                                          TKeyMap& parameters) {
+  // What changes the state of a job gives back the job that makes the change, which is no test.
+  const bool mayStartJob = !IsSameName(method, "RequestStateChange");
+  return m_parts->Invoke(*this, path, method, parameters, m_parts->connection.StartMethodCall(),
+                         mayStartJob);
+}
+
+TCIMValue TCIMXMLOperations::InvokeOnJob(const TCIMReference& job, const std::string& method,
+                                         TKeyMap& parameters) {
+  return m_parts->Invoke(*this, job, method, parameters, m_parts->connection.StartOperation(),
+                         false);
 }
 
 }  // namespace NZEPQEL20

@@ -19,7 +19,7 @@ class TCIMXMLOperations final : public ICIMOperations {
  public:
   /// Opens no connection yet.
   /// Errors: TQELException (kInvalidArgument) naming what of `options` is unusable.
-  TCIMXMLOperations(const TServerOptions& options, std::string defaultNamespace);
+  TCIMXMLOperations(const TServerOptions& options, const std::string& defaultNamespace);
   ~TCIMXMLOperations() override;
 
   std::shared_ptr<const TCIMClassDeclaration> GetClass(const std::string& nameSpace,
@@ -55,8 +55,13 @@ class TCIMXMLOperations final : public ICIMOperations {
   /// The server as messages name it.
   const std::string& GetServerName() const;
 
-  /// Jobs that method calls through this object have started: what they gave back as "Job".
+  /// Jobs that method calls through this object have started: what they gave back as "Job", each
+  /// once.
   std::vector<TCIMReference> GetStartedJobs() const;
+
+  /// InvokeMethod() for a request about a job that is answered at once: with the time-outs of other
+  /// operations, and without taking a job that it gives back for one that was started.
+  TCIMValue InvokeOnJob(const TCIMReference& job, const std::string& method, TKeyMap& parameters);
 
   /// What has kept the server from answering so far, one line each and each once. What it answers,
   /// refusals included, is no problem.

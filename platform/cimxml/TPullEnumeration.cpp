@@ -1,30 +1,57 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cimxml/TPullEnumeration.h"
 
+#include <algorithm>
+#include <chrono>
 #include <exception>
 #include <utility>
 
 namespace NZEPQEL20::cimxml {
 namespace {
 
-// How many instances a reply may hold: servers set a bound of their own, some not far above.
-constexpr char kObjectsPerReply[] = "1000";
+// How many instances a reply may hold: servers set a bound of their own, so there is a second try.
+constexpr char kManyObjects[] = "1000";
+constexpr char kFewObjects[] = "100";
 
 // A server that has nothing to say for so many replies in turn never will.
 constexpr unsigned int kMaxEmptyReplies = 100;
 
+// Nobody waits for an enumeration to be closed.
+constexpr std::chrono::seconds kCloseTimeout{5};
+
+// DSP0200.
+constexpr unsigned int kFailed = 1;
+constexpr unsigned int kInvalidParameter = 4;
+constexpr unsigned int kNotSupported = 7;
+constexpr unsigned int kLimitsExceeded = 27;
+
+// Not supported; failed, for want of the name; a parameter beyond the server's bounds. Servers that
+// check a message against the names that they know do not look at it at all.
+bool SaysNoPull(const TQELException& refusal) {
+  const auto* const http = dynamic_cast<const THttpError*>(&refusal);
+  if (http != nullptr) return http->GetHttpStatus() == 400 || http->GetHttpStatus() == 501;
+  const unsigned int status = refusal.GetCIMStatus();
+  return status == kNotSupported || status == kFailed || status == kInvalidParameter;
+}
+
 }  // namespace
 
-TPullEnumeration::TPullEnumeration(TServerConnection& connection, std::string nameSpace,
-                                   std::string className)
+TPullEnumeration::TPullEnumeration(TServerConnection& connection, TBudget& budget,
+                                   std::string nameSpace, std::string className)
     : m_connection(connection),
       m_nameSpace(std::move(nameSpace)),
       m_className(std::move(className)),
       m_what("EnumerateInstances of " + m_nameSpace + ':' + m_className),
-      m_budget(connection.StartOperation()) {}
+      m_budget(budget),
+      m_objectCount(kManyObjects) {}
 
 TPullEnumeration::~TPullEnumeration() {
-  if (m_context.empty()) return;
+  if (!m_context.empty()) Close();
+}
+
+void TPullEnumeration::Close() {
+  m_budget.requestTimeout =
+      std::min<std::chrono::milliseconds>(m_budget.requestTimeout, kCloseTimeout);
   try {
     Ask("CloseEnumeration", false,
         [this](TRequestText& request) { request.AddText("EnumerationContext", m_context); });
@@ -32,15 +59,6 @@ TPullEnumeration::~TPullEnumeration() {
     // The server closes it by itself after a while.
     m_context.clear();
   }
-}
-
-bool TPullEnumeration::SaysNoPull(const TQELException& refusal) {
-  // Servers that check a message against the names that they know do not look at it at all.
-  const auto* const http = dynamic_cast<const THttpError*>(&refusal);
-  if (http != nullptr) return http->GetHttpStatus() == 400 || http->GetHttpStatus() == 501;
-  // Not supported; failed, for want of the name; a parameter beyond the server's bounds.
-  const unsigned int status = refusal.GetCIMStatus();
-  return status == 7 || status == 1 || status == 4;
 }
 
 void TPullEnumeration::Refuse(const char* reason) const {
@@ -65,21 +83,44 @@ void TPullEnumeration::Follow(const TReply& reply) {
   if (m_emptyReplies > kMaxEmptyReplies) Refuse("the server promises more and sends nothing");
 }
 
-TReply TPullEnumeration::Open() {
-  TReply reply = Ask("OpenEnumerateInstances", true, [this](TRequestText& request) {
+void TPullEnumeration::OpenWith(const char* objectCount, TReply& reply) {
+  m_objectCount = objectCount;
+  reply = Ask("OpenEnumerateInstances", true, [this](TRequestText& request) {
     request.AddClassName("ClassName", m_className);
     request.AddFlag("DeepInheritance", true);
-    request.AddText("MaxObjectCount", kObjectsPerReply);
+    request.AddText("MaxObjectCount", m_objectCount);
   });
   Follow(reply);
-  return reply;
+}
+
+TPullEnumeration::EStart TPullEnumeration::Open(TReply& reply) {
+  try {
+    try {
+      OpenWith(kManyObjects, reply);
+    } catch (const TQELException& e) {
+      if (e.GetCIMStatus() != kInvalidParameter) throw;
+      OpenWith(kFewObjects, reply);
+    }
+    return EStart::kOpened;
+  } catch (const TQELException& e) {
+    if (e.GetCIMStatus() == kLimitsExceeded) return EStart::kNotNow;
+    if (SaysNoPull(e)) return EStart::kNoPull;
+    throw;
+  }
 }
 
 TReply TPullEnumeration::Pull() {
-  TReply reply = Ask("PullInstancesWithPath", false, [this](TRequestText& request) {
-    request.AddText("EnumerationContext", m_context);
-    request.AddText("MaxObjectCount", kObjectsPerReply);
-  });
+  TReply reply;
+  try {
+    reply = Ask("PullInstancesWithPath", false, [this](TRequestText& request) {
+      request.AddText("EnumerationContext", m_context);
+      request.AddText("MaxObjectCount", m_objectCount);
+    });
+  } catch (const TQELException& e) {
+    // A server that did not answer this would not answer the request to close it either.
+    if (e.GetCIMStatus() == TQELException::kNoCIMStatus) m_context.clear();
+    throw;
+  }
   Follow(reply);
   return reply;
 }

@@ -12,16 +12,20 @@ namespace NZEPQEL20::cimxml {
 /// Threads: one.
 class TPullEnumeration {
  public:
-  /// `connection` must outlive the enumeration.
-  TPullEnumeration(TServerConnection& connection, std::string nameSpace, std::string className);
+  /// How Open() may end: with instances, because there are no pull operations, or because the
+  /// server cannot keep one more enumeration just now.
+  enum class EStart { kOpened, kNoPull, kNotNow };
+
+  /// `connection` and `budget` must outlive the enumeration.
+  TPullEnumeration(TServerConnection& connection, TBudget& budget, std::string nameSpace,
+                   std::string className);
   ~TPullEnumeration();
   TPullEnumeration(const TPullEnumeration&) = delete;
   TPullEnumeration& operator=(const TPullEnumeration&) = delete;
 
-  /// The first instances.
-  /// Errors: as TServerConnection::AskFor(); SaysNoPull() tells which mean that the server has no
-  /// such operation.
-  TReply Open();
+  /// Asks for the first instances.
+  /// Errors: as TServerConnection::AskFor(), when they would be the same without pull operations.
+  EStart Open(TReply& reply);
 
   /// Whether more may follow.
   bool IsOpen() const { return !m_context.empty(); }
@@ -29,10 +33,9 @@ class TPullEnumeration {
   /// The next instances, perhaps none. Never asked a second time: the server may have moved on.
   TReply Pull();
 
-  /// Whether the failure of Open() may mean that there are no pull operations.
-  static bool SaysNoPull(const TQELException& refusal);
-
  private:
+  void OpenWith(const char* objectCount, TReply& reply);
+  void Close();
   TReply Ask(const char* operation, bool isRepeatable, const TServerConnection::TWrite& write);
   void Follow(const TReply& reply);
   [[noreturn]] void Refuse(const char* reason) const;
@@ -41,7 +44,8 @@ class TPullEnumeration {
   const std::string m_nameSpace;
   const std::string m_className;
   const std::string m_what;
-  TBudget m_budget;
+  TBudget& m_budget;
+  const char* m_objectCount;
   std::string m_context;
   unsigned int m_emptyReplies = 0;
 };

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <utility>
 
+#include "platform/cimxml/HttpText.h"
 #include "platform/contract/TQELException.h"
 
 namespace NZEPQEL20::cimxml {
@@ -12,13 +13,16 @@ namespace {
 
 constexpr std::size_t kShownText = 60;
 
+// An instance inside an instance inside ...: each level is a document of its own.
+constexpr unsigned int kMaxEmbedding = 8;
+
 bool HasText(EElement element) {
   return element == EElement::kValue || element == EElement::kKeyValue;
 }
 
 // A server's text in a message of ours.
 std::string Show(std::string_view text) {
-  return "'" + std::string(text.substr(0, kShownText)) + (text.size() > kShownText ? "...'" : "'");
+  return "'" + MakeSafe(text, kShownText) + "'";
 }
 
 }  // namespace
@@ -53,7 +57,11 @@ void TReplyReader::Note(const std::string& text) {
   if (m_reply.oddities++ == 0) m_reply.firstOddity = text;
 }
 
-void TReplyReader::RefuseRoot(std::string_view element) const {
+void TReplyReader::Refuse(const std::string& what) {
+  throw TQELException(TQELStatusCode::kFailed, "the reply holds " + what);
+}
+
+void TReplyReader::RefuseRoot(std::string_view element) {
   throw TQELException(TQELStatusCode::kFailed,
                       "the reply is no CIM message: it starts with the element " + Show(element));
 }
@@ -126,7 +134,9 @@ void TReplyReader::StartMessage(EElement element, const TAttributes& attributes)
       // One product says TYPE where it means PARAMTYPE.
       const std::string_view type = attributes.Find("PARAMTYPE");
       OpenValue(attributes, type.empty() ? attributes.Find("TYPE") : type);
-      m_values.back().isStrict = true;
+      // NULL would read as "started", or as "no job to follow"; other results can be done without.
+      m_values.back().isStrict =
+          element == EElement::kReturnValue || IsSameName(m_values.back().name, "Job");
       break;
     }
     default:
@@ -158,6 +168,7 @@ void TReplyReader::EndResult(EElement element) {
       m_reply.returnValue = TakeValue();
       break;
     case EElement::kParamValue: {
+      CheckRoom(m_reply.parameters, "results");
       std::string name = m_values.back().name;
       m_reply.parameters.insert_or_assign(std::move(name), TakeValue());
       break;
@@ -176,15 +187,28 @@ void TReplyReader::EndObject() {
   m_reply.instances.push_back(std::move(m_instance));
 }
 
+std::shared_ptr<const TCIMInstanceData> TReplyReader::FinishEmbedded(std::string_view text) {
+  Take(text.data(), text.size());
+  m_stream.Take(m_repair.Finish());
+  m_stream.Finish();
+  if (!m_hasInstance) return nullptr;
+  return std::make_shared<const TCIMInstanceData>(std::move(m_instance));
+}
+
+std::shared_ptr<const TCIMInstanceData> TReplyReader::ReadInner(const std::string& text) {
+  if (m_level >= kMaxEmbedding) Refuse("instances that are embedded too deeply");
+  TReplyReader inner(m_nameSpace, m_level + 1);
+  auto instance = inner.FinishEmbedded(text);
+  if (inner.m_reply.oddities != 0) {
+    Note(inner.m_reply.firstOddity);
+    m_reply.oddities += inner.m_reply.oddities - 1;
+  }
+  return instance;
+}
+
 std::shared_ptr<const TCIMInstanceData> TReplyReader::ReadEmbedded(std::string_view text,
-                                                                   const std::string& nameSpace,
-                                                                   unsigned int level) {
-  TReplyReader reader(nameSpace, level);
-  reader.Take(text.data(), text.size());
-  reader.m_stream.Take(reader.m_repair.Finish());
-  reader.m_stream.Finish();
-  if (!reader.m_hasInstance) return nullptr;
-  return std::make_shared<const TCIMInstanceData>(std::move(reader.m_instance));
+                                                                   const std::string& nameSpace) {
+  return TReplyReader(nameSpace, 1).FinishEmbedded(text);
 }
 
 }  // namespace NZEPQEL20::cimxml

@@ -18,8 +18,8 @@ namespace NZEPQEL20::cimxml {
 /// Reads a reply while it arrives; what it keeps is what the reply says, not its text.
 ///
 /// Hosts in paths are dropped, and a path without a namespace is given that of the request. A value
-/// of a property that its type cannot hold is NULL and counted; one of a method's results is an
-/// error, since a return code must not be guessed.
+/// that its type cannot hold is NULL and counted; a method's return value and its job are errors
+/// then, since neither must be guessed.
 /// Errors: TQELException (kFailed) for a document that is not well-formed, no reply, or too large
 /// to be sane.
 /// Threads: one.
@@ -34,10 +34,9 @@ class TReplyReader final : public IReplyBody, private IXmlEvents {
   TReply Finish();
 
   /// The instance in an embedded object's text, or null for an embedded class.
-  /// Errors: as above. `level` counts how deep it is embedded.
+  /// Errors: as above.
   static std::shared_ptr<const TCIMInstanceData> ReadEmbedded(std::string_view text,
-                                                              const std::string& nameSpace,
-                                                              unsigned int level);
+                                                              const std::string& nameSpace);
 
  private:
   TReplyReader(std::string nameSpace, unsigned int level);
@@ -49,7 +48,15 @@ class TReplyReader final : public IReplyBody, private IXmlEvents {
   EElement GetParent(std::size_t up = 1) const;
   void PassOver(std::string_view element);
   void Note(const std::string& text);
-  [[noreturn]] void RefuseRoot(std::string_view element) const;
+  /// Ends the reply: it holds `what`.
+  [[noreturn]] static void Refuse(const std::string& what);
+  [[noreturn]] static void RefuseRoot(std::string_view element);
+  /// Whether there is room for one more of the things that `things` holds.
+  template <typename TThings>
+  static void CheckRoom(const TThings& things, const char* what) {
+    if (things.size() >= kMaxMembers)
+      Refuse("more than " + std::to_string(kMaxMembers) + " " + what);
+  }
 
   // Messages and their results.
   void Start(EElement element, const TAttributes& attributes);
@@ -64,7 +71,9 @@ class TReplyReader final : public IReplyBody, private IXmlEvents {
   bool EndPath(EElement element);
   void StartNamespace(const std::string& name);
   void StartClassName(const TAttributes& attributes);
+  void SetKey(const std::string& name, const TCIMValue& value);
   void EndKey();
+  void EndResultPath();
   void EndReference();
   TCIMReference TakePath();
 
@@ -73,6 +82,9 @@ class TReplyReader final : public IReplyBody, private IXmlEvents {
   bool EndValue(EElement element);
   void OpenValue(const TAttributes& attributes, std::string_view type);
   void EndScalar();
+  std::shared_ptr<const TCIMInstanceData> FinishEmbedded(std::string_view text);
+  std::shared_ptr<const TCIMInstanceData> ReadInner(const std::string& text);
+  std::optional<TCIMValue> ReadText(ECIMType type);
   TCIMValue TakeValue();
   TCIMValue ReadScalar(const TValueFrame& frame);
   void StartInstance(const TAttributes& attributes);
@@ -88,6 +100,10 @@ class TReplyReader final : public IReplyBody, private IXmlEvents {
   void EndQualifier();
   std::vector<TCIMQualifier>& GetQualifiers();
   bool IsInClass() const { return m_isInClass; }
+
+  /// Properties of a class or instance, methods, parameters, qualifiers of a thing: four times what
+  /// the most generous server takes.
+  static constexpr std::size_t kMaxMembers = 4096;
 
   const std::string m_nameSpace;
   const unsigned int m_level;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/cimxml/HttpText.h"
 #include "platform/cimxml/TReplyReader.h"
 #include "platform/contract/ILogger.h"
 #include "platform/contract/TRootObject.h"
@@ -20,6 +21,9 @@ constexpr std::uint64_t kRepliesOfOneOperation = 16;
 // A server that fails in ever new words is not listed for ever.
 constexpr std::size_t kMaxProblems = 20;
 
+// Bytes of a server's description in a message.
+constexpr std::size_t kShownReason = 2000;
+
 void Log(ILogger::EQELLogSeverity severity, const std::string& text) {
   ILogger* const logger = TRootObject::GetCoreLogger();
   if (logger != nullptr) logger->Log(severity, text);
@@ -34,19 +38,36 @@ TServerOptions WithoutSecrets(TServerOptions options) {
 // Reads a reply and counts its bytes.
 class TCountedReply final : public IReplyBody {
  public:
-  TCountedReply(const std::string& nameSpace, std::uint64_t& bytesLeft)
-      : m_reader(nameSpace), m_bytesLeft(bytesLeft) {}
+  TCountedReply(const std::string& server, const std::string& nameSpace, std::uint64_t& bytesLeft)
+      : m_server(server), m_reader(nameSpace), m_bytesLeft(bytesLeft) {}
 
   void Take(const char* data, std::size_t size) override {
-    if (size > m_bytesLeft) {
-      throw TQELException(TQELStatusCode::kFailed, "the replies to one operation have no end");
-    }
-    m_bytesLeft -= size;
-    m_reader.Take(data, size);
+    Name([&] {
+      if (size > m_bytesLeft) {
+        throw TQELException(TQELStatusCode::kFailed, "the replies to one operation have no end");
+      }
+      m_bytesLeft -= size;
+      m_reader.Take(data, size);
+    });
   }
-  TReply Finish() { return m_reader.Finish(); }
+  TReply Finish() {
+    TReply reply;
+    Name([&] { reply = m_reader.Finish(); });
+    return reply;
+  }
 
  private:
+  // The reader knows nothing of the server whose reply it reads.
+  template <typename TCall>
+  void Name(const TCall& call) {
+    try {
+      call();
+    } catch (const TQELException& e) {
+      throw TQELException(e.GetStatusCode(), m_server + ": " + e.what());
+    }
+  }
+
+  const std::string& m_server;
   TReplyReader m_reader;
   std::uint64_t& m_bytesLeft;
 };
@@ -58,13 +79,13 @@ std::string StripName(const std::string& description, const std::string& name) {
   return begin == std::string::npos ? std::string() : description.substr(begin);
 }
 
-// A server's text as one line.
-std::string Flatten(std::string text) {
-  for (char& character : text) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte < 0x20 || byte == 0x7F) character = ' ';
+// What a failure says without the numbers in it: times and sizes differ each time.
+std::string GetKind(const std::string& text) {
+  std::string kind;
+  for (const char character : text) {
+    if (character < '0' || character > '9') kind += character;
   }
-  return text;
+  return kind;
 }
 
 }  // namespace
@@ -84,7 +105,7 @@ TBudget TServerConnection::StartMethodCall() const {
 
 void TServerConnection::Refuse(const TReplyError& error) const {
   const std::string name = GetCIMStatusName(error.code);
-  const std::string reason = StripName(Flatten(error.description), name);
+  const std::string reason = StripName(MakeSafe(error.description, kShownReason), name);
   throw TQELException(TQELStatusCode::kCIMError,
                       GetName() + ": " + name + " (" + std::to_string(error.code) + ")" +
                           (reason.empty() ? "" : ": " + reason),
@@ -93,10 +114,9 @@ void TServerConnection::Refuse(const TReplyError& error) const {
 
 void TServerConnection::Check(const TQuestion& question, const TReply& reply) const {
   if (reply.id != std::to_string(question.id) || !IsSameName(reply.name, question.name)) {
-    throw TQELException(TQELStatusCode::kFailed, GetName() +
-                                                     ": the reply is to another message: id " +
-                                                     Flatten(reply.id.substr(0, 40)) + ", " +
-                                                     Flatten(reply.name.substr(0, 80)));
+    throw TQELException(TQELStatusCode::kFailed,
+                        GetName() + ": the reply is to another message: id " +
+                            MakeSafe(reply.id, 40) + ", " + MakeSafe(reply.name, 80));
   }
   if (reply.error) Refuse(*reply.error);
 }
@@ -105,7 +125,7 @@ void TServerConnection::ReportOddities(const TQuestion& question, const TReply& 
   if (reply.oddities == 0) return;
   Log(ILogger::kWarning, question.what + ": " + GetName() + ": " + std::to_string(reply.oddities) +
                              " places of the reply could not be used as they are, the first: " +
-                             Flatten(reply.firstOddity));
+                             MakeSafe(reply.firstOddity));
 }
 
 TReply TServerConnection::AskOnce(const TQuestion& question, TBudget& budget) {
@@ -121,7 +141,7 @@ TReply TServerConnection::AskOnce(const TQuestion& question, TBudget& budget) {
   request.body = question.body;
   request.isMethodCall = question.isMethodCall;
   request.timeout = std::min(left, budget.requestTimeout);
-  TCountedReply body(question.nameSpace, budget.bytesLeft);
+  TCountedReply body(GetName(), question.nameSpace, budget.bytesLeft);
   const THttpTrailers trailers = m_session.Exchange(request, body);
   // Before the document, which ends early when something went wrong after its beginning.
   if (trailers.cimStatus != 0) Refuse({trailers.cimStatus, trailers.description});
@@ -138,9 +158,11 @@ std::vector<std::string> TServerConnection::GetProblems() const {
 
 void TServerConnection::NoteProblem(const TQELException& failure) {
   if (failure.GetCIMStatus() != TQELException::kNoCIMStatus) return;
+  const std::string kind = GetKind(failure.what());
   const std::lock_guard<std::mutex> lock(m_mutex);
   const bool isKnown =
-      std::find(m_problems.begin(), m_problems.end(), failure.what()) != m_problems.end();
+      std::any_of(m_problems.begin(), m_problems.end(),
+                  [&kind](const std::string& problem) { return GetKind(problem) == kind; });
   if (!isKnown && m_problems.size() < kMaxProblems) m_problems.emplace_back(failure.what());
 }
 

@@ -5,25 +5,40 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/cimxml/TCIMXMLOperations.h"
 #include "platform/cimxml/TServerConnection.h"
+#include "platform/cimxml/ValueElements.h"
 
 namespace NZEPQEL20 {
 
 /// What the chapters of TCIMXMLOperations share.
 struct TCIMXMLOperations::TParts {
-  TParts(const TServerOptions& options, std::string nameSpace)
-      : defaultNamespace(std::move(nameSpace)), connection(options) {}
+  TParts(const TServerOptions& options, const std::string& nameSpace)
+      : defaultNamespace(cimxml::TidyNamespace(nameSpace)), connection(options) {}
 
-  const std::string& OrDefault(const std::string& nameSpace) const {
-    return nameSpace.empty() ? defaultNamespace : nameSpace;
+  /// `nameSpace` as requests spell it, the default one for an empty name.
+  std::string OrDefault(const std::string& nameSpace) const {
+    return nameSpace.empty() ? defaultNamespace : cimxml::TidyNamespace(nameSpace);
   }
+
+  /// `path` with keys of the types that its class has, where the class is known already: what comes
+  /// from a text has texts for keys.
+  TCIMReference Type(const TCIMReference& path);
 
   /// Keeps the job that a method call has started, when it has.
   void NoteJob(const TKeyMap& results);
+
+  /// A method call, within `budget`; one that may start a job has it noted.
+  TCIMValue Invoke(TCIMXMLOperations& operations, const TCIMReference& path,
+                   const std::string& method, TKeyMap& parameters, cimxml::TBudget budget,
+                   bool mayStartJob);
+
+  static std::optional<std::vector<std::string>> AskForNamespaces(TCIMXMLOperations& operations,
+                                                                  const char* interop);
 
   const std::string defaultNamespace;
   cimxml::TServerConnection connection;

@@ -20,7 +20,7 @@ class IXmlEvents {
 
 /// An XML document that arrives in pieces, on expat.
 ///
-/// Entities other than XML's own five may not be declared, external ones are never loaded, and
+/// A document type may be named, but nothing be declared in the document, and nothing is loaded;
 /// elements nest to kMaxDepth at most: a reply has no use for more.
 /// Errors: TQELException (kFailed) with line and reason; what an event throws leaves unchanged.
 /// After either the stream is over.

@@ -101,10 +101,7 @@ const char* GetKeyType(const TCIMValue& value) {
   return IsNumber(value.GetType()) ? "numeric" : "string";
 }
 
-void AppendKey(std::string& document, const std::string& name, const TCIMValue& value) {
-  document += "<KEYBINDING";
-  AppendAttribute(document, "NAME", name);
-  document += '>';
+void AppendKeyValue(std::string& document, const TCIMValue& value) {
   if (value.GetType() == ECIMType::kReference && !value.IsNull()) {
     AppendReference(document, value);
   } else {
@@ -114,6 +111,15 @@ void AppendKey(std::string& document, const std::string& name, const TCIMValue& 
     AppendEscaped(document, value.IsNull() ? std::string() : GetScalarText(value));
     document += "</KEYVALUE>";
   }
+}
+
+// The one key of a singleton may be without a name.
+void AppendKey(std::string& document, const std::string& name, const TCIMValue& value) {
+  if (name.empty()) return AppendKeyValue(document, value);
+  document += "<KEYBINDING";
+  AppendAttribute(document, "NAME", name);
+  document += '>';
+  AppendKeyValue(document, value);
   document += "</KEYBINDING>";
 }
 
@@ -141,6 +147,15 @@ void AppendAttribute(std::string& document, std::string_view name, std::string_v
   document += "=\"";
   AppendEscaped(document, value);
   document += '"';
+}
+
+std::string TidyNamespace(const std::string& nameSpace) {
+  std::string tidy;
+  for (const char character : nameSpace) {
+    if (character != '/' || (!tidy.empty() && tidy.back() != '/')) tidy += character;
+  }
+  if (!tidy.empty() && tidy.back() == '/') tidy.pop_back();
+  return tidy;
 }
 
 void AppendNamespace(std::string& document, const std::string& nameSpace) {

@@ -16,6 +16,9 @@ namespace NZEPQEL20::cimxml {
 /// ` NAME="value"`, with the blank in front.
 void AppendAttribute(std::string& document, std::string_view name, std::string_view value);
 
+/// A namespace's name without slashes at its ends and doubled ones in between.
+std::string TidyNamespace(const std::string& nameSpace);
+
 /// LOCALNAMESPACEPATH: one element per part of the name; slashes at the ends do not count.
 void AppendNamespace(std::string& document, const std::string& nameSpace);
 

@@ -172,16 +172,12 @@ std::optional<TCIMValue> ReadWireValue(ECIMType type, std::string& text) {
 }
 
 TCIMValue ReadKeyValue(std::string_view valueType, std::string_view type, std::string& text) {
-  std::optional<TCIMValue> value;
+  if (IsSameName(std::string(type), "string")) return TCIMValue(std::move(text));
   const std::string_view trimmed = Trim(text);
-  if (!type.empty()) {
-    value = ReadTrimmed(ReadWireType(type), trimmed);
-  } else if (valueType == "numeric") {
-    value = ReadNumericKey(trimmed);
-  } else if (valueType == "boolean") {
-    value = ReadBoolean(trimmed);
-  }
-  return value ? *value : TCIMValue(std::move(text));
+  std::optional<TCIMValue> value = ReadTrimmed(ReadWireType(type), trimmed);
+  if (!value && IsSameName(std::string(valueType), "numeric")) value = ReadNumericKey(trimmed);
+  if (!value && IsSameName(std::string(valueType), "boolean")) value = ReadBoolean(trimmed);
+  return value ? std::move(*value) : TCIMValue(std::move(text));
 }
 
 }  // namespace NZEPQEL20::cimxml

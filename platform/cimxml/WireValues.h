@@ -18,8 +18,8 @@ ECIMType ReadWireType(std::string_view name);
 std::optional<TCIMValue> ReadWireValue(ECIMType type, std::string& text);
 
 /// A key as its KEYVALUE gives it. `valueType` is "string", "boolean" or "numeric", `type` the
-/// exact type or empty; `type` holds where both are there. A text that does not fit stays one: such
-/// a path must go back to the server as it came.
+/// exact type, either may be empty; `type` holds where it is a type that `text` fits. A text that
+/// fits neither stays one: such a path must go back to the server as it came.
 TCIMValue ReadKeyValue(std::string_view valueType, std::string_view type, std::string& text);
 
 }  // namespace NZEPQEL20::cimxml

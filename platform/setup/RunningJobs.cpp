@@ -46,15 +46,22 @@ std::vector<TCIMReference> FindRunning(ICIMOperations& operations, const std::st
   return running;
 }
 
-bool Kill(ICIMOperations& operations, const TCIMReference& job) {
+// Completed, and the job of the change has been started (DSP1103).
+bool IsAccepted(const TCIMValue& result) {
+  const std::string number = result.ToString(10);
+  return number == "0" || number == "4096";
+}
+
+bool Kill(const TCIMReference& job, const TInvoke& invoke) {
   try {
     TKeyMap parameters = {{"RequestedState", TCIMValue::UInt16(kKill)}};
-    operations.InvokeMethod(job, "RequestStateChange", parameters);
-    return true;
+    const TCIMValue result = invoke(job, "RequestStateChange", parameters);
+    if (IsAccepted(result)) return true;
+    Note("ending a job: " + job.GetPath() + " answers " + result.ToString(10));
   } catch (const std::exception& e) {
     Note(std::string("ending a job: ") + e.what());
-    return false;
   }
+  return false;
 }
 
 // A job that cannot be fetched has gone, or cannot be reached to be killed either.
@@ -69,11 +76,12 @@ bool IsRunning(ICIMOperations& operations, const TCIMReference& job) {
 
 }  // namespace
 
-unsigned int KillJobs(ICIMOperations& operations, const std::vector<TCIMReference>& jobs) noexcept {
+unsigned int KillJobs(ICIMOperations& operations, const std::vector<TCIMReference>& jobs,
+                      const TInvoke& invoke) noexcept {
   unsigned int asked = 0;
   try {
     for (const TCIMReference& job : jobs) {
-      if (IsRunning(operations, job) && Kill(operations, job)) ++asked;
+      if (IsRunning(operations, job) && Kill(job, invoke)) ++asked;
     }
   } catch (...) {
     // Out of memory: nothing more can be asked, and nothing can be said about it either.
@@ -84,9 +92,13 @@ unsigned int KillJobs(ICIMOperations& operations, const std::vector<TCIMReferenc
 unsigned int KillJobs(ICIMOperations& operations) noexcept {
   unsigned int asked = 0;
   try {
+    const TInvoke invoke = [&operations](const TCIMReference& job, const std::string& method,
+                                         TKeyMap& parameters) {
+      return operations.InvokeMethod(job, method, parameters);
+    };
     for (const std::string& nameSpace : operations.GetNamespaces()) {
       for (const TCIMReference& job : FindRunning(operations, nameSpace)) {
-        if (Kill(operations, job)) ++asked;
+        if (Kill(job, invoke)) ++asked;
       }
     }
   } catch (...) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
+#include <string>
 #include <vector>
 
 #include "platform/model/ICIMOperations.h"
@@ -11,8 +13,13 @@ namespace NZEPQEL20::setup {
 /// took the request. Goes on past whatever fails. Never throws.
 unsigned int KillJobs(ICIMOperations& operations) noexcept;
 
+/// Calls a method of a job; answers with its result.
+using TInvoke = std::function<TCIMValue(const TCIMReference& job, const std::string& method,
+                                        TKeyMap& parameters)>;
+
 /// The same for those of `jobs` that have not ended, fetching each first: on a server there are
-/// jobs of others.
-unsigned int KillJobs(ICIMOperations& operations, const std::vector<TCIMReference>& jobs) noexcept;
+/// jobs of others. `invoke` makes the request.
+unsigned int KillJobs(ICIMOperations& operations, const std::vector<TCIMReference>& jobs,
+                      const TInvoke& invoke) noexcept;
 
 }  // namespace NZEPQEL20::setup

@@ -35,6 +35,20 @@ bool SaysNobodyServes(const TQELException& reason) {
   return status == 3 || (status >= 5 && status <= 7);
 }
 
+// On a server there are jobs that others have started.
+unsigned int KillStartedJobs(TCIMXMLOperations& server) noexcept {
+  try {
+    return setup::KillJobs(
+        server, server.GetStartedJobs(),
+        [&server](const TCIMReference& job, const std::string& method, TKeyMap& parameters) {
+          return server.InvokeOnJob(job, method, parameters);
+        });
+  } catch (...) {
+    // Out of memory: nothing more can be asked.
+    return 0;
+  }
+}
+
 // The process-wide settings that a platform makes, taken back with it.
 class TProcessSettings {
  public:
@@ -92,13 +106,13 @@ struct TPlatform::TParts {
     return providers;
   }
 
-  // Discovery asks for this class first, so the answer is not asked for twice. A server that cannot
-  // be used at all is worth more than an empty list of tests.
+  // Discovery asks for this class first, so a good answer is not asked for twice. A server that
+  // cannot be used at all is worth more than an empty list of tests.
   void CheckServer() {
     try {
       server->GetClass(nameSpaceName, kDiscoveredClass);
     } catch (const TQELException& e) {
-      if (e.GetCIMStatus() == TQELException::kNoCIMStatus) throw;
+      if (!SaysNobodyServes(e)) throw;
       setupProblems.push_back(std::string(e.what()) +
                               "; there are no tests in this namespace, --namespace names another");
     }
@@ -169,20 +183,13 @@ std::vector<TUnofferedTest> TPlatform::GetUnofferedTests() const {
 }
 
 unsigned int TPlatform::KillRunningJobs() noexcept {
-  try {
-    unsigned int asked = 0;
-    if (m_parts->providers) asked += setup::KillJobs(*m_parts->providers);
-    // On a server there are jobs that others have started.
-    if (m_parts->server)
-      asked += setup::KillJobs(*m_parts->server, m_parts->server->GetStartedJobs());
-    if (m_parts->pegasus && m_parts->pegasus != m_parts->server) {
-      asked += setup::KillJobs(*m_parts->pegasus, m_parts->pegasus->GetStartedJobs());
-    }
-    return asked;
-  } catch (...) {
-    // Out of memory: nothing more can be asked.
-    return 0;
+  unsigned int asked = 0;
+  if (m_parts->providers) asked += setup::KillJobs(*m_parts->providers);
+  if (m_parts->server) asked += KillStartedJobs(*m_parts->server);
+  if (m_parts->pegasus && m_parts->pegasus != m_parts->server) {
+    asked += KillStartedJobs(*m_parts->pegasus);
   }
+  return asked;
 }
 
 }  // namespace NZEPQEL20

@@ -53,6 +53,20 @@ TEST(RunningJobsTest, GoesOnPastWhateverFails) {
                                               "5"));
 }
 
+TEST(RunningJobsTest, CountsTheJobsThatTookTheRequest) {
+  TScriptedOperations operations;
+  operations.jobs["root/cimv2"] = {MakeJob("root/cimv2", "1", TCIMValue::UInt16(4))};
+  const auto count = [&operations](const TCIMValue& answer) {
+    return KillJobs(
+        operations, {operations.jobs["root/cimv2"][0].path},
+        [&answer](const TCIMReference&, const std::string&, TKeyMap&) { return answer; });
+  };
+  EXPECT_EQ(count(TCIMValue::UInt32(0)), 1U);
+  EXPECT_EQ(count(TCIMValue::UInt32(4096)), 1U);
+  EXPECT_EQ(count(TCIMValue::UInt32(1)), 0U);
+  EXPECT_EQ(count(TCIMValue()), 0U);
+}
+
 TEST(RunningJobsTest, HasNothingToDoWithoutJobs) {
   TScriptedOperations operations;
   EXPECT_EQ(KillJobs(operations), 0U);
@@ -73,7 +87,11 @@ TEST(RunningJobsTest, KillsOfTheGivenJobsThoseThatRun) {
                                    MakeJob("root/cimv2", "another's", TCIMValue::UInt16(4))};
   const TCIMReference gone("root/cimv2", "X_Job", {{"InstanceID", "gone"}});
   const std::vector<TCIMInstanceData> jobs = operations.jobs["root/cimv2"];
-  EXPECT_EQ(KillJobs(operations, {gone, jobs[1].path, jobs[0].path}), 1U);
+  const TInvoke invoke = [&operations](const TCIMReference& job, const std::string& method,
+                                       TKeyMap& parameters) {
+    return operations.InvokeMethod(job, method, parameters);
+  };
+  EXPECT_EQ(KillJobs(operations, {gone, jobs[1].path, jobs[0].path}, invoke), 1U);
   EXPECT_THAT(operations.invoked,
               ElementsAre("root/cimv2:X_Job.InstanceID=\"mine\" RequestStateChange 5"));
 }

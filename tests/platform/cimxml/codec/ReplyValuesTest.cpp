@@ -95,9 +95,10 @@ INSTANTIATE_TEST_SUITE_P(
                   TCIMValue::Null(ECIMType::kDateTime), 1}),
     [](const auto& row) { return std::string(row.param.name); });
 
-#define ARRAY(type, content)                                                          \
-  "<PROPERTY.ARRAY NAME=\"P\"  TYPE=\"" type "\" PROPAGATED=\"true\">\n" content "</" \
-                                                                                 "PROPERTY.ARRAY>"
+#define ARRAY(type, content)                                                     \
+  "<PROPERTY.ARRAY NAME=\"P\"  TYPE=\"" type "\" PROPAGATED=\"true\">\n" content \
+  "</"                                                                           \
+  "PROPERTY.ARRAY>"
 
 INSTANTIATE_TEST_SUITE_P(
     Arrays, ReplyPropertyTest,
@@ -177,7 +178,7 @@ TEST(ReplyValuesTest, TakesAnEmbeddedClassForNoInstance) {
 TEST(ReplyValuesTest, ReportsAnEmbeddedInstanceThatCannotBeRead) {
   const TReply reply = ReadProperties(Embed("EmbeddedObject=\"instance\"", "&lt;INSTANCE"));
   EXPECT_TRUE(reply.instances.at(0).properties.at(0).value.IsNull());
-  EXPECT_EQ(reply.firstOddity.substr(0, 38), "P: '<INSTANCE' holds no instance: line");
+  EXPECT_EQ(reply.firstOddity.substr(0, 35), "P: '<INSTANCE' is no instance: line");
 }
 
 TEST(ReplyValuesTest, BoundsHowDeepInstancesAreEmbedded) {

@@ -71,6 +71,16 @@ TEST(RequestTextTest, WritesKeysByTheirKind) {
             Call("GetInstance", "<IPARAMVALUE NAME=\"InstanceName\">" + kName + "</IPARAMVALUE>"));
 }
 
+TEST(RequestTextTest, WritesAKeyWithoutANameAsItCame) {
+  TRequestText request = TRequestText::Operation("GetInstance", "root/cimv2", 7);
+  request.AddInstanceName("InstanceName",
+                          TCIMReference("root/cimv2", "A_Only", {{"", TCIMValue("x")}}));
+  EXPECT_EQ(request.Finish(),
+            Call("GetInstance",
+                 "<IPARAMVALUE NAME=\"InstanceName\"><INSTANCENAME CLASSNAME=\"A_Only\">"
+                 "<KEYVALUE VALUETYPE=\"string\">x</KEYVALUE></INSTANCENAME></IPARAMVALUE>"));
+}
+
 TEST(RequestTextTest, WritesAReferenceInAKeyWithItsNamespaceAndWithoutItsHost) {
   TCIMReference part("root/x", "A_Part", {{"Id", TCIMValue("1")}});
   part.SetHost("elsewhere");

@@ -69,12 +69,15 @@ TEST(XmlStreamTest, RefusesWhatIsNotWellFormedByLineAndReason) {
   EXPECT_EQ(GetFailure("<a/><b/>"), "line 1 of the reply: junk after document element");
 }
 
-TEST(XmlStreamTest, RefusesEntitiesOfTheDocumentsOwn) {
+TEST(XmlStreamTest, RefusesDeclarationsOfTheDocumentsOwn) {
   EXPECT_EQ(GetFailure("<!DOCTYPE a [<!ENTITY lol \"lol\"><!ENTITY lol2 \"&lol;&lol;\">]>"
                        "<a>&lol2;</a>"),
-            "line 1 of the reply: declares an entity: lol");
+            "line 1 of the reply: brings declarations of its own");
   EXPECT_EQ(GetFailure("<!DOCTYPE a [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><a>&x;</a>"),
-            "line 1 of the reply: declares an entity: x");
+            "line 1 of the reply: brings declarations of its own");
+  EXPECT_EQ(
+      GetFailure("<!DOCTYPE a [<!ATTLIST a x CDATA \"" + std::string(1000, 'x') + "\">]><a/>"),
+      "line 1 of the reply: brings declarations of its own");
   EXPECT_EQ(GetFailure("<!DOCTYPE a SYSTEM \"http://example.invalid/a.dtd\"><a/>"), "");
 }
 

@@ -249,7 +249,8 @@ TEST_F(ServerOperationsTest, BoundsAnOperationInTime) {
   m_options.totalTimeout = std::chrono::milliseconds(100);
   m_server.Queue(TPlay().Hang());
   TCIMXMLOperations& operations = Open();
-  EXPECT_THAT(GetFailure([&] { operations.GetInstance(kPath); }), HasSubstr("no complete answer within 0."));
+  EXPECT_THAT(GetFailure([&] { operations.GetInstance(kPath); }),
+              HasSubstr("no complete answer within 0."));
 }
 
 TEST_F(ServerOperationsTest, RemembersTheJobsThatItStarted) {
@@ -265,6 +266,138 @@ TEST_F(ServerOperationsTest, RemembersTheJobsThatItStarted) {
   operations.InvokeMethod(kPath, "Run", parameters);
   ASSERT_EQ(operations.GetStartedJobs().size(), 1U);
   EXPECT_EQ(operations.GetStartedJobs()[0].GetPath(), "root/cimv2:A_Job");
+}
+
+const char* const kStarted =
+    "<RETURNVALUE PARAMTYPE=\"uint32\"><VALUE>4096</VALUE></RETURNVALUE><PARAMVALUE NAME=\"Job\" "
+    "PARAMTYPE=\"reference\"><VALUE.REFERENCE><INSTANCENAME CLASSNAME=\"A_Job\"/>"
+    "</VALUE.REFERENCE></PARAMVALUE>";
+
+TEST_F(ServerOperationsTest, RemembersAJobOnceAndEvenWhenTheRestCannotBeUsed) {
+  Send(Classes(1001));
+  Send(Frame("Run", 1002, kStarted, "METHODRESPONSE"));
+  Send(Frame("Run", 1003,
+             "<RETURNVALUE><VALUE>x</VALUE></RETURNVALUE>" +
+                 std::string(kStarted).substr(std::string(kStarted).find("<PARAMVALUE")),
+             "METHODRESPONSE"));
+  TCIMXMLOperations& operations = Open();
+  TKeyMap parameters;
+  operations.InvokeMethod(kPath, "Run", parameters);
+  EXPECT_THAT(GetFailure([&] { operations.InvokeMethod(kPath, "Run", parameters); }),
+              HasSubstr("its result should be a uint32"));
+  EXPECT_EQ(operations.GetStartedJobs().size(), 1U);
+}
+
+TEST_F(ServerOperationsTest, TakesNoJobThatChangesAJobForATest) {
+  Send(Classes(1001));
+  Send(Frame("RequestStateChange", 1002, kStarted, "METHODRESPONSE"));
+  Send(Frame("Other", 1003, kStarted, "METHODRESPONSE"));
+  TCIMXMLOperations& operations = Open();
+  TKeyMap parameters;
+  operations.InvokeMethod(kPath, "RequestStateChange", parameters);
+  parameters.clear();
+  EXPECT_EQ(operations.InvokeOnJob(kPath, "Other", parameters), TCIMValue::UInt32(4096));
+  EXPECT_EQ(parameters.size(), 1U);
+  EXPECT_THAT(operations.GetStartedJobs(), IsEmpty());
+}
+
+TEST_F(ServerOperationsTest, BoundsARequestAboutAJobAsItBoundsOthers) {
+  m_options.requestTimeout = std::chrono::milliseconds(100);
+  Send(Classes(1001));
+  m_server.Queue(TPlay().Hang());
+  TCIMXMLOperations& operations = Open();
+  TKeyMap parameters;
+  EXPECT_THAT(GetFailure([&] { operations.InvokeOnJob(kPath, "Run", parameters); }),
+              HasSubstr("no complete answer within 0.1 s"));
+}
+
+TEST_F(ServerOperationsTest, DoesNotCloseAnEnumerationWithAServerThatDoesNotAnswer) {
+  m_options.requestTimeout = std::chrono::milliseconds(100);
+  Send(Page("OpenEnumerateInstances", 1001, "c1", 1));
+  m_server.Queue(TPlay().Hang());
+  TCIMXMLOperations& operations = Open();
+  EXPECT_THAT(GetFailure([&] { operations.EnumerateInstances("root/cimv2", "A", TakeAll); }),
+              HasSubstr("no complete answer"));
+  EXPECT_THAT(GetAsked(), ElementsAre("OpenEnumerateInstances", "PullInstancesWithPath"));
+}
+
+TEST_F(ServerOperationsTest, AsksInTheDefaultNamespaceWhenNoneIsNamed) {
+  Send(Classes(1001));
+  Send(Frame("EnumerateClassNames", 1002, ""));
+  TCIMXMLOperations& operations = Open();
+  EXPECT_EQ(operations.GetClass("", "A")->name, "A");
+  EXPECT_EQ(operations.GetClass("/root/cimv2/", "A")->name, "A");
+  operations.EnumerateClassNames("", "", true);
+  EXPECT_THAT(GetAsked(), ElementsAre("GetClass", "EnumerateClassNames"));
+  for (const TSeenRequest& request : m_server.GetRequests()) {
+    EXPECT_TRUE(request.HasLine("CIMObject: root%2Fcimv2")) << request.head;
+  }
+}
+
+TEST_F(ServerOperationsTest, ListsAFailureOnceWhateverItsNumbers) {
+  m_options.requestTimeout = std::chrono::milliseconds(50);
+  for (const char* start : {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n<CIM", ""}) {
+    m_server.Queue(TPlay().Send(start).Hang());
+  }
+  m_server.Queue(TPlay().Send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n<CIM>").Hang());
+  TCIMXMLOperations& operations = Open();
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_NE(GetFailure([&] { operations.DeleteInstance(kPath); }), "");
+  }
+  EXPECT_EQ(operations.GetProblems().size(), 2U);
+}
+
+struct TCrowd {
+  const char* name;
+  std::string thing;
+  const char* reason;
+};
+
+std::ostream& operator<<(std::ostream& out, const TCrowd& row) {
+  return out << row.name;
+}
+
+class ServerCrowdTest : public ServerOperationsTest,
+                        public ::testing::WithParamInterface<TCrowd> {};
+
+TEST_P(ServerCrowdTest, IsRefusedBeforeItCostsItsSquare) {
+  std::string content = "<IRETURNVALUE><CLASS NAME=\"A\">";
+  if (GetParam().thing.find("PARAMETER") == 1) content += "<METHOD NAME=\"M\" TYPE=\"uint8\">";
+  for (int i = 0; i < 4097; ++i) content += GetParam().thing;
+  if (GetParam().thing.find("PARAMETER") == 1) content += "</METHOD>";
+  Send(Frame("GetClass", 1001, content + "</CLASS></IRETURNVALUE>"));
+  TCIMXMLOperations& operations = Open();
+  EXPECT_THAT(GetFailure([&] { operations.GetClass("root/cimv2", "A"); }),
+              HasSubstr(std::string("the reply holds more than 4096 ") + GetParam().reason));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, ServerCrowdTest,
+    ::testing::Values(TCrowd{"Properties", "<PROPERTY NAME=\"P\" TYPE=\"uint8\"/>", "properties"},
+                      TCrowd{"Methods", "<METHOD NAME=\"P\" TYPE=\"uint8\"/>", "methods"},
+                      TCrowd{"Parameters", "<PARAMETER NAME=\"P\" TYPE=\"uint8\"/>", "parameters"},
+                      TCrowd{"Qualifiers", "<QUALIFIER NAME=\"P\" TYPE=\"uint8\"/>", "qualifiers"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(ServerOperationsTest, RefusesAnInstanceWithTooManyProperties) {
+  std::string content = "<IRETURNVALUE><INSTANCE CLASSNAME=\"A\">";
+  for (int i = 0; i < 4097; ++i) content += "<PROPERTY NAME=\"P\" TYPE=\"uint8\"/>";
+  Send(Frame("GetInstance", 1001, content + "</INSTANCE></IRETURNVALUE>"));
+  TCIMXMLOperations& operations = Open();
+  EXPECT_THAT(GetFailure([&] { operations.GetInstance(kPath); }),
+              HasSubstr("the reply holds more than 4096 properties"));
+}
+
+TEST_F(ServerOperationsTest, CutsALongDescriptionBetweenCharacters) {
+  std::string description;
+  for (int i = 0; i < 5000; ++i) description += "\xC3\xA4";
+  Send(Frame("DeleteInstance", 1001,
+             "<ERROR CODE=\"1\" DESCRIPTION=\"\xC2\x9B" + description + "\"/>"));
+  TCIMXMLOperations& operations = Open();
+  const std::string reason = GetFailure([&] { operations.DeleteInstance(kPath); });
+  EXPECT_LT(reason.size(), 2300U);
+  EXPECT_EQ(reason.find("\xC2\x9B"), std::string::npos);
+  EXPECT_EQ(reason.find("\xC3."), std::string::npos);
 }
 
 TEST_F(ServerOperationsTest, ListsWhatKeptTheServerFromAnsweringOnce) {

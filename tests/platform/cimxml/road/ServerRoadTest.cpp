@@ -321,6 +321,22 @@ TEST(ServerSetupTest, RefusesAServerThatCannotBeReached) {
   }
 }
 
+TEST(ServerSetupTest, RefusesAServerThatRefusesTheCaller) {
+  const auto machine = MakeMachine(1);
+  machine->Fail("GetClass", kNameSpace, TQELException(TQELStatusCode::kCIMError, "not you", 2));
+  const TCimServer server(machine, MakeStyle(EStyle::kSfcb));
+  TPlatformOptions options;
+  options.root = DIAGSTEST_ROOT;
+  options.server = MakeOptions(server);
+  try {
+    const TPlatform platform(options);
+    FAIL() << "was set up";
+  } catch (const TQELException& e) {
+    EXPECT_THAT(e.what(), HasSubstr("CIM_ERR_ACCESS_DENIED (2)"));
+    EXPECT_THAT(e.what(), testing::Not(HasSubstr("--namespace")));
+  }
+}
+
 TEST(ServerSetupTest, ReportsANamespaceWithoutTestsAndGoesOn) {
   const TCimServer server(MakeMachine(1), MakeStyle(EStyle::kPegasus));
   TPlatformOptions options;
