@@ -52,7 +52,7 @@ void TCIMXMLOperations::EnumerateInstances(const std::string& nameSpace,
   };
   TReply reply = m_parts->connection.AskFor("EnumerateInstances", place,
                                             "EnumerateInstances of " + place + ':' + className,
-                                            write, true, budget);
+                                            write, cimxml::ERepeat::kHarmless, budget);
   // Only now: a refusal of both says something about the class and nothing about the server.
   if (start == EStart::kNoPull) m_parts->hasPull = false;
   cimxml::Deliver(reply, sink);
@@ -101,7 +101,7 @@ TCIMReference TCIMXMLOperations::CreateInstance(const std::string& nameSpace,
   cimxml::TBudget budget = m_parts->connection.StartOperation();
   const TReply reply = m_parts->connection.AskFor(
       "CreateInstance", place, "CreateInstance of " + place + ':' + instance.path.GetClassName(),
-      write, false, budget);
+      write, cimxml::ERepeat::kHarmful, budget);
   if (!reply.paths.empty()) return reply.paths.front();
   TCIMReference path = instance.path;
   path.SetNamespaceName(place);
@@ -124,7 +124,8 @@ void TCIMXMLOperations::DeleteInstance(const TCIMReference& path) {
   };
   cimxml::TBudget budget = m_parts->connection.StartOperation();
   m_parts->connection.AskFor("DeleteInstance", m_parts->OrDefault(path.GetNamespaceName()),
-                             "DeleteInstance of " + path.GetPath(), write, false, budget);
+                             "DeleteInstance of " + path.GetPath(), write,
+                             cimxml::ERepeat::kHarmful, budget);
 }
 
 }  // namespace NZEPQEL20

@@ -53,7 +53,7 @@ void TPullEnumeration::Close() {
   m_budget.requestTimeout =
       std::min<std::chrono::milliseconds>(m_budget.requestTimeout, kCloseTimeout);
   try {
-    Ask("CloseEnumeration", false,
+    Ask("CloseEnumeration", ERepeat::kLost,
         [this](TRequestText& request) { request.AddText("EnumerationContext", m_context); });
   } catch (const std::exception&) {
     // The server closes it by itself after a while.
@@ -66,9 +66,9 @@ void TPullEnumeration::Refuse(const char* reason) const {
                       m_what + ": " + m_connection.GetName() + ": " + reason);
 }
 
-TReply TPullEnumeration::Ask(const char* operation, bool isRepeatable,
+TReply TPullEnumeration::Ask(const char* operation, ERepeat repeat,
                              const TServerConnection::TWrite& write) {
-  return m_connection.AskFor(operation, m_nameSpace, m_what, write, isRepeatable, m_budget);
+  return m_connection.AskFor(operation, m_nameSpace, m_what, write, repeat, m_budget);
 }
 
 void TPullEnumeration::Follow(const TReply& reply) {
@@ -85,7 +85,7 @@ void TPullEnumeration::Follow(const TReply& reply) {
 
 void TPullEnumeration::OpenWith(const char* objectCount, TReply& reply) {
   m_objectCount = objectCount;
-  reply = Ask("OpenEnumerateInstances", true, [this](TRequestText& request) {
+  reply = Ask("OpenEnumerateInstances", ERepeat::kHarmless, [this](TRequestText& request) {
     request.AddClassName("ClassName", m_className);
     request.AddFlag("DeepInheritance", true);
     request.AddText("MaxObjectCount", m_objectCount);
@@ -112,7 +112,7 @@ TPullEnumeration::EStart TPullEnumeration::Open(TReply& reply) {
 TReply TPullEnumeration::Pull() {
   TReply reply;
   try {
-    reply = Ask("PullInstancesWithPath", false, [this](TRequestText& request) {
+    reply = Ask("PullInstancesWithPath", ERepeat::kLost, [this](TRequestText& request) {
       request.AddText("EnumerationContext", m_context);
       request.AddText("MaxObjectCount", m_objectCount);
     });

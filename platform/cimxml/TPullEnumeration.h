@@ -36,7 +36,7 @@ class TPullEnumeration {
  private:
   void OpenWith(const char* objectCount, TReply& reply);
   void Close();
-  TReply Ask(const char* operation, bool isRepeatable, const TServerConnection::TWrite& write);
+  TReply Ask(const char* operation, ERepeat repeat, const TServerConnection::TWrite& write);
   void Follow(const TReply& reply);
   [[noreturn]] void Refuse(const char* reason) const;
 

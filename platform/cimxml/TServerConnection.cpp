@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/cimxml/HttpText.h"
+#include "platform/cimxml/Secrets.h"
 #include "platform/cimxml/TReplyReader.h"
 #include "platform/contract/ILogger.h"
 #include "platform/contract/TRootObject.h"
@@ -31,7 +32,7 @@ void Log(ILogger::EQELLogSeverity severity, const std::string& text) {
 
 TServerOptions WithoutSecrets(TServerOptions options) {
   options.user.clear();
-  options.password.clear();
+  WipeText(options.password);
   return options;
 }
 
@@ -128,7 +129,7 @@ void TServerConnection::ReportOddities(const TQuestion& question, const TReply& 
                              MakeSafe(reply.firstOddity));
 }
 
-TReply TServerConnection::AskOnce(const TQuestion& question, TBudget& budget) {
+TReply TServerConnection::AskOnce(const TQuestion& question, TBudget& budget, bool isSecond) {
   const auto left =
       std::chrono::duration_cast<std::chrono::milliseconds>(budget.end - TClock::now());
   if (left.count() <= 0) {
@@ -140,6 +141,8 @@ TReply TServerConnection::AskOnce(const TQuestion& question, TBudget& budget) {
   request.object = question.object;
   request.body = question.body;
   request.isMethodCall = question.isMethodCall;
+  // Where one connection was lost, the others that were kept may be, too.
+  request.wantsFreshConnection = isSecond || question.repeat == ERepeat::kHarmful;
   request.timeout = std::min(left, budget.requestTimeout);
   TCountedReply body(GetName(), question.nameSpace, budget.bytesLeft);
   const THttpTrailers trailers = m_session.Exchange(request, body);
@@ -169,13 +172,14 @@ void TServerConnection::NoteProblem(const TQELException& failure) {
 TReply TServerConnection::Ask(const TQuestion& question, TBudget& budget) {
   const std::string& what = question.what;
   try {
-    if (!question.isRepeatable || question.isMethodCall) return AskOnce(question, budget);
+    const bool mayRepeat = question.repeat == ERepeat::kHarmless && !question.isMethodCall;
+    if (!mayRepeat) return AskOnce(question, budget, false);
     try {
-      return AskOnce(question, budget);
+      return AskOnce(question, budget, false);
     } catch (const TConnectionLost& e) {
       Log(ILogger::kWarning, what + ": " + e.what() + "; asking once more");
     }
-    return AskOnce(question, budget);
+    return AskOnce(question, budget, true);
   } catch (const THttpError& e) {
     NoteProblem(e);
     throw THttpError(e.GetStatusCode(), what + ": " + e.what(), e.GetHttpStatus());
@@ -186,14 +190,14 @@ TReply TServerConnection::Ask(const TQuestion& question, TBudget& budget) {
 }
 
 TReply TServerConnection::AskFor(const std::string& operation, const std::string& nameSpace,
-                                 const std::string& what, const TWrite& write, bool isRepeatable,
+                                 const std::string& what, const TWrite& write, ERepeat repeat,
                                  TBudget& budget) {
   TQuestion question;
   question.what = what;
   question.name = operation;
   question.nameSpace = nameSpace;
   question.object = nameSpace;
-  question.isRepeatable = isRepeatable;
+  question.repeat = repeat;
   question.id = NextId();
   try {
     TRequestText text = TRequestText::Operation(operation, nameSpace, question.id);
@@ -208,7 +212,7 @@ TReply TServerConnection::AskFor(const std::string& operation, const std::string
 TReply TServerConnection::AskFor(const std::string& operation, const std::string& nameSpace,
                                  const std::string& what, const TWrite& write) {
   TBudget budget = StartOperation();
-  return AskFor(operation, nameSpace, what, write, true, budget);
+  return AskFor(operation, nameSpace, what, write, ERepeat::kHarmless, budget);
 }
 
 }  // namespace NZEPQEL20::cimxml

@@ -22,6 +22,13 @@ struct TBudget {
   std::uint64_t bytesLeft = 0;                 ///< Of replies.
 };
 
+/// What it would mean to send a request twice.
+enum class ERepeat {
+  kHarmless,  ///< The same as once: it is sent again after a lost connection.
+  kHarmful,   ///< Another change: it is sent once, on a connection that nobody can have closed.
+  kLost,      ///< Another answer than the one that was lost: it is sent once.
+};
+
 /// A request, and what a message says about it.
 struct TQuestion {
   std::string what;       ///< Operation and object, for error texts.
@@ -29,8 +36,7 @@ struct TQuestion {
   std::string object;     ///< For the header: namespace, or path of a method call.
   std::string nameSpace;  ///< That paths of the reply lie in when they name none.
   bool isMethodCall = false;
-  /// Whether asking twice does no harm and gives the same answer.
-  bool isRepeatable = true;
+  ERepeat repeat = ERepeat::kHarmless;
   std::uint64_t id = 0;  ///< Of the message.
   std::string body;
 };
@@ -66,10 +72,10 @@ class TServerConnection {
                 const TWrite& write);
   /// The same as part of something larger.
   TReply AskFor(const std::string& operation, const std::string& nameSpace, const std::string& what,
-                const TWrite& write, bool isRepeatable, TBudget& budget);
+                const TWrite& write, ERepeat repeat, TBudget& budget);
 
  private:
-  TReply AskOnce(const TQuestion& question, TBudget& budget);
+  TReply AskOnce(const TQuestion& question, TBudget& budget, bool isSecond);
   void Check(const TQuestion& question, const TReply& reply) const;
   [[noreturn]] void Refuse(const TReplyError& error) const;
   void NoteProblem(const TQELException& failure);

@@ -180,6 +180,22 @@ TEST_F(ServerOperationsTest, AsksOnceMoreAfterALostConnection) {
   EXPECT_THAT(m_logger.lines, Contains(HasSubstr("asking once more")));
 }
 
+TEST_F(ServerOperationsTest, MakesChangesOnConnectionsThatNobodyCanHaveClosed) {
+  for (int id = 1001; id < 1004; ++id) Send(Frame("DeleteInstance", id, ""));
+  TCIMXMLOperations& operations = Open();
+  for (int i = 0; i < 3; ++i) operations.DeleteInstance(kPath);
+  EXPECT_EQ(m_server.CountConnections(), 3);
+}
+
+TEST_F(ServerOperationsTest, AsksOnOneConnectionForWhatChangesNothing) {
+  for (int id = 1001; id < 1004; ++id) {
+    Send(Frame("GetInstance", id, "<IRETURNVALUE><INSTANCE CLASSNAME=\"A\"/></IRETURNVALUE>"));
+  }
+  TCIMXMLOperations& operations = Open();
+  for (int i = 0; i < 3; ++i) operations.GetInstance(kPath);
+  EXPECT_EQ(m_server.CountConnections(), 1);
+}
+
 TEST_F(ServerOperationsTest, AsksNoMoreThanTwice) {
   m_server.Queue(TPlay().Close());
   m_server.Queue(TPlay().Close());
