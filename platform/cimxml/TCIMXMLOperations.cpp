@@ -94,6 +94,10 @@ std::vector<std::string> TCIMXMLOperations::GetProblems() const {
   return m_parts->connection.GetProblems();
 }
 
+std::string TCIMXMLOperations::TakeLastFailure() {
+  return m_parts->connection.TakeLastFailure();
+}
+
 std::shared_ptr<const TCIMClassDeclaration> TCIMXMLOperations::GetClass(
     const std::string& nameSpace, const std::string& className) {
   const std::string place = m_parts->OrDefault(nameSpace);

@@ -67,6 +67,9 @@ class TCIMXMLOperations final : public ICIMOperations {
   /// refusals included, is no problem.
   std::vector<std::string> GetProblems() const;
 
+  /// The last of these since the previous call, also when it is not new; empty for none.
+  std::string TakeLastFailure();
+
  private:
   struct TParts;
   std::unique_ptr<TParts> m_parts;

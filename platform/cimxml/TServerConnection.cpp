@@ -159,10 +159,16 @@ std::vector<std::string> TServerConnection::GetProblems() const {
   return m_problems;
 }
 
+std::string TServerConnection::TakeLastFailure() {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  return std::exchange(m_lastFailure, {});
+}
+
 void TServerConnection::NoteProblem(const TQELException& failure) {
   if (failure.GetCIMStatus() != TQELException::kNoCIMStatus) return;
   const std::string kind = GetKind(failure.what());
   const std::lock_guard<std::mutex> lock(m_mutex);
+  m_lastFailure = failure.what();
   const bool isKnown =
       std::any_of(m_problems.begin(), m_problems.end(),
                   [&kind](const std::string& problem) { return GetKind(problem) == kind; });

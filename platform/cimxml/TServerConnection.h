@@ -58,6 +58,9 @@ class TServerConnection {
   /// What has kept the server from answering so far, one line each and each once.
   std::vector<std::string> GetProblems() const;
 
+  /// The last of these since the previous call, also when it is not new; empty for none.
+  std::string TakeLastFailure();
+
   /// Asks, once more after a lost connection where that does no harm.
   /// Errors: TQELException naming `question.what`, the server and its reason; with the CIM status
   /// when the server refused the operation, a THttpError when it did not look at it.
@@ -86,6 +89,7 @@ class TServerConnection {
   std::atomic<std::uint64_t> m_lastId{1000};
   mutable std::mutex m_mutex;
   std::vector<std::string> m_problems;
+  std::string m_lastFailure;
 };
 
 }  // namespace NZEPQEL20::cimxml

@@ -167,6 +167,10 @@ const std::vector<std::string>& TPlatform::GetProblems() const {
   return m_parts->problems;
 }
 
+std::string TPlatform::TakeServerFailure() {
+  return m_parts->server ? m_parts->server->TakeLastFailure() : std::string();
+}
+
 std::vector<TUnofferedTest> TPlatform::GetUnofferedTests() const {
   std::vector<TUnofferedTest> tests;
   const auto take = [&tests](TCIMInstanceData&& test) {

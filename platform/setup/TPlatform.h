@@ -64,6 +64,10 @@ class DIAGSPLATFORM_EXPORT TPlatform {
   /// Threads: one at a time.
   const std::vector<std::string>& GetProblems() const;
 
+  /// What last kept the server behind "cmpi" from answering since the previous call; empty when it
+  /// answered, and without a server. A run that ended meanwhile ended because of it.
+  std::string TakeServerFailure();
+
   /// The tests that providers report as not offered on this machine ("DRH_UnofferedTest"); empty
   /// when nobody serves that class.
   /// Errors: TQELException when the provider fails.

@@ -425,6 +425,8 @@ TEST_F(ServerOperationsTest, ListsWhatKeptTheServerFromAnsweringOnce) {
   }
   ASSERT_EQ(operations.GetProblems().size(), 1U);
   EXPECT_THAT(operations.GetProblems()[0], HasSubstr("500"));
+  EXPECT_THAT(operations.TakeLastFailure(), HasSubstr("500"));
+  EXPECT_EQ(operations.TakeLastFailure(), "");
 }
 
 TEST_F(ServerOperationsTest, ReportsOnceWhatOfAReplyWasNotUsable) {
