@@ -2,6 +2,7 @@
 #include "platform/cimxml/ReplyCheck.h"
 
 #include <limits>
+#include <string_view>
 
 #include "platform/cimxml/HttpText.h"
 #include "platform/cimxml/TChallenge.h"
@@ -124,13 +125,21 @@ TQELStatusCode GetCode(long status) {
   return TQELStatusCode::kFailed;
 }
 
+// The first value that says something. Some servers send such fields without one, and mean none.
+std::string FindValue(const THeaderFields& fields, std::string_view name) {
+  for (const std::string& value : fields.FindAll(name)) {
+    if (!Trim(value).empty()) return value;
+  }
+  return {};
+}
+
 // What a CIM server says of its reasons in fields of its own.
 std::string DescribeCIMError(const THeaderFields& fields) {
   std::string text;
-  const std::string* const error = fields.Find("CIMError");
-  if (error != nullptr) text += ", CIMError " + MakeSafe(PercentDecode(*error));
-  const std::string* const detail = fields.Find("PGErrorDetail");
-  if (detail != nullptr) text += ": " + MakeSafe(PercentDecode(*detail), 1000);
+  const std::string error = FindValue(fields, "CIMError");
+  if (!error.empty()) text += ", CIMError " + MakeSafe(PercentDecode(error));
+  const std::string detail = FindValue(fields, "PGErrorDetail");
+  if (!detail.empty()) text += ": " + MakeSafe(PercentDecode(detail), 1000);
   return text;
 }
 
@@ -146,7 +155,7 @@ std::string DescribeCIMError(const THeaderFields& fields) {
 
 void CheckReplyHead(const TReplyHead& head, const TReplyRules& rules) {
   if (!head.IsHttp1()) Refuse(rules, "answers in a version of HTTP that was not asked for");
-  if (head.GetStatus() != 200 || head.GetFields().Find("CIMError") != nullptr) {
+  if (head.GetStatus() != 200 || !FindValue(head.GetFields(), "CIMError").empty()) {
     ThrowStatus(head, rules);
   }
   CheckEncoding(head, rules);
@@ -156,7 +165,7 @@ void CheckReplyHead(const TReplyHead& head, const TReplyRules& rules) {
 
 THttpTrailers ReadTrailers(const TReplyHead& head, const TReplyRules& rules) {
   const THeaderFields& fields = head.GetTrailers();
-  if (fields.Find("CIMError") != nullptr) {
+  if (!FindValue(fields, "CIMError").empty()) {
     throw THttpError(TQELStatusCode::kFailed,
                      rules.server + ": the server broke off in the middle of its answer" +
                          DescribeCIMError(fields),

@@ -55,6 +55,9 @@ INSTANTIATE_TEST_SUITE_P(
                    Reply("Content-Length: 6\r\ncontent-type: TEXT/XML;charset=UTF-8\r\n")},
         TGoodReply{"OtherCase", Reply("Content-Length: 6\r\nCIMOPERATION: methodresponse\r\n")},
         TGoodReply{"Identity", Reply("Content-Length: 6\r\nContent-Encoding: identity\r\n")},
+        TGoodReply{"EmptyCIMError", Reply("Content-Length: 6\r\nCIMError:\r\ncimerror: \t\r\n")},
+        TGoodReply{"EmptyCIMErrorBehindTheBody",
+                   Reply(kChunked, "6\r\n<CIM/>\r\n0\r\nCIMError: \r\n\r\n")},
         TGoodReply{"LineFeedsOnly", TPlay().Send("HTTP/1.1 200 OK\nContent-Length: 6\n\n<CIM/>")},
         TGoodReply{"Interim", TPlay().Send("HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 200 OK\r\n"
                                            "Content-Length: 6\r\n\r\n<CIM/>")},
