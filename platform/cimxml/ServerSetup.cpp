@@ -2,22 +2,62 @@
 #include "platform/cimxml/ServerSetup.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdint>
 #include <system_error>
 #include <utility>
 
 #include "platform/cimxml/HttpText.h"
 #include "platform/cimxml/TExchange.h"
+#include "platform/contract/ILogger.h"
+#include "platform/contract/TRootObject.h"
 
 namespace NZEPQEL20::cimxml {
 namespace {
 
 [[noreturn]] void Refuse(const TServerUrl& url, const std::string& reason) {
   throw TQELException(TQELStatusCode::kInvalidArgument, url.GetText() + ": " + reason);
+}
+
+// More than any server answers, and far from where sums of sizes overflow.
+constexpr std::uint64_t kMostReplyBytes = std::uint64_t{1} << 40U;
+
+void CheckTime(const TServerUrl& url, const char* field, std::chrono::milliseconds time) {
+  if (time > std::chrono::milliseconds(0) && time <= kMostTime) return;
+  Refuse(url, std::string(field) + " must be above 0 and at most 30 days, and is " +
+                  std::to_string(time.count()) + " ms");
+}
+
+void CheckLimits(const TServerOptions& options, const TServerUrl& url) {
+  CheckTime(url, "connectTimeout", options.connectTimeout);
+  CheckTime(url, "requestTimeout", options.requestTimeout);
+  CheckTime(url, "totalTimeout", options.totalTimeout);
+  CheckTime(url, "methodTimeout", options.methodTimeout);
+  if (options.maxReplyBytes == 0 || options.maxReplyBytes > kMostReplyBytes) {
+    Refuse(url, "maxReplyBytes must be from 1 to " + std::to_string(kMostReplyBytes) + ", and is " +
+                    std::to_string(options.maxReplyBytes));
+  }
+}
+
+// The file that holds the key of the client certificate; empty without one.
+const std::string& GetKeyFile(const TServerOptions& options) {
+  return options.clientKey.empty() ? options.clientCertificate : options.clientKey;
+}
+
+bool IsOpenToOthers(const std::string& file) {
+  struct stat status {};
+  return ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+         (status.st_mode & (S_IRWXG | S_IRWXO)) != 0;
+}
+
+void Warn(const TServerUrl& url, const std::string& text) {
+  ILogger* const logger = TRootObject::GetCoreLogger();
+  if (logger != nullptr) logger->Log(ILogger::kWarning, url.GetText() + ": " + text);
 }
 
 // Reading a byte is the only way to know: a folder can be opened, too.
@@ -61,10 +101,8 @@ void SetTls(CURL* handle, const TServerOptions& options) {
     SetOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
   }
   if (options.clientCertificate.empty()) return;
-  const std::string& key =
-      options.clientKey.empty() ? options.clientCertificate : options.clientKey;
   SetOption(handle, CURLOPT_SSLCERT, options.clientCertificate.c_str());
-  SetOption(handle, CURLOPT_SSLKEY, key.c_str());
+  SetOption(handle, CURLOPT_SSLKEY, GetKeyFile(options).c_str());
   // With none at all, OpenSSL would ask for one on the terminal and wait.
   SetOption(handle, CURLOPT_KEYPASSWD, "");
 }
@@ -97,9 +135,7 @@ void InitialiseCurl() {
 }
 
 void CheckServerOptions(const TServerOptions& options, const TServerUrl& url) {
-  if (options.connectTimeout <= std::chrono::milliseconds(0)) {
-    Refuse(url, "the time for a connection must be above 0");
-  }
+  CheckLimits(options, url);
   if (options.user.find(':') != std::string::npos) {
     Refuse(url, "the name of a user must not hold a colon");
   }
@@ -114,6 +150,18 @@ void CheckServerOptions(const TServerOptions& options, const TServerUrl& url) {
   CheckFile(url, "CA file", options.caFile);
   CheckFile(url, "client certificate", options.clientCertificate);
   CheckFile(url, "client key", options.clientKey);
+}
+
+void WarnAboutSecrets(const TServerOptions& options, const TServerUrl& url) {
+  const std::string& key = GetKeyFile(options);
+  if (!key.empty() && IsOpenToOthers(key)) {
+    const std::string name = MakeSafe(key);
+    Warn(url, "others than its owner have rights on the client key file " + name +
+                  "; take them away with: chmod go= " + name);
+  }
+  if (!options.user.empty() && !options.password.empty() && url.IsOpenOnNetwork()) {
+    Warn(url, "the password goes over the network unencrypted; use https if the server has it");
+  }
 }
 
 TCurlHandle MakeHandle(const TServerOptions& options, const TServerUrl& url) {

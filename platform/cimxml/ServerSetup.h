@@ -3,6 +3,7 @@
 
 #include <curl/curl.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -23,8 +24,15 @@ using TCurlList = std::unique_ptr<curl_slist, TCurlListCleanup>;
 /// Threads: safe from several.
 void InitialiseCurl();
 
+/// Longer than anything takes, and short enough to be added to any time.
+constexpr std::chrono::milliseconds kMostTime = std::chrono::hours(30 * 24);
+
 /// Errors: TQELException (kInvalidArgument) naming the option or file that cannot be used.
 void CheckServerOptions(const TServerOptions& options, const TServerUrl& url);
+
+/// Writes a warning to the core logger for a client key that others may use, and for a password
+/// that others on the network may read.
+void WarnAboutSecrets(const TServerOptions& options, const TServerUrl& url);
 
 /// A handle with everything set that holds for all requests to one server.
 /// Errors: TQELException, kNoMemory or kFailed with curl's reason.

@@ -79,4 +79,11 @@ void TConnectionPool::Return(TCurlHandle handle) {
   if (m_idle.size() < kMostIdle) m_idle.push_back(std::move(handle));
 }
 
+void TConnectionPool::DropIdle() {
+  // Closing may have to say goodbye to the server, which nobody else shall wait for.
+  std::vector<TCurlHandle> dropped;
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  dropped.swap(m_idle);
+}
+
 }  // namespace NZEPQEL20::cimxml

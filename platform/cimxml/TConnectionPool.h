@@ -47,6 +47,9 @@ class TConnectionPool {
   /// Takes a handle back that went through an exchange without failing.
   void Return(TCurlHandle handle);
 
+  /// Closes all connections that nobody uses now.
+  void DropIdle();
+
  private:
   TCurlHandle TakeIdle();
 

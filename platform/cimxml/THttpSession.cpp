@@ -2,14 +2,18 @@
 #include "platform/cimxml/THttpSession.h"
 
 #include <curl/curl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <climits>
 #include <memory>
-#include <mutex>
+#include <optional>
+#include <utility>
 
 #include "platform/cimxml/HttpText.h"
+#include "platform/cimxml/Secrets.h"
 #include "platform/cimxml/ServerSetup.h"
 #include "platform/cimxml/TConnectionPool.h"
 #include "platform/cimxml/TExchange.h"
@@ -32,24 +36,35 @@ long ToCurlTime(milliseconds time) {
 
 struct THttpSession::TParts {
   explicit TParts(const TServerOptions& given)
-      : options(given), url(given.url), pool([this] { return MakeHandle(options, url); }) {
+      : options(given),
+        passwordWiper(options.password),
+        url(given.url),
+        pool([this] { return MakeHandle(options, url); }) {
     CheckServerOptions(options, url);
+    WarnAboutSecrets(options, url);
     rules.server = url.GetText();
     rules.maxBodyBytes = options.maxReplyBytes;
     if (!options.user.empty()) rules.credentials = "the user or password";
+    if (url.IsLocalSocket() && options.user.empty()) {
+      localAuthentication.emplace(TLocalAuthentication::GetKnownDirectories(url.GetSocketPath()),
+                                  FindUserName(::geteuid()));
+    }
   }
 
-  bool UsesLocalAuthentication() const { return url.IsLocalSocket() && options.user.empty(); }
-
+  THttpTrailers Exchange(TCurlHandle& handle, const THttpRequest& request, IReplyBody& body,
+                         TClock::time_point deadline) const;
   THttpTrailers ExchangeLocally(TCurlHandle& handle, const THttpRequest& request, IReplyBody& body,
                                 TClock::time_point deadline) const;
   void Perform(CURL* handle, TExchange& exchange, const THttpRequest& request,
                const std::string& authorization, TClock::time_point deadline) const;
 
-  const TServerOptions options;
+  TServerOptions options;
+  const TTextWiper passwordWiper;
   const TServerUrl url;
   TReplyRules rules;
-  TLocalAuthentication localAuthentication;
+  // None for a server that is not greeted in this way.
+  std::optional<TLocalAuthentication> localAuthentication;
+  std::atomic<bool> hasServed{false};
   TConnectionPool pool;
 };
 
@@ -83,6 +98,8 @@ void THttpSession::TParts::Perform(CURL* handle, TExchange& exchange, const THtt
   failure.reason = Trim(reason[0] != '\0' ? reason.data() : curl_easy_strerror(code));
   failure.connectTimeout = options.connectTimeout;
   failure.timeout = request.timeout;
+  failure.hasServed = hasServed;
+  curl_easy_getinfo(handle, CURLINFO_OS_ERRNO, &failure.systemError);
   curl_easy_getinfo(handle, CURLINFO_SSL_VERIFYRESULT, &failure.verifyResult);
   ThrowTransferFailure(failure, exchange, url, options);
 }
@@ -92,7 +109,7 @@ THttpTrailers THttpSession::TParts::ExchangeLocally(TCurlHandle& handle,
                                                     TClock::time_point deadline) const {
   TExchange first(rules, request, body, true);
   try {
-    Perform(handle.get(), first, request, localAuthentication.GetGreeting(), deadline);
+    Perform(handle.get(), first, request, localAuthentication->GetGreeting(), deadline);
   } catch (const THttpError&) {
     if (first.GetChallenge().empty() || first.GetHead().IsBodyDelimited()) throw;
     // A challenge without an end: the connection is of no more use, the challenge may be.
@@ -102,7 +119,7 @@ THttpTrailers THttpSession::TParts::ExchangeLocally(TCurlHandle& handle,
 
   std::string answer;
   try {
-    answer = localAuthentication.Answer(first.GetChallenge());
+    answer = localAuthentication->Answer(first.GetChallenge());
   } catch (const TQELException& e) {
     throw TQELException(e.GetStatusCode(), url.GetText() + ": " + e.what());
   }
@@ -113,6 +130,14 @@ THttpTrailers THttpSession::TParts::ExchangeLocally(TCurlHandle& handle,
   return ReadTrailers(second.GetHead(), secondRules);
 }
 
+THttpTrailers THttpSession::TParts::Exchange(TCurlHandle& handle, const THttpRequest& request,
+                                             IReplyBody& body, TClock::time_point deadline) const {
+  if (localAuthentication) return ExchangeLocally(handle, request, body, deadline);
+  TExchange exchange(rules, request, body, false);
+  Perform(handle.get(), exchange, request, std::string(), deadline);
+  return ReadTrailers(exchange.GetHead(), rules);
+}
+
 THttpSession::THttpSession(const TServerOptions& options) {
   InitialiseCurl();
   m_parts = std::make_unique<TParts>(options);
@@ -121,21 +146,22 @@ THttpSession::THttpSession(const TServerOptions& options) {
 THttpSession::~THttpSession() = default;
 
 THttpTrailers THttpSession::Exchange(const THttpRequest& request, IReplyBody& body) {
-  const TClock::time_point deadline = TClock::now() + request.timeout;
+  const TClock::time_point deadline =
+      TClock::now() + std::clamp(request.timeout, milliseconds(0), kMostTime);
   TConnectionPool& pool = m_parts->pool;
   // A handle that is not returned is closed with its connection: whatever failed on it stays there.
   const bool isFresh = request.isMethodCall || request.wantsFreshConnection;
   TCurlHandle handle = isFresh ? pool.TakeFresh() : pool.Take();
-  THttpTrailers trailers;
-  if (m_parts->UsesLocalAuthentication()) {
-    trailers = m_parts->ExchangeLocally(handle, request, body, deadline);
-  } else {
-    TExchange exchange(m_parts->rules, request, body, false);
-    m_parts->Perform(handle.get(), exchange, request, std::string(), deadline);
-    trailers = ReadTrailers(exchange.GetHead(), m_parts->rules);
+  try {
+    THttpTrailers trailers = m_parts->Exchange(handle, request, body, deadline);
+    m_parts->hasServed = true;
+    pool.Return(std::move(handle));
+    return trailers;
+  } catch (const TConnectionLost&) {
+    // A server that went away took the others with it, and not all of them may know that yet.
+    pool.DropIdle();
+    throw;
   }
-  pool.Return(std::move(handle));
-  return trailers;
 }
 
 const std::string& THttpSession::GetName() const {

@@ -21,7 +21,8 @@ struct THttpRequest {
   bool wantsFreshConnection = false;
   /// Whether it starts something that must not be started twice. Implies `wantsFreshConnection`.
   bool isMethodCall = false;
-  std::chrono::milliseconds timeout{0};  ///< For the whole exchange; must be above 0.
+  /// For the whole exchange; must be above 0, and counts as 30 days when it is longer.
+  std::chrono::milliseconds timeout{0};
 };
 
 /// What followed the body of a reply in chunks.
@@ -69,7 +70,8 @@ class THttpSession {
   THttpSession& operator=(const THttpSession&) = delete;
 
   /// Posts `request` and hands the body of a good reply (200, XML) to `body`. Sends nothing a
-  /// second time, but for the answer to a local authentication challenge.
+  /// second time, but for the answer to a local authentication challenge. After a TConnectionLost,
+  /// no connection that was kept is used any more.
   /// Errors: TConnectionLost; THttpError; TQELException (kConnection) for a server that cannot be
   /// reached or is too slow, (kFailed) for a reply that is no CIM-XML or too large,
   /// (kAccessDenied) for credentials or certificates that are refused. Each text names the

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -20,6 +19,9 @@ namespace NZEPQEL20::cimxml {
 namespace {
 
 constexpr std::size_t kMaxContent = 4096;
+
+// More than any entry of a user needs.
+constexpr std::size_t kMaxEntry = std::size_t{1} << 20U;
 
 [[noreturn]] void Refuse(const std::string& file, const std::string& reason) {
   throw TQELException(TQELStatusCode::kAccessDenied, "local authentication asks for the file \"" +
@@ -44,21 +46,6 @@ class TFileDescriptor {
  private:
   int m_number;
 };
-
-std::string GetUserName() {
-  std::array<char, 16384> buffer{};
-  passwd entry{};
-  passwd* found = nullptr;
-  const uid_t user = ::geteuid();
-  ::getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found);
-  if (found == nullptr) {
-    throw TQELException(
-        TQELStatusCode::kAccessDenied,
-        "local authentication needs a user name, and the system has none for user number " +
-            std::to_string(user));
-  }
-  return found->pw_name;
-}
 
 // What can stand between quotes in a header field.
 bool IsPlain(const std::string& text) {
@@ -111,6 +98,19 @@ std::string ReadAll(const std::string& file, int descriptor) {
 
 }  // namespace
 
+std::string FindUserName(uid_t user, std::size_t buffer) {
+  for (; buffer <= kMaxEntry; buffer *= 2) {
+    std::vector<char> memory(buffer);
+    passwd entry{};
+    passwd* found = nullptr;
+    const int problem = ::getpwuid_r(user, &entry, memory.data(), memory.size(), &found);
+    if (problem == ERANGE) continue;
+    if (problem != 0 || found == nullptr || !IsPlain(found->pw_name)) return {};
+    return found->pw_name;
+  }
+  return {};
+}
+
 std::string FindLocalChallenge(const std::vector<std::string>& fields) {
   for (const TChallenge& challenge : ReadChallenges(fields)) {
     const std::string& rest = challenge.rest;
@@ -122,19 +122,31 @@ std::string FindLocalChallenge(const std::vector<std::string>& fields) {
   return {};
 }
 
-std::vector<std::string> TLocalAuthentication::GetKnownDirectories() {
-  return {"/var/run/tog-pegasus", "/run/tog-pegasus", "/var/lib/Pegasus/cache/localauth",
-          "/var/lib/pegasus/cache/localauth", "/tmp"};
+std::vector<std::string> TLocalAuthentication::GetKnownDirectories(const std::string& socketPath) {
+  return {"/run/tog-pegasus",
+          "/run/tog-pegasus/socket",
+          "/var/run/tog-pegasus",
+          "/var/run/tog-pegasus/socket",
+          "/var/lib/Pegasus/cache/localauth",
+          "/var/lib/pegasus/cache/localauth",
+          "/tmp",
+          socketPath.substr(0, socketPath.rfind('/'))};
 }
 
-TLocalAuthentication::TLocalAuthentication(std::vector<std::string> directories)
-    : m_directories(std::move(directories)) {}
+TLocalAuthentication::TLocalAuthentication(std::vector<std::string> directories, std::string user)
+    : m_directories(std::move(directories)), m_user(std::move(user)) {}
 
 std::string TLocalAuthentication::GetGreeting() const {
-  return "Local \"" + GetUserName() + "\"";
+  return m_user.empty() ? std::string() : "Local \"" + m_user + "\"";
 }
 
 std::string TLocalAuthentication::Answer(const std::string& file) const {
+  if (m_user.empty()) {
+    throw TQELException(
+        TQELStatusCode::kAccessDenied,
+        "local authentication needs a user name, and the system has none for user number " +
+            std::to_string(::geteuid()));
+  }
   CheckPlace(file, m_directories);
   // Without waiting: opening a pipe would otherwise last until somebody writes to it.
   const TFileDescriptor opened(
@@ -146,7 +158,7 @@ std::string TLocalAuthentication::Answer(const std::string& file) const {
   const std::string content(Trim(ReadAll(file, opened.Get())));
   if (content.empty()) Refuse(file, "it is empty");
   if (!IsPlain(content)) Refuse(file, "its content is not one line of printable text");
-  return "Local \"" + GetUserName() + ":" + file + ":" + content + "\"";
+  return "Local \"" + m_user + ":" + file + ":" + content + "\"";
 }
 
 }  // namespace NZEPQEL20::cimxml

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cimxml/TServerUrl.h"
 
+#include <arpa/inet.h>
 #include <curl/curl.h>
+#include <netinet/in.h>
 #include <strings.h>
 #include <sys/un.h>
 
@@ -56,6 +58,20 @@ std::string GetPart(CURLU* url, CURLUPart part) {
   if (curl_url_get(url, part, &value, 0) != CURLUE_OK) return {};
   const std::unique_ptr<char, void (*)(void*)> owner(value, curl_free);
   return value;
+}
+
+// Whether `host`, as curl gives it back, is this machine: what is sent there stays in it.
+bool IsThisMachine(std::string host) {
+  if (EqualsNoCase(host, "localhost")) return true;
+  in_addr address{};
+  if (::inet_pton(AF_INET, host.c_str(), &address) == 1) {
+    return ntohl(address.s_addr) >> 24U == IN_LOOPBACKNET;
+  }
+  if (host.size() < 2 || host.front() != '[' || host.back() != ']') return false;
+  host = host.substr(1, host.size() - 2);
+  in6_addr longAddress{};
+  return ::inet_pton(AF_INET6, host.c_str(), &longAddress) == 1 &&
+         IN6_IS_ADDR_LOOPBACK(&longAddress);
 }
 
 }  // namespace
@@ -117,6 +133,7 @@ void TServerUrl::ReadHttp(bool isSecure) {
   if (GetPart(url.get(), CURLUPART_PATH) == "/") {
     curl_url_set(url.get(), CURLUPART_PATH, kDefaultPath, 0);
   }
+  m_isOpenOnNetwork = !isSecure && !IsThisMachine(GetPart(url.get(), CURLUPART_HOST));
   m_endpoint = GetPart(url.get(), CURLUPART_URL);
   if (m_endpoint.empty()) throw TQELException(TQELStatusCode::kNoMemory, "no memory for a URL");
 }

@@ -26,6 +26,9 @@ class TServerUrl {
 
   bool IsLocalSocket() const { return !m_socketPath.empty(); }
 
+  /// Whether others may read what is sent: over http, to a host that is not this machine.
+  bool IsOpenOnNetwork() const { return m_isOpenOnNetwork; }
+
  private:
   void ReadSocket(const std::string& rest);
   void ReadHttp(bool isSecure);
@@ -33,6 +36,7 @@ class TServerUrl {
   std::string m_text;
   std::string m_endpoint;
   std::string m_socketPath;
+  bool m_isOpenOnNetwork = false;
 };
 
 }  // namespace NZEPQEL20::cimxml

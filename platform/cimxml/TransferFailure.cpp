@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cimxml/TransferFailure.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -43,7 +41,7 @@ std::string DescribeProgress(const TExchange& exchange) {
 }
 
 // What the system says of a UNIX socket: curl would speak of a port of localhost.
-std::string DescribeSocketProblem(const std::string& path) {
+std::string DescribeSocketProblem(const std::string& path, long systemError) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) {
     const int number = errno;
@@ -51,10 +49,21 @@ std::string DescribeSocketProblem(const std::string& path) {
            (number == ENOENT ? "; is the CIM server running?" : "");
   }
   if (!S_ISSOCK(status.st_mode)) return MakeSafe(path) + " is not a socket";
-  if (::faccessat(AT_FDCWD, path.c_str(), R_OK | W_OK, AT_EACCESS) != 0) {
-    return "no permission to use the socket " + MakeSafe(path);
+  switch (systemError) {
+    case EACCES:
+    case EPERM:
+      return "no permission to use the socket " + MakeSafe(path);
+    case ECONNREFUSED:
+      return "nobody listens on the socket " + MakeSafe(path) + "; is the CIM server running?";
+    // curl keeps quiet about the error of a server that has too many connections waiting.
+    case 0:
+    case EAGAIN:
+      return "the socket " + MakeSafe(path) +
+             " takes no more connections now; is the CIM server busy or stuck?";
+    default:
+      return "the socket " + MakeSafe(path) + ": " +
+             std::generic_category().message(static_cast<int>(systemError));
   }
-  return "nobody listens on the socket " + MakeSafe(path) + "; is the CIM server running?";
 }
 
 // TLS may tell only after the handshake that it wants no more of this client.
@@ -73,16 +82,18 @@ bool StartsWithHttp(const std::string& url) {
                      DescribeProgress(exchange) + ")";
   if (failure.code == CURLE_RECV_ERROR || failure.code == CURLE_SEND_ERROR) {
     text += ": " + MakeSafe(failure.reason);
-  } else if (failure.code == CURLE_GOT_NOTHING && StartsWithHttp(url.GetText())) {
+  } else if (failure.code == CURLE_GOT_NOTHING && !failure.hasServed &&
+             StartsWithHttp(url.GetText())) {
     text += "; when it never answers, does it want https?";
   }
   throw TConnectionLost(text);
 }
 
 [[noreturn]] void ThrowNotHttp(const TTransferFailure& failure, const TServerUrl& url) {
-  Throw(TQELStatusCode::kFailed, url,
-        "the answer is not proper HTTP (" + MakeSafe(failure.reason) +
-            "); is this the port of a CIM server, and does it want https?");
+  Throw(
+      TQELStatusCode::kFailed, url,
+      "the answer is not proper HTTP (" + MakeSafe(failure.reason) + ")" +
+          (failure.hasServed ? "" : "; is this the port of a CIM server, and does it want https?"));
 }
 
 // curl reports broken framing as it reports a broken connection.
@@ -102,7 +113,8 @@ bool IsLongTrailer(const TTransferFailure& failure) {
 
 [[noreturn]] void ThrowUnreachable(const TTransferFailure& failure, const TServerUrl& url) {
   if (url.IsLocalSocket()) {
-    Throw(TQELStatusCode::kConnection, url, DescribeSocketProblem(url.GetSocketPath()));
+    Throw(TQELStatusCode::kConnection, url,
+          DescribeSocketProblem(url.GetSocketPath(), failure.systemError));
   }
   const bool isName = failure.code == CURLE_COULDNT_RESOLVE_HOST;
   Throw(TQELStatusCode::kConnection, url,

@@ -15,8 +15,10 @@ namespace NZEPQEL20::cimxml {
 /// How a transfer ended that did not succeed, in curl's terms.
 struct TTransferFailure {
   CURLcode code = CURLE_OK;
-  std::string reason;     ///< curl's own words, which hold those of the system and of OpenSSL.
-  long verifyResult = 0;  ///< OpenSSL's judgement of the server's certificate; 0: it is fine.
+  std::string reason;      ///< curl's own words, which hold those of the system and of OpenSSL.
+  long verifyResult = 0;   ///< OpenSSL's judgement of the server's certificate; 0: it is fine.
+  long systemError = 0;    ///< The errno of the last system call that failed; 0: not known.
+  bool hasServed = false;  ///< Whether the server has given this session a good reply before.
   std::chrono::milliseconds connectTimeout{0};  ///< As it was set for this transfer.
   std::chrono::milliseconds timeout{0};         ///< As it was set for this transfer.
 };

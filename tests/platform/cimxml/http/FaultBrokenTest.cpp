@@ -46,9 +46,9 @@ TFault Bad(const char* name, const TPlay& play, const std::string& text) {
 }
 
 TFault NotHttp(const char* name, const TPlay& play, const std::string& reason) {
-  return Bad(name, play,
-             "the answer is not proper HTTP (" + reason +
-                 "); is this the port of a CIM server, and does it want https?");
+  TFault fault = Bad(name, play, "the answer is not proper HTTP (" + reason + ")");
+  fault.hint = "; is this the port of a CIM server, and does it want https?";
+  return fault;
 }
 
 INSTANTIATE_TEST_SUITE_P(

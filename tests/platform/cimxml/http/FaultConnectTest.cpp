@@ -8,12 +8,14 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <vector>
+
 #include "tests/platform/cimxml/http/TFault.h"
 
 namespace diagstest {
 namespace {
 
-using NZEPQEL20::TQELException;
 using NZEPQEL20::TQELStatusCode;
 using NZEPQEL20::TServerOptions;
 using NZEPQEL20::cimxml::THttpRequest;
@@ -46,20 +48,30 @@ class TDeafPort {
   int m_port = 0;
 };
 
-// Root may use any socket: while this lives, somebody else runs the process in its place.
-class TUnprivilegedUser {
+// A UNIX socket with more connections waiting than its server wants.
+class TFullSocket {
  public:
-  TUnprivilegedUser() : m_before(::geteuid()) {
-    if (m_before == 0) {
-      EXPECT_EQ(::seteuid(65534), 0);
-    }
+  explicit TFullSocket(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    auto* const plain = reinterpret_cast<sockaddr*>(&address);
+    m_sockets.push_back(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    EXPECT_EQ(::bind(m_sockets[0], plain, sizeof address), 0);
+    EXPECT_EQ(::listen(m_sockets[0], 0), 0);
+    do {
+      m_sockets.push_back(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    } while (::connect(m_sockets.back(), plain, sizeof address) == 0);
+    EXPECT_EQ(errno, EAGAIN);
   }
-  ~TUnprivilegedUser() { EXPECT_EQ(::seteuid(m_before), 0); }
-  TUnprivilegedUser(const TUnprivilegedUser&) = delete;
-  TUnprivilegedUser& operator=(const TUnprivilegedUser&) = delete;
+  ~TFullSocket() {
+    for (const int socket : m_sockets) ::close(socket);
+  }
+  TFullSocket(const TFullSocket&) = delete;
+  TFullSocket& operator=(const TFullSocket&) = delete;
 
  private:
-  uid_t m_before;
+  std::vector<int> m_sockets;
 };
 
 TFault NoConnection(const std::string& text) {
@@ -163,72 +175,26 @@ TEST(FaultConnectTest, NamesASocketThatNobodyListensOn) {
       "unix://" + path);
 }
 
+TEST(FaultConnectTest, NamesASocketWhoseServerHasTooManyWaiting) {
+  const TTemporaryFolder folder;
+  const std::string path = folder.GetPath() + "/full.socket";
+  const TFullSocket socket(path);
+  ExpectOutcome(TrySocket(path),
+                NoConnection("the socket " + path +
+                             " takes no more connections now; is the CIM server busy or stuck?"),
+                "unix://" + path);
+}
+
 TEST(FaultConnectTest, NamesASocketThatMayNotBeUsed) {
   const TTemporaryFolder folder;
   const std::string path = folder.GetPath() + "/cim.socket";
   const TScriptedServer server(path);
   ASSERT_EQ(::chmod(path.c_str(), 0), 0);
   ASSERT_EQ(::chmod(folder.GetPath().c_str(), 0755), 0);
-  const TUnprivilegedUser user;
+  const TOtherUser user(65534);
   ExpectOutcome(TrySocket(path), NoConnection("no permission to use the socket " + path),
                 "unix://" + path);
 }
-
-struct TBadOptions {
-  const char* name;
-  std::function<void(TServerOptions&)> change;
-  std::string text;
-};
-
-std::ostream& operator<<(std::ostream& out, const TBadOptions& row) {
-  return out << row.name;
-}
-
-class BadOptionsTest : public ::testing::TestWithParam<TBadOptions> {};
-
-TEST_P(BadOptionsTest, AreRefusedBeforeAnythingIsSent) {
-  TServerOptions options;
-  options.url = "https://node";
-  GetParam().change(options);
-  try {
-    const THttpSession session(options);
-    FAIL() << "were taken";
-  } catch (const TQELException& e) {
-    EXPECT_EQ(e.GetStatusCode(), TQELStatusCode(TQELStatusCode::kInvalidArgument));
-    EXPECT_EQ(e.what(), "https://node: " + GetParam().text);
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    All, BadOptionsTest,
-    ::testing::Values(
-        TBadOptions{"NoConnectTime", [](TServerOptions& o) { o.connectTimeout = milliseconds(0); },
-                    "the time for a connection must be above 0"},
-        TBadOptions{"ColonInUser", [](TServerOptions& o) { o.user = "a:b"; },
-                    "the name of a user must not hold a colon"},
-        TBadOptions{"NulInPassword",
-                    [](TServerOptions& o) {
-                      o.user = "a";
-                      o.password = std::string("b\0c", 3);
-                    },
-                    "a user or password must not hold a NUL character"},
-        TBadOptions{"KeyAlone", [](TServerOptions& o) { o.clientKey = "/dev/null"; },
-                    "a client key is given without a client certificate"},
-        TBadOptions{"NoCaFile", [](TServerOptions& o) { o.caFile = "/nonexistent/ca.pem"; },
-                    "the CA file /nonexistent/ca.pem cannot be read: No such file or directory"},
-        TBadOptions{"FolderForCaFile", [](TServerOptions& o) { o.caFile = "/"; },
-                    "the CA file / cannot be read: Is a directory"},
-        TBadOptions{"NoCertificate",
-                    [](TServerOptions& o) { o.clientCertificate = "/nonexistent"; },
-                    "the client certificate /nonexistent cannot be read: No such file or "
-                    "directory"},
-        TBadOptions{"NoKey",
-                    [](TServerOptions& o) {
-                      o.clientCertificate = "/dev/null";
-                      o.clientKey = "/nonexistent";
-                    },
-                    "the client key /nonexistent cannot be read: No such file or directory"}),
-    [](const auto& row) { return row.param.name; });
 
 }  // namespace
 }  // namespace diagstest

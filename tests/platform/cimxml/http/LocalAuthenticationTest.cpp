@@ -16,6 +16,7 @@ namespace {
 using NZEPQEL20::TQELException;
 using NZEPQEL20::TQELStatusCode;
 using NZEPQEL20::TServerOptions;
+using NZEPQEL20::cimxml::FindUserName;
 using NZEPQEL20::cimxml::THttpRequest;
 using NZEPQEL20::cimxml::THttpSession;
 using NZEPQEL20::cimxml::TLocalAuthentication;
@@ -23,6 +24,16 @@ using NZEPQEL20::cimxml::TLocalAuthentication;
 std::string GetUser() {
   return ::getpwuid(::geteuid())->pw_name;
 }
+
+// A user that the system has no name for.
+uid_t FindNamelessUser() {
+  uid_t user = 54321;
+  while (::getpwuid(user) != nullptr) ++user;
+  return user;
+}
+
+constexpr const char* kNoName =
+    "local authentication needs a user name, and the system has none for user number ";
 
 class LocalAuthenticationTest : public ::testing::Test {
  protected:
@@ -37,7 +48,7 @@ class LocalAuthenticationTest : public ::testing::Test {
   }
 
   const TTemporaryFolder m_folder;
-  const TLocalAuthentication m_authentication{{"/nonexistent", m_folder.GetPath()}};
+  const TLocalAuthentication m_authentication{{"/nonexistent", m_folder.GetPath()}, GetUser()};
 };
 
 constexpr const char* kElsewhere = "it is not in a directory that servers use for this";
@@ -53,10 +64,30 @@ TEST_F(LocalAuthenticationTest, AnswersWithTheContentOfTheFile) {
   EXPECT_THAT(m_authentication.Answer(longest), ::testing::EndsWith("xx\""));
 }
 
+TEST_F(LocalAuthenticationTest, FindsTheNameOfAUserHoweverLongItsEntryIs) {
+  EXPECT_EQ(FindUserName(::geteuid()), GetUser());
+  EXPECT_EQ(FindUserName(::geteuid(), 1), GetUser());
+  EXPECT_EQ(FindUserName(FindNamelessUser()), "");
+}
+
+TEST_F(LocalAuthenticationTest, NeitherGreetsNorAnswersWithoutAName) {
+  const TLocalAuthentication nameless({m_folder.GetPath()}, "");
+  EXPECT_EQ(nameless.GetGreeting(), "");
+  try {
+    FAIL() << "answered with " << nameless.Answer(m_folder.Write("challenge", "x"));
+  } catch (const TQELException& e) {
+    EXPECT_EQ(e.GetStatusCode(), TQELStatusCode(TQELStatusCode::kAccessDenied));
+    EXPECT_EQ(e.what(), kNoName + std::to_string(::geteuid()));
+  }
+}
+
 TEST_F(LocalAuthenticationTest, KnowsWhereServersPutTheirFiles) {
-  EXPECT_THAT(TLocalAuthentication::GetKnownDirectories(),
-              ::testing::IsSupersetOf({"/var/run/tog-pegasus", "/tmp"}));
-  for (const std::string& directory : TLocalAuthentication::GetKnownDirectories()) {
+  const std::vector<std::string> known =
+      TLocalAuthentication::GetKnownDirectories("/opt/cim/run/cim.socket");
+  EXPECT_THAT(known, ::testing::IsSupersetOf({"/var/run/tog-pegasus", "/run/tog-pegasus",
+                                              "/var/run/tog-pegasus/socket",
+                                              "/run/tog-pegasus/socket", "/tmp", "/opt/cim/run"}));
+  for (const std::string& directory : known) {
     EXPECT_EQ(directory.front(), '/');
     EXPECT_NE(directory.back(), '/');
   }
@@ -155,6 +186,12 @@ class LocalSessionTest : public ::testing::Test {
            more + "\r\n";
   }
 
+  // The socket is that of the user who runs the test.
+  void OpenToAll() const {
+    ASSERT_EQ(::chmod(m_path.c_str(), 0777), 0);
+    ASSERT_EQ(::chmod(m_folder.GetPath().c_str(), 0755), 0);
+  }
+
   std::string Greeting() const { return "PegasusAuthorization: Local \"" + GetUser() + "\""; }
   std::string Answer() const {
     return "PegasusAuthorization: Local \"" + GetUser() + ":" + m_file.GetPath() + ":42\"";
@@ -194,6 +231,49 @@ TEST_F(LocalSessionTest, AnswersAChallengeOnTheSameConnection) {
     EXPECT_EQ(seen[before + 1].body, call.body);
     EXPECT_EQ(seen[before + 1].connection, seen[before].connection);
   }
+}
+
+TEST_F(LocalSessionTest, AnswersWithAFileBesideTheSocket) {
+  const std::string file = m_folder.Write("challenge", "43");
+  THttpSession session(MakeSocketOptions());
+  m_server.Queue(TPlay().Send("HTTP/1.1 401 No\r\nWWW-Authenticate: Local \"" + file +
+                              "\"\r\nContent-Length: 0\r\n\r\n"));
+  const TOutcome outcome = Try(session);
+  EXPECT_EQ(outcome.text, TScriptedServer::GetGoodBody());
+  ASSERT_EQ(m_server.GetRequests().size(), 2U);
+  EXPECT_TRUE(m_server.GetRequests()[1].HasLine("PegasusAuthorization: Local \"" + GetUser() + ":" +
+                                                file + ":43\""));
+}
+
+TEST_F(LocalSessionTest, NeedsNoNameOfTheUserUnlessTheServerAsks) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
+  OpenToAll();
+  const uid_t user = FindNamelessUser();
+  const TOtherUser other(user);
+  THttpSession session(MakeSocketOptions());
+  EXPECT_EQ(Try(session).text, TScriptedServer::GetGoodBody());
+  ASSERT_EQ(m_server.GetRequests().size(), 1U);
+  EXPECT_THAT(m_server.GetRequests()[0].head,
+              ::testing::Not(::testing::HasSubstr("PegasusAuthorization")));
+
+  m_server.Queue(TPlay().Send(Challenge()));
+  const TOutcome outcome = Try(session);
+  EXPECT_EQ(outcome.kind, TOutcome::kOther);
+  EXPECT_EQ(outcome.code, static_cast<unsigned int>(TQELStatusCode::kAccessDenied));
+  EXPECT_EQ(outcome.text, "unix://" + m_path + ": " + kNoName + std::to_string(user));
+  EXPECT_EQ(m_server.GetRequests().size(), 2U);
+  EXPECT_EQ(Try(session).kind, TOutcome::kGood);
+}
+
+TEST_F(LocalSessionTest, LooksTheNameOfTheUserUpOnce) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
+  OpenToAll();
+  const std::string greeting = Greeting();
+  THttpSession session(MakeSocketOptions());
+  const TOtherUser other(FindNamelessUser());
+  EXPECT_EQ(Try(session).kind, TOutcome::kGood);
+  ASSERT_EQ(m_server.GetRequests().size(), 1U);
+  EXPECT_TRUE(m_server.GetRequests()[0].HasLine(greeting)) << m_server.GetRequests()[0].head;
 }
 
 TEST_F(LocalSessionTest, GreetsAgainForTheNextRequest) {

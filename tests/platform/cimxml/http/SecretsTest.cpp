@@ -79,6 +79,20 @@ TEST(SecretsTest, AWiperWipesAtItsEnd) {
             0);
 }
 
+TEST(SecretsTest, ASessionLeavesNoPasswordBehind) {
+  const TScriptedServer server;
+  TServerOptions options = MakeOptions("http", server.GetPort());
+  options.user = "joe";
+  options.password = kPassword;
+  EXPECT_EQ(CountLeaks([&options] {
+              THttpSession session(options);
+              EXPECT_EQ(Try(session).kind, TOutcome::kGood);
+            }),
+            0);
+  options.maxReplyBytes = 0;
+  EXPECT_EQ(CountLeaks([&options] { EXPECT_ANY_THROW(THttpSession{options}); }), 0);
+}
+
 }  // namespace
 }  // namespace diagstest
 

@@ -56,6 +56,43 @@ TEST_F(SessionReuseTest, ARequestThatWantsItGetsAFreshConnectionToo) {
   EXPECT_EQ(seen[2].connection, 3);
 }
 
+// Asks once more in the middle of its own answer, so that there are two connections at once.
+class TAskingBody : public IReplyBody {
+ public:
+  explicit TAskingBody(THttpSession& session) : m_session(session) {}
+  void Take(const char* /*data*/, std::size_t /*size*/) override {
+    EXPECT_EQ(Try(m_session).kind, TOutcome::kGood);
+  }
+
+ private:
+  THttpSession& m_session;
+};
+
+TEST_F(SessionReuseTest, NoKeptConnectionIsTrustedAfterOneWasLost) {
+  TAskingBody body(m_session);
+  m_session.Exchange(MakeRequest(), body);
+  ASSERT_EQ(m_server.CountConnections(), 2);
+  ASSERT_EQ(Try(m_session).kind, TOutcome::kGood);
+  ASSERT_EQ(m_server.CountConnections(), 2);
+
+  m_server.Queue(TPlay().Close());
+  ASSERT_EQ(Try(m_session).kind, TOutcome::kLost);
+  ASSERT_EQ(Try(m_session).kind, TOutcome::kGood);
+  // The one that was lost may have cost a further one in the attempt.
+  EXPECT_GT(m_server.GetRequests().back().connection, 2);
+}
+
+TEST_F(SessionReuseTest, AsksForHttpsOnlyBeforeTheFirstGoodAnswer) {
+  const std::string hint = "; when it never answers, does it want https?";
+  THttpRequest request = MakeRequest();
+  request.wantsFreshConnection = true;
+  m_server.Queue(TPlay().Close());
+  EXPECT_THAT(Try(m_session, request).text, testing::EndsWith("(nothing of it had come)" + hint));
+  ASSERT_EQ(Try(m_session, request).kind, TOutcome::kGood);
+  m_server.Queue(TPlay().Close());
+  EXPECT_THAT(Try(m_session, request).text, testing::EndsWith("(nothing of it had come)"));
+}
+
 // The one thing that must never happen: a test that is started twice.
 TEST_F(SessionReuseTest, ARequestThatWasReadAndNotAnsweredIsSeenOnce) {
   for (const bool isMethodCall : {true, false}) {

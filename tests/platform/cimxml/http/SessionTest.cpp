@@ -2,15 +2,19 @@
 #include "tests/platform/cimxml/http/SessionTest.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
+#include "platform/contract/TRootObject.h"
+
 namespace diagstest {
 
 using NZEPQEL20::TQELException;
+using NZEPQEL20::TRootObject;
 using NZEPQEL20::TServerOptions;
 using NZEPQEL20::cimxml::TConnectionLost;
 using NZEPQEL20::cimxml::THttpError;
@@ -57,6 +61,28 @@ TOutcome Try(THttpSession& session, const THttpRequest& request) {
   outcome.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(
       std::chrono::steady_clock::now() - start);
   return outcome;
+}
+
+TOtherUser::TOtherUser(uid_t user) : m_before(::geteuid()) {
+  if (m_before == 0) {
+    EXPECT_EQ(::seteuid(user), 0);
+  }
+}
+
+TOtherUser::~TOtherUser() {
+  EXPECT_EQ(::seteuid(m_before), 0);
+}
+
+TWarnings::TWarnings() {
+  TRootObject::SetCoreLogger(this);
+}
+
+TWarnings::~TWarnings() {
+  TRootObject::SetCoreLogger(nullptr);
+}
+
+void TWarnings::Log(EQELLogSeverity severity, const std::string& text) {
+  if (severity == kWarning) m_texts.push_back(text);
 }
 
 TTemporaryFolder::TTemporaryFolder() {

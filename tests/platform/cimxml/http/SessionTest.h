@@ -2,12 +2,15 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/types.h>
 
 #include <chrono>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/cimxml/THttpSession.h"
+#include "platform/contract/ILogger.h"
 #include "tests/platform/cimxml/http/TScriptedServer.h"
 
 namespace diagstest {
@@ -42,6 +45,32 @@ NZEPQEL20::TServerOptions MakeOptions(const std::string& scheme, int port);
 /// Performs one exchange.
 TOutcome Try(NZEPQEL20::cimxml::THttpSession& session,
              const NZEPQEL20::cimxml::THttpRequest& request = MakeRequest());
+
+/// While it lives, `user` runs this process in the place of root; nothing changes for others.
+class TOtherUser {
+ public:
+  explicit TOtherUser(uid_t user);
+  ~TOtherUser();
+  TOtherUser(const TOtherUser&) = delete;
+  TOtherUser& operator=(const TOtherUser&) = delete;
+
+ private:
+  uid_t m_before;
+};
+
+/// Keeps the warnings of its lifetime in the place of the host's log.
+class TWarnings : public NZEPQEL20::ILogger {
+ public:
+  TWarnings();
+  ~TWarnings() override;
+  TWarnings(const TWarnings&) = delete;
+  TWarnings& operator=(const TWarnings&) = delete;
+  void Log(EQELLogSeverity severity, const std::string& text) override;
+  const std::vector<std::string>& Get() const { return m_texts; }
+
+ private:
+  std::vector<std::string> m_texts;
+};
 
 /// A folder of its own below the system's temporary one, removed with its content.
 class TTemporaryFolder {

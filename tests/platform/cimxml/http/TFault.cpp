@@ -20,7 +20,9 @@ void ExpectFaultAfter(const TFault& fault, int goodRequests) {
   server.Queue(fault.play);
   THttpRequest request = MakeRequest();
   request.timeout = fault.timeout;
-  ExpectOutcome(Try(session, request), fault, options.url);
+  TFault expected = fault;
+  if (goodRequests == 0) expected.text += fault.hint;
+  ExpectOutcome(Try(session, request), expected, options.url);
 
   const TOutcome next = Try(session);
   EXPECT_EQ(next.kind, TOutcome::kGood) << next.text;

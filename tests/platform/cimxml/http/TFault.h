@@ -18,6 +18,8 @@ struct TFault {
   std::string text;   ///< Behind the URL; with a "~" at its end only the start of it.
   std::chrono::milliseconds timeout{3000};
   std::uint64_t maxReplyBytes = 1U << 20U;
+  /// Follows the text as long as the server has given no good answer.
+  std::string hint = std::string();
 };
 
 std::ostream& operator<<(std::ostream& out, const TFault& fault);

@@ -50,6 +50,19 @@ INSTANTIATE_TEST_SUITE_P(
                       TGoodUrl{"unix:/run/cim.socket", "http://localhost/cimom", "/run/cim.socket"},
                       TGoodUrl{"UNIX:///run/a@b", "http://localhost/cimom", "/run/a@b"}));
 
+TEST(UrlTest, KnowsWhatOthersOnTheNetworkMayRead) {
+  for (const char* text :
+       {"http://node", "http://10.0.0.1:5988", "http://[fe80::1]", "http://[::2]", "http://0.0.0.0",
+        "http://localhost.example.com", "http://127.example.com", "http://notlocalhost"}) {
+    EXPECT_TRUE(TServerUrl(text).IsOpenOnNetwork()) << text;
+  }
+  for (const char* text : {"https://node", "https://10.0.0.1", "http://localhost",
+                           "HTTP://LocalHost:99/x", "http://127.0.0.1", "http://127.255.0.3:5988",
+                           "http://[::1]", "http://[0:0::1]:5988", "unix:///run/cim.socket"}) {
+    EXPECT_FALSE(TServerUrl(text).IsOpenOnNetwork()) << text;
+  }
+}
+
 struct TBadUrl {
   std::string text;
   std::string what;  // Behind the words that all have.
