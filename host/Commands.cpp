@@ -5,11 +5,13 @@
 #include <exception>
 #include <memory>
 #include <ostream>
+#include <sstream>
 #include <utility>
 
 #include "host/Label.h"
 #include "host/TJsonReport.h"
 #include "host/TTextReport.h"
+#include "host/TerminateHandler.h"
 #include "host/Text.h"
 
 namespace host {
@@ -38,11 +40,14 @@ class TCommand {
   void Complain(const std::string& text) {
     m_around.err << kName << SafeText(text, ELines::kOne) << "\n";
   }
-  std::unique_ptr<IReport> MakeReport();
+  std::unique_ptr<IReport> MakeReport(std::ostream& out) const;
   void ShowProblems(std::vector<std::string>& shown);
   std::vector<TUnofferedTest> GetUnoffered();
   void ShowUnoffered(const std::vector<TUnofferedTest>& tests);
-  TTestReport RunOne(const TTest& test);
+  double GetSecondsSince(std::chrono::steady_clock::time_point start) const;
+  std::string TellEnd(const std::vector<TTest>& tests, TRunReport run,
+                      const TTestReport& last) const;
+  TTestReport RunOne(const std::vector<TTest>& tests, const TRunReport& run);
   void RunAll(const std::vector<TTest>& tests, IReport& report, TRunReport& run);
   EExitStatus InspectAsJson();
   EExitStatus CheckOutput(EExitStatus status);
@@ -54,9 +59,9 @@ class TCommand {
   std::string m_place;   // " on <server>", or nothing.
 };
 
-std::unique_ptr<IReport> TCommand::MakeReport() {
-  if (m_options.isJson) return std::make_unique<TJsonReport>(m_around.out, m_server);
-  return std::make_unique<TTextReport>(m_around.out, m_place);
+std::unique_ptr<IReport> TCommand::MakeReport(std::ostream& out) const {
+  if (m_options.isJson) return std::make_unique<TJsonReport>(out, m_server);
+  return std::make_unique<TTextReport>(out, m_place);
 }
 
 // Whoever reads the results must not take a cut output for a whole one.
@@ -100,20 +105,52 @@ EExitStatus TCommand::List() {
   list.tests = FilterTests(ReadCatalogue(m_diagnostics.EnumerateTests()), m_options.selection);
   list.unoffered = GetUnoffered();
   ShowProblems(list.problems);
-  MakeReport()->ShowList(list);
+  MakeReport(m_around.out)->ShowList(list);
   m_around.out.flush();
   if (!m_options.isJson) ShowUnoffered(list.unoffered);
   return CheckOutput(list.tests.empty() ? EExitStatus::kNotFinished : EExitStatus::kAllPassed);
 }
 
-TTestReport TCommand::RunOne(const TTest& test) {
+double TCommand::GetSecondsSince(std::chrono::steady_clock::time_point start) const {
+  return std::chrono::duration<double>(m_around.steadyClock() - start).count();
+}
+
+// The rest of the report of a run that the process does not survive.
+std::string TCommand::TellEnd(const std::vector<TTest>& tests, TRunReport run,
+                              const TTestReport& last) const {
+  run.isInterrupted = run.isInterrupted || m_around.isInterrupted();
+  run.tests.push_back(last);
+  for (std::size_t i = run.tests.size(); i < tests.size(); ++i) {
+    run.tests.push_back({tests[i], EOutcome::kNotRun, {}, std::nullopt, {}, 0});
+  }
+  run.status = EExitStatus::kNotFinished;
+  std::ostringstream text;
+  const std::unique_ptr<IReport> report = MakeReport(text);
+  report->ShowTestEnd(last);
+  report->ShowRunEnd(run);
+  return text.str();
+}
+
+// Runs the first of `tests` that `run` has not.
+TTestReport TCommand::RunOne(const std::vector<TTest>& tests, const TRunReport& run) {
+  const TTest& test = tests[run.tests.size()];
   TTestReport report;
   report.test = test;
   report.started = m_around.wallClock();
   const auto start = m_around.steadyClock();
+  const auto tellEnd = [&](const std::string& reason) {
+    TTestReport last = report;
+    last.outcome = EOutcome::kError;
+    last.answer = reason;
+    last.seconds = GetSecondsSince(start);
+    return TellEnd(tests, run, last);
+  };
+  const auto runIt = [&] {
+    const TLastWordsHold hold(tellEnd);
+    return m_diagnostics.Run(test.id, m_options.label.value_or(MakeDefaultLabel(test.service)));
+  };
   try {
-    TRunResult result =
-        m_diagnostics.Run(test.id, m_options.label.value_or(MakeDefaultLabel(test.service)));
+    TRunResult result = runIt();
     report.outcome = JudgeAnswer(result.answer);
     report.answer = Trim(result.answer);
     report.record = std::move(result.record);
@@ -121,7 +158,7 @@ TTestReport TCommand::RunOne(const TTest& test) {
     report.outcome = EOutcome::kError;
     report.answer = e.what();
   }
-  report.seconds = std::chrono::duration<double>(m_around.steadyClock() - start).count();
+  report.seconds = GetSecondsSince(start);
   return report;
 }
 
@@ -134,7 +171,7 @@ void TCommand::RunAll(const std::vector<TTest>& tests, IReport& report, TRunRepo
       continue;
     }
     report.ShowTestStart(test, run.tests.size() + 1, tests.size());
-    run.tests.push_back(RunOne(test));
+    run.tests.push_back(RunOne(tests, run));
     report.ShowTestEnd(run.tests.back());
     ShowProblems(run.problems);
     if (run.tests.back().outcome == EOutcome::kError) {
@@ -157,7 +194,7 @@ EExitStatus TCommand::Run() {
                                : "run: no test matches; `diagsrun list` shows the tests");
     ShowUnoffered(GetUnoffered());
   }
-  const std::unique_ptr<IReport> report = MakeReport();
+  const std::unique_ptr<IReport> report = MakeReport(m_around.out);
   RunAll(tests, *report, run);
   std::vector<EOutcome> outcomes;
   for (const TTestReport& test : run.tests) outcomes.push_back(test.outcome);

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <initializer_list>
@@ -12,6 +13,8 @@
 
 namespace host {
 namespace {
+
+std::atomic<int> outputDescriptor{STDOUT_FILENO};
 
 [[noreturn]] void Fail(const char* what) {
   throw std::system_error(errno, std::generic_category(), what);
@@ -36,7 +39,10 @@ TOutputRedirect::TOutputRedirect(EOutputTarget target) {
   const bool isDone = sink >= 0 && ::dup2(sink, STDOUT_FILENO) >= 0;
   const int error = errno;
   if (sink >= 0) ::close(sink);
-  if (isDone) return;
+  if (isDone) {
+    outputDescriptor = m_saved;
+    return;
+  }
   ::close(m_saved);
   errno = error;
   Fail("standard output");
@@ -46,6 +52,7 @@ TOutputRedirect::~TOutputRedirect() {
   if (m_saved < 0) return;
   FlushAll();
   ::dup2(m_saved, STDOUT_FILENO);
+  outputDescriptor = STDOUT_FILENO;
   ::close(m_saved);
   // A fault of the other target says nothing about standard output.
   if (!m_wasGood) return;
@@ -57,6 +64,10 @@ bool IsOutputGood() {
   FlushAll();
   // A line-buffered stream keeps a failure to itself that happened when it passed a line on.
   return std::cout.good() && std::ferror(stdout) == 0;
+}
+
+int GetOutputDescriptor() {
+  return outputDescriptor;
 }
 
 void OpenStandardDescriptors() {

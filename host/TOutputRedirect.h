@@ -29,6 +29,9 @@ class TOutputRedirect {
 /// Whether everything that was written to standard output so far arrived.
 bool IsOutputGood();
 
+/// Where standard output goes, also while a TOutputRedirect lives.
+int GetOutputDescriptor();
+
 /// Opens the standard descriptors that the caller closed, so that no file of this process takes
 /// their numbers; using one of them fails as it would have.
 void OpenStandardDescriptors();

@@ -7,14 +7,20 @@
 #include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "host/ExitStatus.h"
+#include "host/TOutputRedirect.h"
 #include "host/Text.h"
 
 namespace host {
 namespace {
+
+std::mutex wordsMutex;
+const TLastWords* lastWords = nullptr;
 
 constexpr char kNotKnown[] = "; the test's outcome is not known\n";
 
@@ -24,7 +30,7 @@ std::string GetReason() {
   try {
     std::rethrow_exception(current);
   } catch (const std::exception& e) {
-    return SafeText(e.what(), ELines::kOne);
+    return e.what();
   } catch (...) {
     return "failed for a reason that it did not give";
   }
@@ -40,22 +46,33 @@ void FlushOutput() {
 }
 
 // In one piece where the system lets it: the main thread still writes.
-void Say(std::string_view text) {
+void Write(int descriptor, std::string_view text) {
   while (!text.empty()) {
-    const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+    const ssize_t written = ::write(descriptor, text.data(), text.size());
     if (written < 0 && errno == EINTR) continue;
     if (written <= 0) return;
     text.remove_prefix(static_cast<std::size_t>(written));
   }
 }
 
+// The mutex is kept for good: whoever has set the words waits with what they use for the end.
+void SayLastWords() {
+  if (!wordsMutex.try_lock() || lastWords == nullptr) return;
+  Write(GetOutputDescriptor(), (*lastWords)(GetReason()));
+}
+
 [[noreturn]] void EndProcess() noexcept {
   FlushOutput();
   try {
-    Say("diagsrun: " + GetReason() + kNotKnown);
+    SayLastWords();
   } catch (...) {
-    Say("diagsrun: out of memory");
-    Say(kNotKnown);
+    // The line below is said in any case.
+  }
+  try {
+    Write(STDERR_FILENO, "diagsrun: " + SafeText(GetReason(), ELines::kOne) + kNotKnown);
+  } catch (...) {
+    Write(STDERR_FILENO, "diagsrun: out of memory");
+    Write(STDERR_FILENO, kNotKnown);
   }
   ::_exit(static_cast<int>(EExitStatus::kNotFinished));
 }
@@ -64,6 +81,16 @@ void Say(std::string_view text) {
 
 void InstallTerminateHandler() noexcept {
   std::set_terminate(&EndProcess);
+}
+
+TLastWordsHold::TLastWordsHold(TLastWords words) : m_words(std::move(words)) {
+  const std::lock_guard<std::mutex> lock(wordsMutex);
+  lastWords = &m_words;
+}
+
+TLastWordsHold::~TLastWordsHold() {
+  const std::lock_guard<std::mutex> lock(wordsMutex);
+  lastWords = nullptr;
 }
 
 }  // namespace host

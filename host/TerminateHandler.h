@@ -1,11 +1,32 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
+#include <string>
+
 namespace host {
 
 /// From now on, an exception that leaves a thread ends the process with kNotFinished, after one
 /// line on standard error with what it says: no abort, so no core file. The method call of a test
 /// that announces its duration is on a thread of the runner's, which lets exceptions go.
 void InstallTerminateHandler() noexcept;
+
+/// What standard output still has to say, for the reason given.
+using TLastWords = std::function<std::string(const std::string& reason)>;
+
+/// While it lives, the end that InstallTerminateHandler() speaks of is preceded by last words; what
+/// they throw is let go.
+/// Threads: one such object at a time. The words are called on another thread, and once they are,
+/// the end of this object is not reached.
+class TLastWordsHold {
+ public:
+  explicit TLastWordsHold(TLastWords words);
+  ~TLastWordsHold();
+  TLastWordsHold(const TLastWordsHold&) = delete;
+  TLastWordsHold& operator=(const TLastWordsHold&) = delete;
+
+ private:
+  TLastWords m_words;
+};
 
 }  // namespace host

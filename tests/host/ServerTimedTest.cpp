@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -15,14 +16,15 @@
 namespace host {
 namespace {
 
+using nlohmann::json;
 using ::testing::AllOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 
 constexpr char kTimed[] = "TestTimed,tst0,Test device";
+constexpr char kPlainToo[] = "TestFail,tst0,Test device";
 constexpr char kPlain[] = "TestPass,tst0,Test device";
 
 struct TFault {
@@ -62,14 +64,19 @@ TEST_P(ServerTimedTest, AFailedCallIsOneLineAndStatus2) {
   EXPECT_THAT(finished.err, AllOf(HasSubstr(GetUrl() + ": "), HasSubstr(GetParam().reason)));
   EXPECT_THAT(finished.err, EndsWith("; the test's outcome is not known\n"));
   EXPECT_EQ(finished.err.find('\n'), finished.err.size() - 1) << finished.err;
-  EXPECT_THAT(finished.out, Not(HasSubstr("Pass")));
+  EXPECT_THAT(finished.out, AllOf(HasSubstr(GetParam().reason), Not(HasSubstr("Pass"))));
+  EXPECT_THAT(finished.out,
+              EndsWith("0 passed, 0 failed, 1 could not run or finish, 0 not started\n"));
   EXPECT_FALSE(HasCoreFile());
 }
 
-TEST_P(ServerTimedTest, WithJsonThereIsNoDocumentThatCouldBeTakenForAWholeOne) {
-  const TFinished finished = RunInFolder({"run", "--json", kTimed});
+TEST_P(ServerTimedTest, TheDocumentIsWholeWhereTheProgressGoes) {
+  const TFinished finished = RunInFolder({"run", "--json", "--progress", "always", kTimed});
   EXPECT_EQ(finished.status, 2);
-  EXPECT_THAT(finished.out, IsEmpty());
+  const json document = json::parse(finished.out);
+  EXPECT_EQ(document["status"], 2);
+  EXPECT_EQ(document["tests"][0]["outcome"], "error");
+  EXPECT_THAT(document["tests"][0]["answer"], HasSubstr(GetParam().reason));
   EXPECT_THAT(finished.err, EndsWith("; the test's outcome is not known\n"));
 }
 
@@ -94,7 +101,21 @@ INSTANTIATE_TEST_SUITE_P(
 
 class ServerTimedOrderTest : public TServerFixture {};
 
-TEST_F(ServerTimedOrderTest, WhatWasReportedBeforeStays) {
+TEST_F(ServerTimedOrderTest, WhatWasReportedBeforeStaysAndTheRestIsNotStarted) {
+  StartServer({}, DIAGSTEST_ROOT);
+  const TFinished finished =
+      RunOnServer({"run", "--json", kPlain, kTimed, kPlainToo, "--method-timeout", "0.1"});
+  EXPECT_EQ(finished.status, 2);
+  const json tests = json::parse(finished.out)["tests"];
+  ASSERT_EQ(tests.size(), 3U);
+  EXPECT_EQ(tests[0]["outcome"], "passed");
+  EXPECT_EQ(tests[0]["record"]["completionState"], "OK");
+  EXPECT_EQ(tests[1]["outcome"], "error");
+  EXPECT_GT(tests[1]["seconds"], 0.05);
+  EXPECT_EQ(tests[2]["outcome"], "not run");
+}
+
+TEST_F(ServerTimedOrderTest, WhatWasWrittenBeforeStays) {
   StartServer({}, DIAGSTEST_ROOT);
   TSubprocess command(MakeServerCommand({"run", kPlain, kTimed, "--method-timeout", "0.1"}));
   EXPECT_EQ(command.Wait(), 2);

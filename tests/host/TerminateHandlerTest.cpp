@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -83,6 +84,43 @@ TEST(TerminateHandlerMemoryTest, ATextThatNoMemoryIsLeftForStillEndsInOneLine) {
   EXPECT_EXIT(endInThread(), ::testing::ExitedWithCode(2),
               "^diagsrun: out of memory; the test's outcome is not known\n$");
 #endif
+}
+
+TEST(LastWordsTest, ComeBeforeTheLine) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto end = [] {
+    InstallTerminateHandler();
+    ::dup2(STDERR_FILENO, STDOUT_FILENO);
+    const TLastWordsHold hold(
+        [](const std::string& reason) { return "because: " + reason + "\n"; });
+    std::thread([] { throw std::runtime_error("gone"); }).join();
+  };
+  EXPECT_EXIT(end(), ::testing::ExitedWithCode(2), "because: gone\ndiagsrun: gone; ");
+}
+
+TEST(LastWordsTest, ThatFailAreLetGo) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto end = [] {
+    InstallTerminateHandler();
+    const TLastWordsHold hold([](const std::string&) -> std::string { throw std::bad_alloc(); });
+    std::thread([] { throw std::runtime_error("gone"); }).join();
+  };
+  EXPECT_EXIT(end(), ::testing::ExitedWithCode(2),
+              "^diagsrun: gone; the test's outcome is not known");
+}
+
+TEST(LastWordsTest, AreNotSaidWhenTheHoldIsOver) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto end = [] {
+    InstallTerminateHandler();
+    ::dup2(STDERR_FILENO, STDOUT_FILENO);
+    {
+      const TLastWordsHold hold([](const std::string&) { return "never\n"; });
+    }
+    std::thread([] { throw std::runtime_error("gone"); }).join();
+  };
+  EXPECT_EXIT(end(), ::testing::ExitedWithCode(2), "diagsrun: gone; ");
+  EXPECT_EXIT(end(), ::testing::ExitedWithCode(2), ::testing::Not(::testing::HasSubstr("never")));
 }
 
 // What was held back of standard output goes to where standard error does, so that it is seen.
