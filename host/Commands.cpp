@@ -102,7 +102,9 @@ void TCommand::ShowUnoffered(const std::vector<TUnofferedTest>& tests) {
 
 EExitStatus TCommand::List() {
   TListReport list;
-  list.tests = FilterTests(ReadCatalogue(m_diagnostics.EnumerateTests()), m_options.selection);
+  const std::vector<TTest> catalogue = ReadCatalogue(m_diagnostics.EnumerateTests());
+  list.tests = FilterTests(catalogue, m_options.selection);
+  list.found = catalogue.size();
   list.unoffered = GetUnoffered();
   ShowProblems(list.problems);
   MakeReport(m_around.out)->ShowList(list);

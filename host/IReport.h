@@ -18,6 +18,7 @@ struct TListReport {
   std::vector<TTest> tests;
   std::vector<NZEPQEL20::TUnofferedTest> unoffered;
   std::vector<std::string> problems;
+  std::size_t found = 0;  ///< Tests that there are, whether they match or not.
 };
 
 /// One selected test and how it ended.

@@ -81,11 +81,21 @@ void TakeGuardsOff(TOptions& options) {
 }
 
 // An unknown option alone, since a password may stand behind it; else what the parser says.
-std::string DescribeExtras(const std::vector<std::string>& extras, const char* what) {
+std::string DescribeExtras(const std::vector<std::string>& extras, const char* what,
+                           bool hasCommand) {
   const auto isOption = [](const std::string& extra) { return extra.rfind('-', 0) == 0; };
   const auto option = std::find_if(extras.begin(), extras.end(), isOption);
+  if (option == extras.end() && !hasCommand && !extras.empty()) {
+    return extras.front() + ": is no command; say list, run or inspect";
+  }
   if (option == extras.end()) return what;
   return "The following argument was not expected: " + option->substr(0, option->find('='));
+}
+
+// The parser counts: "--log: At Most 1 required but received 2".
+std::string DescribeMismatch(const std::string& what) {
+  const std::size_t end = what.find(": At Most 1 ");
+  return end == std::string::npos ? what : what.substr(0, end) + ": is given more than once";
 }
 
 void AddFilters(CLI::App& app, TSelection& selection) {
@@ -192,6 +202,9 @@ void TCommandLine::Check() const {
   if (SafeText(m_options.nameSpace, ELines::kOne) != m_options.nameSpace) {
     throw TUsageError("--namespace", "holds a control character");
   }
+  if (m_options.nameSpace.find_first_not_of('/') == std::string::npos) {
+    throw TUsageError("--namespace", "holds no name");
+  }
   CheckServerOptions(*m_app, m_server);
   if (m_options.command != ECommand::kRun) return;
 
@@ -209,8 +222,9 @@ void TCommandLine::Check() const {
 
 std::string TCommandLine::Explain(const CLI::ParseError& error) const {
   const bool isExtra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
-  return HideUserInfo(isExtra ? DescribeExtras(m_app->remaining(true), error.what())
-                              : error.what());
+  if (!isExtra) return HideUserInfo(DescribeMismatch(error.what()));
+  return HideUserInfo(
+      DescribeExtras(m_app->remaining(true), error.what(), !m_app->get_subcommands().empty()));
 }
 
 std::optional<TOptions> TCommandLine::Parse(const std::vector<std::string>& arguments,

@@ -44,6 +44,10 @@ std::string FormatSeconds(double seconds) {
 }  // namespace
 
 void TTextReport::ShowList(const TListReport& list) {
+  if (list.tests.empty() && list.found > 0) {
+    *m_out << "No test matches, out of " << list.found << m_place << ".\n";
+    return;
+  }
   if (list.tests.empty()) {
     *m_out << "No tests found" << m_place << ".\n";
     return;

@@ -114,7 +114,11 @@ TEST_P(WrongUsageTest, IsOneLineThatNamesTheArgument) {
 INSTANTIATE_TEST_SUITE_P(
     All, WrongUsageTest,
     ::testing::Values(
-        TWrong{"Nothing", {}, "list, run or inspect"}, TWrong{"UnknownCommand", {"frob"}, "frob"},
+        TWrong{"Nothing", {}, "list, run or inspect"},
+        TWrong{"UnknownCommand", {"frob"}, "frob: is no command; say list, run or inspect"},
+        TWrong{
+            "OptionTwice", {"--log", "a", "list", "--log", "b"}, "--log: is given more than once"},
+        TWrong{"SlashNamespace", {"--namespace", "//", "list"}, "--namespace: holds no name"},
         TWrong{"UnknownOption", {"list", "--frob"}, "--frob"},
         TWrong{"TwoCommands", {"list", "run", "--all"}, "run"},
         TWrong{"StrayArgument", {"list", "stray"}, "stray"},

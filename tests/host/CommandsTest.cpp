@@ -74,6 +74,13 @@ TEST_F(CommandsTest, ListKeepsTheNumbersWhenItFilters) {
   EXPECT_THAT(m_out.str(), Not(HasSubstr("cpu0")));
 }
 
+TEST_F(CommandsTest, ListSaysWhenTheFilterLeavesNothing) {
+  m_options.command = ECommand::kList;
+  m_options.selection.match = "tape";
+  EXPECT_EQ(Do(), 2);
+  EXPECT_EQ(m_out.str(), "No test matches, out of 3.\n");
+}
+
 TEST_F(CommandsTest, ListSaysWhenThereIsNothing) {
   m_options.command = ECommand::kList;
   m_fake.list = "No matching diagnostic test or device found.\n";
