@@ -80,6 +80,14 @@ void TakeGuardsOff(TOptions& options) {
   if (options.label) TakeGuardOff(*options.label);
 }
 
+// "/root//cimv2/" is root/cimv2.
+void TakeSpareSlashesOff(std::string& nameSpace) {
+  const auto areSlashes = [](char left, char right) { return left == '/' && right == '/'; };
+  nameSpace.erase(std::unique(nameSpace.begin(), nameSpace.end(), areSlashes), nameSpace.end());
+  if (!nameSpace.empty() && nameSpace.back() == '/') nameSpace.pop_back();
+  if (!nameSpace.empty() && nameSpace.front() == '/') nameSpace.erase(0, 1);
+}
+
 // An unknown option alone, since a password may stand behind it; else what the parser says.
 std::string DescribeExtras(const std::vector<std::string>& extras, const char* what,
                            bool hasCommand) {
@@ -202,9 +210,7 @@ void TCommandLine::Check() const {
   if (SafeText(m_options.nameSpace, ELines::kOne) != m_options.nameSpace) {
     throw TUsageError("--namespace", "holds a control character");
   }
-  if (m_options.nameSpace.find_first_not_of('/') == std::string::npos) {
-    throw TUsageError("--namespace", "holds no name");
-  }
+  if (m_options.nameSpace.empty()) throw TUsageError("--namespace", "holds no name");
   CheckServerOptions(*m_app, m_server);
   if (m_options.command != ECommand::kRun) return;
 
@@ -238,6 +244,7 @@ std::optional<TOptions> TCommandLine::Parse(const std::vector<std::string>& argu
     m_app->parse(reversed);
     TakeGuardsOff(m_options);
     for (std::string* text : GetTexts(m_server)) TakeGuardOff(*text);
+    TakeSpareSlashesOff(m_options.nameSpace);
     Check();
     if (HasServer(*m_app)) m_options.server = m_server;
     m_status = EExitStatus::kAllPassed;

@@ -140,6 +140,14 @@ INSTANTIATE_TEST_SUITE_P(
         TWrong{"ControlCharacters", {"list", "\x1b[2J"}, "\\x1b[2J"}),
     [](const auto& row) { return row.param.name; });
 
+TEST(CommandLineTest, ANamespaceMayHaveSpareSlashes) {
+  for (const char* given : {"root/vendor", "/root/vendor", "root/vendor//", "//root///vendor/"}) {
+    const TParsed parsed = Parse({"--namespace", given, "list"});
+    ASSERT_TRUE(parsed.options) << given;
+    EXPECT_EQ(parsed.options->nameSpace, "root/vendor") << given;
+  }
+}
+
 TEST(CommandLineTest, PrintsTheVersionAndHelpOnStandardOutput) {
   const TParsed version = Parse({"--version"});
   EXPECT_FALSE(version.options);
