@@ -62,7 +62,7 @@ TCIMValue ReadEmbedded(const TCIMValue& text, const std::string& nameSpace) {
 
 // What came back as the class declares it: servers leave the type out, or call an embedded
 // instance a text.
-TCIMValue Convert(const TCIMElementDeclaration& declared, TCIMValue value,
+TCIMValue Convert(const TCIMElementDeclaration& declared, const TCIMValue& value,
                   const std::string& nameSpace, const std::string& what) {
   const bool isText = value.GetType() == ECIMType::kString && !value.IsNull();
   if (declared.type != ECIMType::kInstance || !isText) return ConvertTo(declared, value, what);

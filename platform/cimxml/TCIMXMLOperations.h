@@ -67,7 +67,7 @@ class TCIMXMLOperations final : public ICIMOperations {
   /// refusals included, is no problem.
   std::vector<std::string> GetProblems() const;
 
-  /// The last of these since the previous call, also when it is not new; empty for none.
+  /// The last of these, or refusal of a method call, since the previous call; empty for none.
   std::string TakeLastFailure();
 
  private:

@@ -164,8 +164,14 @@ std::string TServerConnection::TakeLastFailure() {
   return std::exchange(m_lastFailure, {});
 }
 
-void TServerConnection::NoteProblem(const TQELException& failure) {
-  if (failure.GetCIMStatus() != TQELException::kNoCIMStatus) return;
+void TServerConnection::NoteProblem(const TQELException& failure, const TQuestion& question) {
+  const bool isRefusal = failure.GetCIMStatus() != TQELException::kNoCIMStatus;
+  if (isRefusal) {
+    // An object may well be elsewhere or gone; a method that is refused has not been started.
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (question.isMethodCall) m_lastFailure = failure.what();
+    return;
+  }
   const std::string kind = GetKind(failure.what());
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_lastFailure = failure.what();
@@ -187,10 +193,10 @@ TReply TServerConnection::Ask(const TQuestion& question, TBudget& budget) {
     }
     return AskOnce(question, budget, true);
   } catch (const THttpError& e) {
-    NoteProblem(e);
+    NoteProblem(e, question);
     throw THttpError(e.GetStatusCode(), what + ": " + e.what(), e.GetHttpStatus());
   } catch (const TQELException& e) {
-    NoteProblem(e);
+    NoteProblem(e, question);
     throw TQELException(e.GetStatusCode(), what + ": " + e.what(), e.GetCIMStatus());
   }
 }

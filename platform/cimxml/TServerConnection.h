@@ -58,7 +58,7 @@ class TServerConnection {
   /// What has kept the server from answering so far, one line each and each once.
   std::vector<std::string> GetProblems() const;
 
-  /// The last of these since the previous call, also when it is not new; empty for none.
+  /// The last of these, or refusal of a method call, since the previous call; empty for none.
   std::string TakeLastFailure();
 
   /// Asks, once more after a lost connection where that does no harm.
@@ -81,7 +81,7 @@ class TServerConnection {
   TReply AskOnce(const TQuestion& question, TBudget& budget, bool isSecond);
   void Check(const TQuestion& question, const TReply& reply) const;
   [[noreturn]] void Refuse(const TReplyError& error) const;
-  void NoteProblem(const TQELException& failure);
+  void NoteProblem(const TQELException& failure, const TQuestion& question);
   void ReportOddities(const TQuestion& question, const TReply& reply) const;
 
   const TServerOptions m_options;  ///< Without the credentials.

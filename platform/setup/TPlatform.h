@@ -64,8 +64,9 @@ class DIAGSPLATFORM_EXPORT TPlatform {
   /// Threads: one at a time.
   const std::vector<std::string>& GetProblems() const;
 
-  /// What last kept the server behind "cmpi" from answering since the previous call; empty when it
-  /// answered, and without a server. A run that ended meanwhile ended because of it.
+  /// What last kept the server behind "cmpi" from answering or from starting a test, since the
+  /// previous call; empty for nothing, and without a server. A run that ended meanwhile without a
+  /// verdict ended because of it.
   std::string TakeServerFailure();
 
   /// The tests that providers report as not offered on this machine ("DRH_UnofferedTest"); empty

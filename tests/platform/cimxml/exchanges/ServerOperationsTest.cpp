@@ -350,6 +350,18 @@ TEST_F(ServerOperationsTest, AsksInTheDefaultNamespaceWhenNoneIsNamed) {
   }
 }
 
+TEST_F(ServerOperationsTest, TellsWhyAMethodWasNotStarted) {
+  Send(Classes(1001));
+  Send(Frame("Run", 1002, "<ERROR CODE=\"1\" DESCRIPTION=\"no tool\"/>", "METHODRESPONSE"));
+  Send(Frame("GetInstance", 1003, "<ERROR CODE=\"6\"/>"));
+  TCIMXMLOperations& operations = Open();
+  TKeyMap parameters;
+  EXPECT_NE(GetFailure([&] { operations.InvokeMethod(kPath, "Run", parameters); }), "");
+  EXPECT_NE(GetFailure([&] { operations.GetInstance(kPath); }), "");
+  EXPECT_THAT(operations.TakeLastFailure(), HasSubstr("CIM_ERR_FAILED (1): no tool"));
+  EXPECT_THAT(operations.GetProblems(), IsEmpty());
+}
+
 TEST_F(ServerOperationsTest, ListsAFailureOnceWhateverItsNumbers) {
   m_options.requestTimeout = std::chrono::milliseconds(50);
   for (const char* start : {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n<CIM", ""}) {
