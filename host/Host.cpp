@@ -152,6 +152,7 @@ EExitStatus RunArguments(const std::vector<std::string>& arguments) {
   if (!options) {
     return IsOutputGood() ? commandLine.GetStatus() : EExitStatus::kNotFinished;
   }
+  if (options->server) CheckServerFiles(*options->server);
   TCredentials credentials = GetCredentials(*options, std::move(environment));
   WarnOfInsecurity(*options);
   // The other commands start nothing that has to be ended, so signals end them as usual.

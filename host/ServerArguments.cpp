@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/ServerArguments.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <system_error>
 
+#include "host/TDescriptor.h"
 #include "host/TUsageError.h"
 #include "host/Text.h"
 
@@ -138,6 +144,18 @@ void CheckCertificates(const CLI::App& app, const std::string& url) {
   }
 }
 
+void CheckFile(const char* option, const std::string& name) {
+  if (name.empty()) return;
+  const std::string shown = SafeText(name, ELines::kOne);
+  // Without O_NONBLOCK the opening of a pipe waits for somebody to write.
+  const TDescriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+  struct stat status {};
+  if (file.Get() < 0 || ::fstat(file.Get(), &status) != 0) {
+    throw TUsageError(option, shown + ": " + std::generic_category().message(errno));
+  }
+  if (!S_ISREG(status.st_mode)) throw TUsageError(option, shown + ": is not a regular file");
+}
+
 }  // namespace
 
 void AddServerOptions(CLI::App& app, TServerArguments& arguments) {
@@ -185,6 +203,13 @@ void CheckServerOptions(const CLI::App& app, const TServerArguments& arguments) 
   CheckUrl(arguments.options.url);
   CheckUser(app, arguments);
   CheckCertificates(app, arguments.options.url);
+}
+
+void CheckServerFiles(const TServerArguments& arguments) {
+  const NZEPQEL20::TServerOptions& options = arguments.options;
+  CheckFile("--ca", options.caFile);
+  CheckFile("--client-cert", options.clientCertificate);
+  CheckFile("--client-key", options.clientKey);
 }
 
 void RefusePasswordOptions(const std::vector<std::string>& arguments) {

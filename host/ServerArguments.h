@@ -30,6 +30,11 @@ bool HasServer(const CLI::App& app);
 /// Errors: TUsageError.
 void CheckServerOptions(const CLI::App& app, const TServerArguments& arguments);
 
+/// Refuses certificate files that are no regular files or cannot be read, by the option that names
+/// them.
+/// Errors: TUsageError.
+void CheckServerFiles(const TServerArguments& arguments);
+
 /// Refuses options that would take a password, wherever they stand among `arguments`.
 /// Errors: TUsageError, which names the option and not its value.
 void RefusePasswordOptions(const std::vector<std::string>& arguments);

@@ -8,6 +8,8 @@
 
 #include "host/ServerArguments.h"
 #include "host/TCommandLine.h"
+#include "host/TUsageError.h"
+#include "tests/host/TTemporaryFolder.h"
 
 namespace host {
 namespace {
@@ -277,6 +279,40 @@ TEST(ServerArgumentsTest, TakesAFractionOfASecondDownToAMillisecond) {
 TEST(ServerArgumentsTest, ASizeHasNoFractionAndABound) {
   EXPECT_FALSE(Parse({"--server", kHttps, "--max-reply", "1.5", "list"}).options);
   EXPECT_FALSE(Parse({"--server", kHttps, "--max-reply", "4097", "list"}).options);
+}
+
+// The text of the refusal of the certificate files; empty when there is none.
+std::string CheckFiles(const TServerArguments& arguments) {
+  try {
+    CheckServerFiles(arguments);
+    return {};
+  } catch (const TUsageError& e) {
+    return e.what();
+  }
+}
+
+TEST(ServerArgumentsTest, EachCertificateFileIsNamedByItsOption) {
+  const TTemporaryFolder folder;
+  const std::string missing = folder.GetPath("none");
+  TServerArguments arguments;
+  EXPECT_EQ(CheckFiles(arguments), "");
+  arguments.options.clientKey = missing;
+  EXPECT_EQ(CheckFiles(arguments), "--client-key: " + missing + ": No such file or directory");
+  arguments.options.clientCertificate = folder.GetPath();
+  EXPECT_EQ(CheckFiles(arguments),
+            "--client-cert: " + folder.GetPath() + ": is not a regular file");
+  arguments.options.caFile = folder.Write("ca\x1b", "") + "/below";
+  EXPECT_EQ(CheckFiles(arguments),
+            "--ca: " + folder.GetPath("ca\\x1b/below") + ": Not a directory");
+}
+
+TEST(ServerArgumentsTest, CertificateFilesThatAreThereAreTaken) {
+  const TTemporaryFolder folder;
+  TServerArguments arguments;
+  arguments.options.caFile = folder.Write("ca", "");
+  arguments.options.clientCertificate = folder.Write("certificate", "");
+  arguments.options.clientKey = folder.Write("key", "");
+  EXPECT_EQ(CheckFiles(arguments), "");
 }
 
 TEST(ServerArgumentsTest, ATestIdMayLookLikeAPasswordOptionBehindTwoDashes) {
