@@ -35,6 +35,29 @@ bool IsControl(char letter) {
   return byte < 0x20 || byte == 0x7F;
 }
 
+bool StartsWith(std::string_view text, std::string_view start) {
+  return text.substr(0, start.size()) == start;
+}
+
+// What may have been meant by a line that says nothing known; nothing of the line itself.
+std::string FindHint(std::string_view line) {
+  constexpr std::string_view kBlanks = " \t";
+  if (StartsWith(line, "\xEF\xBB\xBF")) {
+    return "; it begins with a byte order mark: save the file without one";
+  }
+  const std::size_t first = line.find_first_not_of(kBlanks);
+  const std::string_view word = line.substr(first == std::string_view::npos ? 0 : first);
+  for (const std::string_view key : {"user", "password"}) {
+    if (!StartsWith(word, key)) continue;
+    const std::string_view rest = word.substr(key.size());
+    const std::size_t sign = rest.find_first_not_of(kBlanks);
+    if (sign == std::string_view::npos) continue;
+    if (rest[sign] == ':') return "; write = in the place of the colon";
+    if (rest[sign] == '=') return "; take the blanks in front of the word and the = away";
+  }
+  return {};
+}
+
 // One credentials file being read, line by line.
 class TReader {
  public:
@@ -78,7 +101,7 @@ void TReader::Take(std::string_view line) {
   } else if (line.substr(0, kPassword.size()) == kPassword) {
     TakePassword(line.substr(kPassword.size()));
   } else {
-    Refuse("is neither user=NAME nor password=PASSWORD nor a comment");
+    Refuse("is neither user=NAME nor password=PASSWORD nor a comment" + FindHint(line));
   }
 }
 
@@ -139,7 +162,13 @@ bool HasUser(const TCredentialSources& sources) {
 }
 
 TCredentials FindCredentials(TCredentialSources sources) {
-  if (!sources.file.empty()) return ReadCredentialsFile(sources.file);
+  if (!sources.file.empty()) {
+    try {
+      return ReadCredentialsFile(sources.file);
+    } catch (const TUsageError& e) {
+      throw TUsageError("--credentials", e.what());
+    }
+  }
   CheckEnvironment(sources.environment);
   TEnvironmentCredentials& environment = sources.environment;
   const std::string user = sources.user.empty() ? environment.user : sources.user;

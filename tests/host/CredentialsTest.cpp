@@ -95,9 +95,19 @@ INSTANTIATE_TEST_SUITE_P(
         TBadFile{"PasswordAlone", "sesame\n", "line 1: is neither"},
         TBadFile{"UnknownKey", "user=somebody\nsesame=1\n", "line 2: is neither"},
         TBadFile{"OtherCase", "User=somebody\n", "line 1: is neither"},
-        TBadFile{"BlankBeforeTheKey", " user=somebody\n", "line 1: is neither"},
-        TBadFile{"BlankBehindTheKey", "user =somebody\n", "line 1: is neither"},
-        TBadFile{"MarkOfUtf8", "\xef\xbb\xbfuser=somebody\n", "line 1: is neither"},
+        TBadFile{
+            "BlankBeforeTheKey", " user=somebody\n",
+            "line 1: is neither user=NAME nor password=PASSWORD nor a comment; take the blanks"},
+        TBadFile{
+            "BlankBehindTheKey", "user =somebody\n",
+            "line 1: is neither user=NAME nor password=PASSWORD nor a comment; take the blanks"},
+        TBadFile{"MarkOfUtf8", "\xef\xbb\xbfuser=somebody\n",
+                 "line 1: is neither user=NAME nor password=PASSWORD nor a comment; it begins with "
+                 "a byte order mark"},
+        TBadFile{"ColonInThePlaceOfTheSign", "user: somebody\n",
+                 "line 1: is neither user=NAME nor password=PASSWORD nor a comment; write = in the "
+                 "place of the colon"},
+        TBadFile{"KeyAlone", "user\n", "line 1: is neither"},
         TBadFile{"TwoUsers", "user=somebody\nuser=somebody\n", "line 2: names a second user"},
         TBadFile{"TwoPasswords", "\npassword=sesame\n#\npassword=sesame\n",
                  "line 4: has a second password"},
@@ -116,6 +126,17 @@ INSTANTIATE_TEST_SUITE_P(
         TBadFile{"LongComment", "#" + std::string(1024, 'x') + "\n",
                  "line 1: is longer than 1024 bytes"}),
     [](const auto& row) { return row.param.name; });
+
+TEST(CredentialsTest, AFaultInTheFileNamesItsOption) {
+  TCredentialSources sources;
+  sources.file = "/no/such/file";
+  try {
+    FindCredentials(std::move(sources));
+    FAIL() << "it was taken";
+  } catch (const TUsageError& e) {
+    EXPECT_STREQ(e.what(), "--credentials: /no/such/file: No such file or directory");
+  }
+}
 
 TEST(CredentialsTest, ALineMayHave1024Bytes) {
   const TTemporaryFolder folder;

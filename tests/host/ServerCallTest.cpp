@@ -84,16 +84,16 @@ INSTANTIATE_TEST_SUITE_P(
         TWrongCall{"Port", {"--server", "http://h:99999", "run", "--all"}, "its port is no number"},
         TWrongCall{"NoAuthorityFile",
                    {"--server", kServer, "--ca", "/no/ca", "list"},
-                   "the CA file /no/ca cannot be read"},
+                   "--ca: /no/ca: No such file"},
         TWrongCall{"NoPassword",
                    {"--server", kServer, "--user", "me", "list"},
                    "password of me: is not known"},
         TWrongCall{"NoCredentialsFile",
                    {"--server", kServer, "--credentials", "/no/file", "list"},
-                   "/no/file: No such file"},
+                   "--credentials: /no/file: No such file"},
         TWrongCall{"CredentialsAreADevice",
                    {"--server", kServer, "--credentials", "/dev/zero", "list"},
-                   "/dev/zero: is not a regular file"}),
+                   "--credentials: /dev/zero: is not a regular file"}),
     [](const auto& row) { return row.param.name; });
 
 TEST_F(ServerCallTest, RefusesACredentialsFileThatOthersMayRead) {
