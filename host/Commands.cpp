@@ -47,6 +47,7 @@ class TCommand {
   double GetSecondsSince(std::chrono::steady_clock::time_point start) const;
   std::string TellEnd(const std::vector<TTest>& tests, TRunReport run,
                       const TTestReport& last) const;
+  void ComplainOf(const TTestReport& report);
   TTestReport RunOne(const std::vector<TTest>& tests, const TRunReport& run);
   void RunAll(const std::vector<TTest>& tests, IReport& report, TRunReport& run);
   EExitStatus InspectAsJson();
@@ -123,7 +124,7 @@ std::string TCommand::TellEnd(const std::vector<TTest>& tests, TRunReport run,
   run.isInterrupted = run.isInterrupted || m_around.isInterrupted();
   run.tests.push_back(last);
   for (std::size_t i = run.tests.size(); i < tests.size(); ++i) {
-    run.tests.push_back({tests[i], EOutcome::kNotRun, {}, std::nullopt, {}, 0});
+    run.tests.push_back({tests[i], EOutcome::kNotRun, {}, std::nullopt, {}, 0, {}});
   }
   run.status = EExitStatus::kNotFinished;
   std::ostringstream text;
@@ -133,11 +134,23 @@ std::string TCommand::TellEnd(const std::vector<TTest>& tests, TRunReport run,
   return text.str();
 }
 
+void TCommand::ComplainOf(const TTestReport& report) {
+  const std::string reason = DescribeReason(report);
+  if (!reason.empty()) {
+    Complain(report.test.id + ": " + reason);
+    return;
+  }
+  Complain(report.test.id + ": could not run or did not finish: " +
+           (report.answer.empty() ? "no answer" : report.answer) +
+           "; --log - --log-level trace shows the steps");
+}
+
 // Runs the first of `tests` that `run` has not.
 TTestReport TCommand::RunOne(const std::vector<TTest>& tests, const TRunReport& run) {
   const TTest& test = tests[run.tests.size()];
   TTestReport report;
   report.test = test;
+  m_diagnostics.TakeServerFailure();  // Discovery's, or that of a test before this one.
   report.started = m_around.wallClock();
   const auto start = m_around.steadyClock();
   const auto tellEnd = [&](const std::string& reason) {
@@ -161,6 +174,9 @@ TTestReport TCommand::RunOne(const std::vector<TTest>& tests, const TRunReport& 
     report.answer = e.what();
   }
   report.seconds = GetSecondsSince(start);
+  // A test that left a record has come to its end, whatever the server did in between.
+  std::string failure = m_diagnostics.TakeServerFailure();
+  if (report.outcome == EOutcome::kError && !report.record) report.reason = std::move(failure);
   return report;
 }
 
@@ -169,18 +185,14 @@ void TCommand::RunAll(const std::vector<TTest>& tests, IReport& report, TRunRepo
     run.isInterrupted = run.isInterrupted || m_around.isInterrupted();
     // Nobody reads any more when the output is gone, so no further test is started.
     if (run.isInterrupted || !m_around.isOutputGood()) {
-      run.tests.push_back({test, EOutcome::kNotRun, {}, std::nullopt, {}, 0});
+      run.tests.push_back({test, EOutcome::kNotRun, {}, std::nullopt, {}, 0, {}});
       continue;
     }
     report.ShowTestStart(test, run.tests.size() + 1, tests.size());
     run.tests.push_back(RunOne(tests, run));
     report.ShowTestEnd(run.tests.back());
     ShowProblems(run.problems);
-    if (run.tests.back().outcome == EOutcome::kError) {
-      Complain(test.id + ": could not run or did not finish: " +
-               (run.tests.back().answer.empty() ? "no answer" : run.tests.back().answer) +
-               "; --log - --log-level trace shows the steps");
-    }
+    if (run.tests.back().outcome == EOutcome::kError) ComplainOf(run.tests.back());
   }
   run.isInterrupted = run.isInterrupted || m_around.isInterrupted();
 }

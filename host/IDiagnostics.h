@@ -48,6 +48,10 @@ class IDiagnostics {
   /// What of the installation could not be loaded, one line each.
   virtual std::vector<std::string> GetProblems() = 0;
 
+  /// What last kept a CIM server from answering or from starting a test, since the previous call;
+  /// empty for nothing, and without a server.
+  virtual std::string TakeServerFailure() = 0;
+
   /// Runs one test to its end.
   virtual TRunResult Run(const std::string& id, const std::string& label) = 0;
 

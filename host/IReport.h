@@ -29,7 +29,12 @@ struct TTestReport {
   std::optional<TRecordText> record;
   std::chrono::system_clock::time_point started;
   double seconds = 0;
+  std::string reason;  ///< What kept the server from running it to its end; empty: nothing known.
 };
+
+/// Why a test has no verdict, in place of an answer that cannot know of the server's failure; empty
+/// when no failure of a server is known.
+std::string DescribeReason(const TTestReport& report);
 
 /// What `run` did.
 struct TRunReport {

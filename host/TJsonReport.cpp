@@ -52,6 +52,7 @@ TJson MakeTestEnd(const TTestReport& report) {
   TJson test = MakeTest(report.test);
   test["outcome"] = GetOutcomeText(report.outcome);
   test["answer"] = hasRun ? TJson(report.answer) : TJson(nullptr);
+  test["reason"] = report.reason.empty() ? TJson(nullptr) : TJson(report.reason);
   test["started"] = hasRun ? TJson(FormatTime(report.started)) : TJson(nullptr);
   test["seconds"] = hasRun ? TJson(std::round(report.seconds * 1000) / 1000) : TJson(nullptr);
   test["record"] = MakeRecord(report.record);

@@ -52,6 +52,10 @@ std::vector<std::string> TRunnerDiagnostics::GetProblems() {
   return m_platform.GetProblems();
 }
 
+std::string TRunnerDiagnostics::TakeServerFailure() {
+  return m_platform.TakeServerFailure();
+}
+
 TRunResult TRunnerDiagnostics::Run(const std::string& id, const std::string& label) {
   const TOutputRedirect redirect(m_progress);
   boost::shared_ptr<NZEPQEL20::ICIMNamespace> store = m_platform.GetRepository();

@@ -23,6 +23,7 @@ class TRunnerDiagnostics : public IDiagnostics {
   std::string EnumerateTests() override;
   std::vector<NZEPQEL20::TUnofferedTest> GetUnofferedTests() override;
   std::vector<std::string> GetProblems() override;
+  std::string TakeServerFailure() override;
   TRunResult Run(const std::string& id, const std::string& label) override;
   std::string Inspect(const std::string& className) override;
   std::optional<std::vector<TInstanceText>> GetInstances(const std::string& className) override;

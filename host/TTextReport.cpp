@@ -67,7 +67,8 @@ void TTextReport::ShowTestStart(const TTest& test, std::size_t position, std::si
 }
 
 void TTextReport::ShowTestEnd(const TTestReport& report) {
-  const std::string answer = report.answer.empty() ? "No answer" : report.answer;
+  std::string answer = DescribeReason(report);
+  if (answer.empty()) answer = report.answer.empty() ? "No answer" : report.answer;
   *m_out << "      " << SafeText(answer, ELines::kOne) << " (" << FormatSeconds(report.seconds)
          << ")\n";
   if (report.record) {
@@ -83,6 +84,12 @@ void TTextReport::ShowRunEnd(const TRunReport& run) {
          << run.Count(EOutcome::kNotRun) << " not started"
          << (run.isInterrupted ? " (interrupted)" : "") << "\n";
   m_out->flush();
+}
+
+std::string DescribeReason(const TTestReport& report) {
+  if (report.reason.empty()) return {};
+  return "could not run or did not finish: " + report.reason +
+         "; the test may still be going on at the server";
 }
 
 std::size_t TRunReport::Count(EOutcome outcome) const {

@@ -277,6 +277,47 @@ TEST_F(ServerCommandsTest, RunSaysWhereTheTestsRan) {
   EXPECT_THAT(m_out.str(), HasSubstr("\n1 test on https://node7: 1 passed, 0 failed"));
 }
 
+TEST_F(ServerCommandsTest, ALostServerIsTheReasonOfEachTestThatItKeptFromAVerdict) {
+  m_fake.results["Read,sda,Disk"] = {"No matching diagnostic test or device found.\n",
+                                     std::nullopt};
+  m_fake.duringRun = [this] {
+    m_fake.serverFailure = "https://node7: lost " + std::to_string(m_fake.runs.size());
+  };
+  EXPECT_EQ(Run({"#3", "#3"}), 2);
+  EXPECT_THAT(m_out.str(),
+              HasSubstr("      could not run or did not finish: https://node7: lost 1; "
+                        "the test may still be going on at the server (0.2 s)\n"));
+  EXPECT_THAT(m_out.str() + m_err.str(), Not(HasSubstr("No matching")));
+  for (const char* reason : {"lost 1", "lost 2"}) {
+    EXPECT_THAT(m_err.str(), HasSubstr("diagsrun: Read,sda,Disk: could not run or did not finish: "
+                                       "https://node7: " +
+                                       std::string(reason) +
+                                       "; the test may still be going on at the server\n"));
+  }
+}
+
+TEST_F(ServerCommandsTest, TheDocumentHasTheReasonBesideTheRunnersAnswer) {
+  m_options.isJson = true;
+  m_fake.results["Read,sda,Disk"] = {"No matching test.\n", std::nullopt};
+  m_fake.duringRun = [this] { m_fake.serverFailure = "lost"; };
+  EXPECT_EQ(Run({"#3"}), 2);
+  EXPECT_THAT(m_out.str(), HasSubstr("\"answer\": \"No matching test.\",\n      "
+                                     "\"reason\": \"lost\""));
+}
+
+TEST_F(ServerCommandsTest, AFailureFromBeforeATestIsNotItsReason) {
+  m_fake.serverFailure = "long ago";
+  EXPECT_EQ(Run({"#3"}), 2);
+  EXPECT_THAT(m_err.str(), HasSubstr("could not run or did not finish: Aborted; --log"));
+}
+
+TEST_F(ServerCommandsTest, AVerdictOrARecordCountsMoreThanAFailureOfTheServer) {
+  m_fake.results["Read,sda,Disk"] = {"Aborted", TRecordText{"p", "Aborted", "ended"}};
+  m_fake.duringRun = [this] { m_fake.serverFailure = "lost and found"; };
+  EXPECT_EQ(Run({"#1", "#2", "#3"}), 2);
+  EXPECT_THAT(m_out.str() + m_err.str(), Not(HasSubstr("lost and found")));
+}
+
 TEST_F(ServerCommandsTest, InspectSaysWhereTheClassIsMissing) {
   m_options.command = ECommand::kInspect;
   m_options.className = "B";

@@ -27,5 +27,12 @@ TEST(FakeDiagnosticsTest, KnowsOnlyTheClassesThatItWasGiven) {
   EXPECT_FALSE(fake.GetInstances("B").has_value());
 }
 
+TEST(FakeDiagnosticsTest, TellsAFailureOnce) {
+  TFakeDiagnostics fake;
+  fake.serverFailure = "lost";
+  EXPECT_EQ(fake.TakeServerFailure(), "lost");
+  EXPECT_EQ(fake.TakeServerFailure(), "");
+}
+
 }  // namespace
 }  // namespace host

@@ -37,20 +37,31 @@ TEST(JsonReportTest, WritesAListWithStableKeys) {
 
 TEST(JsonReportTest, WritesARunWithStableKeys) {
   TRunReport run;
-  run.tests.push_back({GetTest(), EOutcome::kFailed, "Fail", TRecordText{"p", "Failed", "d"},
-                       std::chrono::system_clock::from_time_t(0), 1.23456});
-  run.tests.push_back({GetTest(), EOutcome::kNotRun, {}, std::nullopt, {}, 0});
+  run.tests.push_back({GetTest(),
+                       EOutcome::kFailed,
+                       "Fail",
+                       TRecordText{"p", "Failed", "d"},
+                       std::chrono::system_clock::from_time_t(0),
+                       1.23456,
+                       {}});
+  run.tests.push_back({GetTest(), EOutcome::kError, "No answer\nof use", std::nullopt,
+                       std::chrono::system_clock::from_time_t(0), 1, "http://h: lost"});
+  run.tests.push_back({GetTest(), EOutcome::kNotRun, {}, std::nullopt, {}, 0, {}});
   run.isInterrupted = true;
   EXPECT_EQ(Show([&](TJsonReport& report) { report.ShowRunEnd(run); }), json::parse(R"({
     "format": 1, "command": "run", "status": 2, "interrupted": true,
     "tests": [{"number": 2, "id": "Stress,cpu0,CPU", "service": "Stress", "device": "cpu0",
-               "element": "CPU", "outcome": "failed", "answer": "Fail",
+               "element": "CPU", "outcome": "failed", "answer": "Fail", "reason": null,
                "started": "1970-01-01T00:00:00Z", "seconds": 1.235,
                "record": {"path": "p", "completionState": "Failed", "data": "d"}},
               {"number": 2, "id": "Stress,cpu0,CPU", "service": "Stress", "device": "cpu0",
-               "element": "CPU", "outcome": "not run", "answer": null, "started": null,
-               "seconds": null, "record": null}],
-    "summary": {"selected": 2, "passed": 0, "failed": 1, "errors": 0, "notRun": 1},
+               "element": "CPU", "outcome": "error", "answer": "No answer\nof use",
+               "reason": "http://h: lost", "started": "1970-01-01T00:00:00Z", "seconds": 1,
+               "record": null},
+              {"number": 2, "id": "Stress,cpu0,CPU", "service": "Stress", "device": "cpu0",
+               "element": "CPU", "outcome": "not run", "answer": null, "reason": null,
+               "started": null, "seconds": null, "record": null}],
+    "summary": {"selected": 3, "passed": 0, "failed": 1, "errors": 1, "notRun": 1},
     "problems": []})"));
 }
 

@@ -17,6 +17,7 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 
 class ServerInterruptionTest : public TServerFixture {
@@ -74,8 +75,10 @@ TEST_F(ServerInterruptionTest, AServerThatEndsInTheMiddleIsAnErrorAndNeverAPass)
   KillServer();
   EXPECT_EQ(command.Wait(), 2);
   EXPECT_THAT(command.GetOut(), HasSubstr(": 0 passed, 0 failed, 1 could not run or finish"));
-  EXPECT_THAT(command.GetErr(), HasSubstr("could not run or did not finish"));
+  EXPECT_THAT(command.GetErr(), HasSubstr(": could not run or did not finish: "));
   EXPECT_THAT(command.GetErr(), HasSubstr(GetUrl() + ": "));
+  EXPECT_THAT(command.GetErr(), HasSubstr("; the test may still be going on at the server"));
+  EXPECT_THAT(command.GetOut() + command.GetErr(), Not(HasSubstr("No matching")));
   for (const pid_t process : processes) ::kill(process, SIGKILL);
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/IDiagnostics.h"
@@ -20,11 +21,13 @@ class TFakeDiagnostics : public IDiagnostics {
   std::map<std::string, std::string> texts;   ///< What Inspect() answers, by class.
   std::map<std::string, std::vector<TInstanceText>> instances;
   std::function<void()> duringRun = [] {};
+  std::string serverFailure;      ///< What TakeServerFailure() answers next.
   std::vector<std::string> runs;  ///< "id|label" of each test that was run.
 
   std::string EnumerateTests() override { return list; }
   std::vector<NZEPQEL20::TUnofferedTest> GetUnofferedTests() override { return unoffered; }
   std::vector<std::string> GetProblems() override { return problems; }
+  std::string TakeServerFailure() override { return std::exchange(serverFailure, {}); }
   TRunResult Run(const std::string& id, const std::string& label) override {
     runs.push_back(id + "|" + label);
     duringRun();
