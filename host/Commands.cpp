@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "host/Label.h"
+#include "host/Remedy.h"
 #include "host/TJsonReport.h"
 #include "host/TTextReport.h"
 #include "host/TerminateHandler.h"
@@ -75,7 +76,8 @@ EExitStatus TCommand::CheckOutput(EExitStatus status) {
 
 // Shows those that have come since the last call, and keeps them all for the report.
 void TCommand::ShowProblems(std::vector<std::string>& shown) {
-  for (std::string& problem : m_diagnostics.GetProblems()) {
+  for (std::string problem : m_diagnostics.GetProblems()) {
+    if (!m_server.empty()) problem = AddRemedy(problem);
     if (std::find(shown.begin(), shown.end(), problem) != shown.end()) continue;
     Complain(problem);
     shown.push_back(std::move(problem));
@@ -137,7 +139,7 @@ std::string TCommand::TellEnd(const std::vector<TTest>& tests, TRunReport run,
 void TCommand::ComplainOf(const TTestReport& report) {
   const std::string reason = DescribeReason(report);
   if (!reason.empty()) {
-    Complain(report.test.id + ": " + reason);
+    Complain(report.test.id + ": " + AddRemedy(reason));
     return;
   }
   Complain(report.test.id + ": could not run or did not finish: " +
@@ -209,6 +211,7 @@ EExitStatus TCommand::Run() {
     ShowUnoffered(GetUnoffered());
   }
   const std::unique_ptr<IReport> report = MakeReport(m_around.out);
+  if (!tests.empty()) m_around.beginTests();
   RunAll(tests, *report, run);
   std::vector<EOutcome> outcomes;
   for (const TTestReport& test : run.tests) outcomes.push_back(test.outcome);

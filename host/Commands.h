@@ -20,6 +20,7 @@ struct TSurroundings {
   std::function<bool()> isOutputGood;  ///< Whether all that was written to `out` arrived.
   std::function<std::chrono::system_clock::time_point()> wallClock;
   std::function<std::chrono::steady_clock::time_point()> steadyClock;
+  std::function<void()> beginTests = [] {};  ///< Called once, before the first test is started.
 };
 
 /// Carries out the command of `options`, writes what it found to standard output and everything

@@ -17,6 +17,7 @@
 #include "host/Credentials.h"
 #include "host/Progress.h"
 #include "host/Prompt.h"
+#include "host/Remedy.h"
 #include "host/TBlockedSignals.h"
 #include "host/TOutputRedirect.h"
 #include "host/TRunnerDiagnostics.h"
@@ -140,8 +141,20 @@ EExitStatus RunOnPlatform(const TOptions& options, TCredentials credentials,
                                    [&watch] { return watch && watch->IsInterrupted(); },
                                    &IsOutputGood,
                                    &std::chrono::system_clock::now,
-                                   &std::chrono::steady_clock::now};
+                                   &std::chrono::steady_clock::now,
+                                   [&watch] {
+                                     if (watch) watch->BeginTests();
+                                   }};
   return RunCommand(options, diagnostics, surroundings);
+}
+
+EExitStatus RunOptions(const TOptions& options, TCredentials credentials) {
+  // The other commands start nothing that has to be ended, so signals end them as usual.
+  if (options.command != ECommand::kRun) {
+    return RunOnPlatform(options, std::move(credentials), nullptr);
+  }
+  const TBlockedSignals signals;
+  return RunOnPlatform(options, std::move(credentials), &signals);
 }
 
 EExitStatus RunArguments(const std::vector<std::string>& arguments) {
@@ -155,12 +168,12 @@ EExitStatus RunArguments(const std::vector<std::string>& arguments) {
   if (options->server) CheckServerFiles(*options->server);
   TCredentials credentials = GetCredentials(*options, std::move(environment));
   WarnOfInsecurity(*options);
-  // The other commands start nothing that has to be ended, so signals end them as usual.
-  if (options->command != ECommand::kRun) {
-    return RunOnPlatform(*options, std::move(credentials), nullptr);
+  if (!options->server) return RunOptions(*options, std::move(credentials));
+  try {
+    return RunOptions(*options, std::move(credentials));
+  } catch (const TQELException& e) {
+    throw TQELException(e.GetStatusCode(), AddRemedy(e.what()));
   }
-  const TBlockedSignals signals;
-  return RunOnPlatform(*options, std::move(credentials), &signals);
 }
 
 }  // namespace

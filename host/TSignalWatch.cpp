@@ -14,6 +14,8 @@
 #include <cstring>
 #include <system_error>
 
+#include "host/ExitStatus.h"
+
 namespace host {
 namespace {
 
@@ -69,7 +71,21 @@ void TSignalWatch::Watch() {
   }
 }
 
+void TSignalWatch::BeginTests() {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  m_hasBegun = true;
+}
+
+// Under the lock, so that no test begins meanwhile.
+void TSignalWatch::LeaveUnlessBegun() {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  if (m_hasBegun) return;
+  Say("diagsrun: interrupted before any test was started\n");
+  ::_exit(static_cast<int>(EExitStatus::kNotFinished));
+}
+
 void TSignalWatch::HandleSignal(int signal) {
+  LeaveUnlessBegun();
   if (m_isInterrupted.exchange(true)) {
     WaitForOneMoreKill();
     EndBy(signal);

@@ -13,10 +13,11 @@ namespace host {
 
 /// Ends running tests when a signal asks for it.
 ///
-/// The first signal makes IsInterrupted() true and calls `kill`, again every second until the
-/// watch ends: a test may have been about to start. A second signal ends the process by that
-/// signal, after one more call that is given two seconds.
-/// Threads: has two of its own; `kill` is called on one of them.
+/// Before BeginTests() there is nothing to end: a signal ends the process at once, with a line on
+/// standard error and the status of a run that did not finish. Afterwards, the first signal makes
+/// IsInterrupted() true and calls `kill`, again every second until the watch ends: a test may have
+/// been about to start. A second signal ends the process by that signal, after one more call that
+/// is given two seconds. Threads: has two of its own; `kill` is called on one of them.
 class TSignalWatch {
  public:
   /// `signals` and what `kill` uses must outlive the watch.
@@ -26,6 +27,9 @@ class TSignalWatch {
   TSignalWatch(const TSignalWatch&) = delete;
   TSignalWatch& operator=(const TSignalWatch&) = delete;
 
+  /// From now on there may be a test to end.
+  void BeginTests();
+
   bool IsInterrupted() const { return m_isInterrupted; }
 
  private:
@@ -33,6 +37,7 @@ class TSignalWatch {
   void KillRepeatedly();
   void HandleSignal(int signal);
   void WaitForOneMoreKill();
+  void LeaveUnlessBegun();
   [[noreturn]] static void EndBy(int signal);
 
   std::function<void()> m_kill;
@@ -42,6 +47,7 @@ class TSignalWatch {
   std::mutex m_mutex;
   std::condition_variable m_changed;
   bool m_isStopping = false;
+  bool m_hasBegun = false;
   unsigned int m_wanted = 0;  ///< Calls of `kill` that were asked for ...
   unsigned int m_done = 0;    ///< ... and the number of the last request that a call has served.
   std::thread m_killer;

@@ -37,7 +37,8 @@ class CommandsTest : public ::testing::Test {
         [this] { return m_isInterrupted; },
         [this] { return m_out.good(); },
         [] { return std::chrono::system_clock::from_time_t(0); },
-        [this] { return std::chrono::steady_clock::time_point(m_time += m_step); }};
+        [this] { return std::chrono::steady_clock::time_point(m_time += m_step); },
+        [this] { m_runsBeforeBegin.push_back(m_fake.runs.size()); }};
     return static_cast<int>(RunCommand(m_options, m_fake, surroundings));
   }
 
@@ -51,6 +52,7 @@ class CommandsTest : public ::testing::Test {
   std::ostringstream m_out;
   std::ostringstream m_err;
   bool m_isInterrupted = false;
+  std::vector<std::size_t> m_runsBeforeBegin;  // Tests that had run at each "tests begin".
   std::chrono::milliseconds m_step{250};
   std::chrono::milliseconds m_time{0};
 };
@@ -169,6 +171,17 @@ TEST_F(CommandsTest, RunKeepsEveryProblemForItsDocument) {
   m_fake.duringRun = [this] { m_fake.problems = {"before", "after"}; };
   Run({"#1"});
   EXPECT_THAT(m_out.str(), HasSubstr("\"problems\": [\n    \"before\",\n    \"after\"\n  ]"));
+}
+
+TEST_F(CommandsTest, RunSaysOnceThatItsTestsBeginBeforeTheFirst) {
+  EXPECT_EQ(Run({"#1", "#1"}), 0);
+  EXPECT_THAT(m_runsBeforeBegin, ElementsAre(0U));
+}
+
+TEST_F(CommandsTest, ListBeginsNoTests) {
+  m_options.command = ECommand::kList;
+  EXPECT_EQ(Do(), 0);
+  EXPECT_THAT(m_runsBeforeBegin, IsEmpty());
 }
 
 TEST_F(CommandsTest, RunStartsNothingWhenOneIdIsUnknown) {
@@ -316,6 +329,14 @@ TEST_F(ServerCommandsTest, AVerdictOrARecordCountsMoreThanAFailureOfTheServer) {
   m_fake.duringRun = [this] { m_fake.serverFailure = "lost and found"; };
   EXPECT_EQ(Run({"#1", "#2", "#3"}), 2);
   EXPECT_THAT(m_out.str() + m_err.str(), Not(HasSubstr("lost and found")));
+}
+
+TEST_F(ServerCommandsTest, ProblemsNameTheOptionsThatHelp) {
+  m_fake.problems = {"https://node7: no time was left for the request"};
+  EXPECT_EQ(Run({"#1"}), 0);
+  EXPECT_EQ(
+      m_err.str(),
+      "diagsrun: https://node7: no time was left for the request (--total-timeout SECONDS)\n");
 }
 
 TEST_F(ServerCommandsTest, InspectSaysWhereTheClassIsMissing) {

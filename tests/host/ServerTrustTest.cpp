@@ -37,7 +37,7 @@ class ServerTrustTest : public TServerFixture {
 
 TEST_F(ServerTrustTest, ACertificateOfAnUnknownAuthorityIsRefused) {
   StartServer(WithCertificate(m_ca.GetServer()));
-  ExpectRefusal(RunOnServer({"list"}), "certificate");
+  ExpectRefusal(RunOnServer({"list"}), "insecure mode (--ca FILE, or --insecure)\n");
 }
 
 TEST_F(ServerTrustTest, ACertificateForAnotherHostIsRefused) {
@@ -94,7 +94,9 @@ TEST_F(ServerTrustTest, AWrongPasswordIsRefusedAndNotRepeated) {
 
 TEST_F(ServerTrustTest, AMissingPasswordIsAskedForByItsServer) {
   StartServer(WithPassword());
-  ExpectRefusal(RunOnServer({"list"}), "a user and a password are needed");
+  const TFinished finished = RunOnServer({"list"});
+  ExpectRefusal(finished, "a user and a password are needed");
+  ExpectRefusal(finished, " (--user NAME, or --credentials FILE)\n");
 }
 
 TEST_F(ServerTrustTest, ThePasswordOfThePromptIsTaken) {

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/Remedy.h"
+
+#include <algorithm>
+#include <array>
+
+namespace host {
+namespace {
+
+struct TRemedy {
+  const char* phrase;  // As the platform words it, whatever the host.
+  const char* suffix;
+};
+
+// The first phrase that is found counts.
+constexpr std::array<TRemedy, 17> kRemedies{{
+    {"; give the file of its certificate authority", " (--ca FILE, or --insecure)"},
+    {"; it was not issued by an authority in ", " (--ca FILE, or --insecure)"},
+    {", or ask for insecure mode", " (--insecure)"},
+    {"the server may want a client certificate", " (--client-cert FILE, --client-key FILE)"},
+    {"did not take the client certificate", " (--client-cert FILE, --client-key FILE)"},
+    {"refuses our client certificate", " (--client-cert FILE, --client-key FILE)"},
+    {"a user and a password are needed", " (--user NAME, or --credentials FILE)"},
+    {"the user or password is refused", " (--user NAME, or --credentials FILE)"},
+    {"the local user is refused", " (--user NAME, or --credentials FILE)"},
+    {"; this user may not use the server", " (--user NAME, or --credentials FILE)"},
+    {"no connection within ", " (--connect-timeout SECONDS)"},
+    {"no complete answer within ",
+     " (--request-timeout SECONDS; --method-timeout SECONDS for a method call)"},
+    {"no time was left for the request", " (--total-timeout SECONDS)"},
+    {"for one answer, which can be raised", " (--max-reply MB)"},
+    {"; the server does not support this request", "; is this a CIM server?"},
+    {"; no CIM server is at this path", "; is this a CIM server?"},
+    {"the server does not speak TLS on this port", " (--server http://...)"},
+}};
+
+bool Holds(const std::string& text, const char* part) {
+  return text.find(part) != std::string::npos;
+}
+
+}  // namespace
+
+std::string AddRemedy(const std::string& text) {
+  const auto found = std::find_if(kRemedies.begin(), kRemedies.end(), [&](const TRemedy& remedy) {
+    return Holds(text, remedy.phrase);
+  });
+  if (found == kRemedies.end() || Holds(text, found->suffix)) return text;
+  return text + found->suffix;
+}
+
+}  // namespace host

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+namespace host {
+
+/// `text`, which tells of a CIM server's failure, with the options of the command behind it that
+/// would help; as it is when there are none, or when it names them already.
+std::string AddRemedy(const std::string& text);
+
+}  // namespace host
