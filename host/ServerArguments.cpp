@@ -161,10 +161,10 @@ void CheckFile(const char* option, const std::string& name) {
 void AddServerOptions(CLI::App& app, TServerArguments& arguments) {
   NZEPQEL20::TServerOptions& options = arguments.options;
   AddText(app, kServer, options.url, "URL",
-          "Use the tests of this CIM server: http://HOST[:PORT], https://HOST[:PORT] or "
-          "unix:///SOCKET");
+          "Use the tests of this CIM server: http://HOST[:PORT][/PATH], "
+          "https://HOST[:PORT][/PATH] (/cimom) or unix:///SOCKET");
   AddText(app, "--user", options.user, "NAME",
-          "User of the server (else $DIAGSRUNNER_SERVER_USER)");
+          "User of the server (else $DIAGSRUNNER_SERVER_USER); not with --credentials");
   AddText(app, "--credentials", arguments.credentialsFile, "FILE",
           "Read user=... and password=... from FILE, which is nobody else's to read");
   AddText(app, "--ca", options.caFile, "FILE", "Trust the certificates in FILE, not the system's");

@@ -30,6 +30,9 @@ const std::map<std::string, EProgress>& GetProgressModes() {
   return modes;
 }
 
+constexpr char kGlobals[] =
+    "The options of every command (see diagsrun --help) may stand behind this one as well.\n\n";
+
 std::string MakeFooter() {
   std::string footer = "Exit status:";
   for (const TExitStatusText& text : GetExitStatusTexts()) {
@@ -135,7 +138,7 @@ TCommandLine::TCommandLine()
   AddInspect();
   const std::string footer = MakeFooter();
   m_app->footer(footer);
-  for (CLI::App* command : m_app->get_subcommands({})) command->footer(footer);
+  for (CLI::App* command : m_app->get_subcommands({})) command->footer(kGlobals + footer);
 }
 
 TCommandLine::~TCommandLine() = default;
@@ -145,7 +148,7 @@ void TCommandLine::AddGlobalOptions() {
           "Installation root (else $DIAGSRUNNER_ROOT, else below the install prefix)");
   AddText(*m_app, "--namespace", m_options.nameSpace, "NS",
           "CIM namespace to look in (root/cimv2)");
-  AddText(*m_app, "--log", m_options.logFile, "FILE", "Write a log to FILE; - for standard error");
+  AddText(*m_app, "--log", m_options.logFile, "FILE", "Append a log to FILE; - for standard error");
   AddChoice(*m_app, "--log-level", m_options.logLevel, "How much to log (info)", GetLevels(),
             "error|warning|info|trace");
   AddServerOptions(*m_app, m_server);

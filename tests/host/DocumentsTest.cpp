@@ -69,6 +69,22 @@ TEST(DocumentsTest, ManualHelpAndCompletionHaveEveryOption) {
   EXPECT_GE(count, 15U);
 }
 
+TEST(DocumentsTest, TheHelpOfACommandPointsToTheOptionsOfEveryCommand) {
+  const TCommandLine commandLine;
+  for (const char* command : {"list", "run", "inspect"}) {
+    EXPECT_THAT(commandLine.GetHelp(command), HasSubstr("(see diagsrun --help) may stand behind"));
+  }
+}
+
+TEST(DocumentsTest, HelpAndManualTellWhereAUrlLeadsAndWhatALogIs) {
+  const std::string help = TCommandLine().GetHelp("");
+  const std::string manual = ReadManual();
+  EXPECT_THAT(help, HasSubstr("https://HOST[:PORT][/PATH] (/cimom)"));
+  EXPECT_THAT(help, HasSubstr("Append a log"));
+  EXPECT_THAT(manual, HasSubstr("Append a log"));
+  EXPECT_THAT(manual, HasSubstr("a path left out is /cimom"));
+}
+
 TEST(DocumentsTest, TheManualHasEveryJsonKey) {
   const std::string manual = ReadManual();
   for (const char* key :
