@@ -69,14 +69,18 @@ TEST_F(ServerInterruptionTest, CtrlCLeavesTheTestsOfOthersAlone) {
 }
 
 TEST_F(ServerInterruptionTest, AServerThatEndsInTheMiddleIsAnErrorAndNeverAPass) {
-  TSubprocess command(MakeServerCommand({"run", FindTests("Processor Short Stress,cpu0,").at(0)}));
+  const std::string id = FindTests("Processor Short Stress,cpu0,").at(0);
+  TSubprocess command(MakeServerCommand({"run", id, id}));
   const std::vector<pid_t> processes = WaitForSleepers(1);
   ASSERT_THAT(processes, SizeIs(1));
   KillServer();
   EXPECT_EQ(command.Wait(), 2);
-  EXPECT_THAT(command.GetOut(), HasSubstr(": 0 passed, 0 failed, 1 could not run or finish"));
+  EXPECT_THAT(command.GetOut(), HasSubstr(": 0 passed, 0 failed, 2 could not run or finish"));
   EXPECT_THAT(command.GetErr(), HasSubstr(": could not run or did not finish: "));
   EXPECT_THAT(command.GetErr(), HasSubstr(GetUrl() + ": "));
+  // The test that follows has a reason of its own.
+  EXPECT_THAT(command.GetErr(),
+              HasSubstr(GetUrl() + ": no connection: Failed to connect to 127.0.0.1"));
   EXPECT_THAT(command.GetErr(), HasSubstr("; the test may still be going on at the server"));
   EXPECT_THAT(command.GetOut() + command.GetErr(), Not(HasSubstr("No matching")));
   for (const pid_t process : processes) ::kill(process, SIGKILL);
