@@ -39,7 +39,7 @@ std::shared_ptr<const TCIMClassDeclaration> TModelContext::FindDeclaration(
   }
 }
 
-void TModelContext::SetRouter(const boost::weak_ptr<TRoutingNamespace>& router) {
+void TModelContext::SetRouter(const boost::shared_ptr<TRoutingNamespace>& router) {
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_router = router;
 }

@@ -36,7 +36,7 @@ class TModelContext {
       const std::string& nameSpace, const std::string& className) noexcept;
 
   /// The namespace that leads to the other connections; may be gone or never set.
-  void SetRouter(const boost::weak_ptr<TRoutingNamespace>& router);
+  void SetRouter(const boost::shared_ptr<TRoutingNamespace>& router);
   /// The namespace that `keys` chooses among all connections.
   /// Errors: TQELException naming the "nspID" when nothing routes it.
   boost::shared_ptr<ICIMNamespace> Route(const TKeyMap& keys) const;
