@@ -166,8 +166,7 @@ TCIMValue TCIMXMLOperations::TParts::Invoke(TCIMXMLOperations& operations,
   TKeyMap results = ConvertResults(reply.parameters, declared, question);
   TCIMValue result = std::move(reply.returnValue);
   if (declared != nullptr) {
-    result =
-        Convert(*declared, std::move(result), question.nameSpace, question.what + ": its result");
+    result = Convert(*declared, result, question.nameSpace, question.what + ": its result");
   }
   parameters.swap(results);
   return result;
