@@ -88,11 +88,11 @@ TEST(DocumentsTest, HelpAndManualTellWhereAUrlLeadsAndWhatALogIs) {
 TEST(DocumentsTest, TheManualHasEveryJsonKey) {
   const std::string manual = ReadManual();
   for (const char* key :
-       {"format",  "command",   "tests",     "number",    "id",       "service", "device",
-        "element", "unoffered", "reason",    "remedy",    "problems", "status",  "interrupted",
-        "outcome", "answer",    "started",   "seconds",   "record",   "path",    "completionState",
-        "data",    "summary",   "selected",  "passed",    "failed",   "errors",  "notRun",
-        "server",  "class",   "known",     "instances", "properties"}) {
+       {"format",  "command",   "tests",    "number",    "id",        "service", "device",
+        "element", "unoffered", "reason",   "remedy",    "problems",  "status",  "interrupted",
+        "outcome", "answer",    "started",  "seconds",   "record",    "path",    "completionState",
+        "data",    "summary",   "selected", "passed",    "failed",    "errors",  "notRun",
+        "server",  "class",     "known",    "instances", "properties"}) {
     EXPECT_THAT(manual, HasSubstr(key));
   }
 }

@@ -77,7 +77,8 @@ TEST_P(ServerTimedTest, TheDocumentIsWholeWhereTheProgressGoes) {
   EXPECT_EQ(document["status"], 2);
   EXPECT_EQ(document["tests"][0]["outcome"], "error");
   EXPECT_THAT(document["tests"][0]["answer"], HasSubstr(GetParam().reason));
-  EXPECT_THAT(finished.err, EndsWith("; the test's outcome is not known\n"));
+  // The progress of the main thread may still come behind it.
+  EXPECT_THAT(finished.err, HasSubstr("; the test's outcome is not known\n"));
 }
 
 TEST_P(ServerTimedTest, ATestWithoutADurationHasTheSameFaultInItsReport) {

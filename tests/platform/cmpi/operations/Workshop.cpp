@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A provider that tells in its answers what it was asked.
+#include <atomic>
 #include <cstring>
 #include <iomanip>
 #include <mutex>
@@ -13,7 +14,13 @@
 
 namespace {
 
-const CMPIBroker* broker = nullptr;
+// Set by each of the functions that make a provider, while others may be serving.
+std::atomic<const CMPIBroker*> heldBroker{nullptr};
+
+const CMPIBroker* Broker() {
+  return heldBroker;
+}
+
 std::mutex mutex;
 std::string last;      // What was last made, changed or deleted.
 std::string cleanups;  // A letter per cleaned part, capital when the process ends.
@@ -41,12 +48,12 @@ std::string IdOf(const CMPIObjectPath* path) {
 }
 
 CMPIStatus Fail(CMPIrc code, const char* message) {
-  return {code, broker->eft->newString(broker, message, nullptr)};
+  return {code, Broker()->eft->newString(Broker(), message, nullptr)};
 }
 
 CMPIObjectPath* NewPath(const CMPIObjectPath* asked, const char* className) {
   const std::string ns = TextOf(asked->ft->getNameSpace(asked, nullptr));
-  return broker->eft->newObjectPath(broker, ns.c_str(), className, nullptr);
+  return Broker()->eft->newObjectPath(Broker(), ns.c_str(), className, nullptr);
 }
 
 CMPIObjectPath* NewPart(const CMPIObjectPath* asked, const char* className) {
@@ -58,7 +65,7 @@ CMPIObjectPath* NewPart(const CMPIObjectPath* asked, const char* className) {
 // Its path has no keys: the broker is to make them from the properties.
 CMPIInstance* NewPartInstance(const CMPIObjectPath* asked, const char* className,
                               const std::string& note) {
-  CMPIInstance* instance = broker->eft->newInstance(broker, NewPath(asked, className), nullptr);
+  CMPIInstance* instance = Broker()->eft->newInstance(Broker(), NewPath(asked, className), nullptr);
   instance->ft->setProperty(instance, "Id", Chars(std::string(className) + "-1"), CMPI_chars);
   instance->ft->setProperty(instance, "Note", Chars(note), CMPI_chars);
   return instance;
@@ -129,7 +136,7 @@ CMPIStatus GetInstance(CMPIInstanceMI*, const CMPIContext* context, const CMPIRe
     const CMPIObjectPath* next =
         IdOf(path) == "endless" ? path : NewPart(path, ClassOf(path).c_str());
     CMPIStatus rc = {CMPI_RC_OK, nullptr};
-    CMPIInstance* inner = broker->bft->getInstance(broker, context, next, nullptr, &rc);
+    CMPIInstance* inner = Broker()->bft->getInstance(Broker(), context, next, nullptr, &rc);
     if (inner != nullptr) result->ft->returnInstance(result, inner);
     return rc;
   }
@@ -191,7 +198,7 @@ CMPIStatus AssociatorNames(CMPIAssociationMI*, const CMPIContext*, const CMPIRes
 }
 
 CMPIInstance* NewFit(const CMPIObjectPath* path) {
-  CMPIInstance* fit = broker->eft->newInstance(broker, NewPath(path, "W_Fits"), nullptr);
+  CMPIInstance* fit = Broker()->eft->newInstance(Broker(), NewPath(path, "W_Fits"), nullptr);
   CMPIObjectPath* right = NewPart(path, "W_Nut");
   fit->ft->setProperty(fit, "Left", In(path), CMPI_ref);
   fit->ft->setProperty(fit, "Right", In(right), CMPI_ref);
@@ -227,14 +234,14 @@ void Echo(const CMPIArgs* in, CMPIArgs* out) {
 
 // How many objects the broker finds beside `target`, by all four upcalls.
 CMPIUint32 CountNeighbours(const CMPIContext* context, const CMPIObjectPath* target) {
-  const CMPIBrokerFT& bft = *broker->bft;
+  const CMPIBrokerFT& bft = *Broker()->bft;
   CMPIUint32 count = 0;
   for (CMPIEnumeration* found :
-       {bft.associators(broker, context, target, "W_Fits", nullptr, nullptr, nullptr, nullptr,
+       {bft.associators(Broker(), context, target, "W_Fits", nullptr, nullptr, nullptr, nullptr,
                         nullptr),
-        bft.associatorNames(broker, context, target, nullptr, "W_Nut", nullptr, nullptr, nullptr),
-        bft.references(broker, context, target, nullptr, "Left", nullptr, nullptr),
-        bft.referenceNames(broker, context, target, "W_Fits", nullptr, nullptr)}) {
+        bft.associatorNames(Broker(), context, target, nullptr, "W_Nut", nullptr, nullptr, nullptr),
+        bft.references(Broker(), context, target, nullptr, "Left", nullptr, nullptr),
+        bft.referenceNames(Broker(), context, target, "W_Fits", nullptr, nullptr)}) {
     if (found == nullptr) continue;
     const CMPIArray* all = found->ft->toArray(found, nullptr);
     count = count * 10 + all->ft->getSize(all, nullptr);
@@ -251,7 +258,7 @@ CMPIStatus InvokeMethod(CMPIMethodMI*, const CMPIContext* context, const CMPIRes
     out->ft->addArg(out, "Seen", Chars("half done"), CMPI_chars);
     return Fail(CMPI_RC_ERR_METHOD_NOT_AVAILABLE, "not today");
   }
-  if (std::strcmp(method, "Leave") == 0) broker->xft->exitThread(nullptr);
+  if (std::strcmp(method, "Leave") == 0) Broker()->xft->exitThread(nullptr);
   if (std::strcmp(method, "Nothing") == 0) return {CMPI_RC_OK, nullptr};
   if (std::strcmp(method, "Neighbours") == 0) answer = CountNeighbours(context, target);
   if (std::strcmp(method, "Instance") == 0) {
@@ -282,7 +289,7 @@ WORKSHOP_EXPORT CMPIInstanceMI* Workshop_Create_InstanceMI(const CMPIBroker* mb,
                                        nullptr,
                                        nullptr};
   static CMPIInstanceMI mi{nullptr, &kTable};
-  broker = mb;
+  heldBroker = mb;
   return &mi;
 }
 
@@ -294,7 +301,7 @@ WORKSHOP_EXPORT CMPIAssociationMI* Workshop_Create_AssociationMI(const CMPIBroke
                                           References,     ReferenceNames,
                                           nullptr,        nullptr};
   static CMPIAssociationMI mi{nullptr, &kTable};
-  broker = mb;
+  heldBroker = mb;
   return &mi;
 }
 
@@ -302,7 +309,7 @@ WORKSHOP_EXPORT CMPIMethodMI* Workshop_Create_MethodMI(const CMPIBroker* mb, con
                                                        CMPIStatus*) {
   static const CMPIMethodMIFT kTable{CMPIVersion100, 0, "Workshop", CleanupMethod, InvokeMethod};
   static CMPIMethodMI mi{nullptr, &kTable};
-  broker = mb;
+  heldBroker = mb;
   return &mi;
 }
 
