@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Enumerating generated instances of 20 properties from a CIM server in another process, by user
 // time: against expat alone over the bytes of the same replies, and against wbemcli.
-#include <expat.h>
 #include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,9 +11,9 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <type_traits>
 #include <vector>
 
+#include "bench/BareExpat.h"
 #include "bench/Programs.h"
 #include "bench/Ratio.h"
 #include "platform/cimxml/TCIMXMLOperations.h"
@@ -29,6 +28,9 @@ using NZEPQEL20::TServerOptions;
 
 constexpr char kNamespace[] = "root/cimv2";
 constexpr char kClass[] = "BENCH_Record";
+
+// What a reply arrives in.
+constexpr std::size_t kArrivalBytes = 16384;
 
 // The style of the server: with pull operations and chunks, or with neither.
 const char* GetStyle(const benchmark::State& state) {
@@ -112,29 +114,6 @@ std::vector<std::string> FetchReplies(const std::string& url, bool hasPull) {
   return replies;
 }
 
-void ParseBare(const std::string& document) {
-  const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> parser(
-      XML_ParserCreate(nullptr), &XML_ParserFree);
-  XML_SetElementHandler(
-      parser.get(),
-      [](void*, const XML_Char* name, const XML_Char** pairs) {
-        benchmark::DoNotOptimize(name);
-        benchmark::DoNotOptimize(pairs);
-      },
-      [](void*, const XML_Char* name) { benchmark::DoNotOptimize(name); });
-  XML_SetCharacterDataHandler(parser.get(), [](void*, const XML_Char* text, int length) {
-    benchmark::DoNotOptimize(text);
-    benchmark::DoNotOptimize(length);
-  });
-  // In pieces, as a reply arrives.
-  constexpr std::size_t kPiece = 16384;
-  for (std::size_t at = 0; at < document.size(); at += kPiece) {
-    const std::size_t size = std::min(kPiece, document.size() - at);
-    XML_Parse(parser.get(), document.data() + at, static_cast<int>(size),
-              at + size == document.size() ? 1 : 0);
-  }
-}
-
 // Arguments: instances, style.
 void BM_EnumerateAgainstExpat(benchmark::State& state) {
   TCIMXMLOperations operations(MakeOptions(GetServer(state)), kNamespace);
@@ -145,7 +124,7 @@ void BM_EnumerateAgainstExpat(benchmark::State& state) {
   bench::MeasureRatio(
       state, [&operations] { Enumerate(operations); },
       [&replies] {
-        for (const std::string& reply : replies) ParseBare(reply);
+        for (const std::string& reply : replies) bench::ParseBare(reply, kArrivalBytes);
       },
       [] { return bench::GetUserSeconds(RUSAGE_SELF); });
   std::size_t bytes = 0;

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // TXmlParser with an empty derived parser against expat alone, over the same bytes.
-#include <expat.h>
 #include <sys/resource.h>
 
-#include <memory>
 #include <string>
-#include <type_traits>
 
+#include "bench/BareExpat.h"
 #include "bench/Ratio.h"
 #include "platform/contract/TXmlParser.h"
 
@@ -46,23 +44,6 @@ std::string MakeCatalogue(std::size_t bytes) {
   return text + "</diaganalysis>\n";
 }
 
-void ParseBare(const std::string& document) {
-  const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> parser(
-      XML_ParserCreate(nullptr), &XML_ParserFree);
-  XML_SetElementHandler(
-      parser.get(),
-      [](void*, const XML_Char* name, const XML_Char** pairs) {
-        benchmark::DoNotOptimize(name);
-        benchmark::DoNotOptimize(pairs);
-      },
-      [](void*, const XML_Char* name) { benchmark::DoNotOptimize(name); });
-  XML_SetCharacterDataHandler(parser.get(), [](void*, const XML_Char* text, int length) {
-    benchmark::DoNotOptimize(text);
-    benchmark::DoNotOptimize(length);
-  });
-  XML_Parse(parser.get(), document.data(), static_cast<int>(document.size()), 1);
-}
-
 long GetPeakKilobytes() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
@@ -80,7 +61,7 @@ void BM_XmlParserAgainstExpat(benchmark::State& state) {
         parser.Parse(document.data(), document.size());
         if (!parser.m_error.empty()) state.SkipWithError(parser.m_error.c_str());
       },
-      [&document] { ParseBare(document); });
+      [&document] { bench::ParseBare(document); });
   state.counters["grown_kB"] = static_cast<double>(GetPeakKilobytes() - before);
 }
 BENCHMARK(BM_XmlParserAgainstExpat)
