@@ -16,15 +16,6 @@ using cimxml::TRequestText;
 
 namespace {
 
-const TCIMParameterDeclaration* FindParameter(const TCIMMethodDeclaration* method,
-                                              const std::string& name) {
-  if (method == nullptr) return nullptr;
-  for (const TCIMParameterDeclaration& parameter : method->parameters) {
-    if (IsSameName(parameter.name, name)) return &parameter;
-  }
-  return nullptr;
-}
-
 const TCIMValue* FindArgument(const TKeyMap& arguments, const std::string& name) {
   for (const auto& [key, value] : arguments) {
     if (IsSameName(key, name)) return &value;

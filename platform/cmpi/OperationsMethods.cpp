@@ -10,15 +10,6 @@ using namespace cmpi;
 
 namespace {
 
-const TCIMParameterDeclaration* FindParameter(const TCIMMethodDeclaration* method,
-                                              const std::string& name) {
-  if (method == nullptr) return nullptr;
-  for (const TCIMParameterDeclaration& parameter : method->parameters) {
-    if (IsSameName(parameter.name, name)) return &parameter;
-  }
-  return nullptr;
-}
-
 /// In-parameters of the declared types.
 TNamedValues ConvertParameters(const TKeyMap& parameters, const TCIMMethodDeclaration* method,
                                const std::string& what) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/model/Typing.h"
 
+#include "platform/contract/TCIMInstanceData.h"
 #include "platform/contract/TQELException.h"
 #include "platform/model/DateTimeText.h"
 
@@ -95,6 +96,15 @@ TCIMReference ConvertKeys(const TCIMReference& path, const TCIMClassDeclaration*
     }
   }
   return converted;
+}
+
+const TCIMParameterDeclaration* FindParameter(const TCIMMethodDeclaration* method,
+                                              const std::string& name) {
+  if (method == nullptr) return nullptr;
+  for (const TCIMParameterDeclaration& parameter : method->parameters) {
+    if (IsSameName(parameter.name, name)) return &parameter;
+  }
+  return nullptr;
 }
 
 }  // namespace NZEPQEL20

@@ -18,4 +18,9 @@ TCIMValue ConvertTo(const TCIMElementDeclaration& declared, const TCIMValue& val
 /// be converted stays as it is: the provider will not find it.
 TCIMReference ConvertKeys(const TCIMReference& path, const TCIMClassDeclaration* declaration);
 
+/// The declared parameter called `name`, compared without case; null when there is none, or no
+/// declaration of the method.
+const TCIMParameterDeclaration* FindParameter(const TCIMMethodDeclaration* method,
+                                              const std::string& name);
+
 }  // namespace NZEPQEL20
