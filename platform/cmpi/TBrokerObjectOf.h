@@ -2,8 +2,10 @@
 #pragma once
 
 #include <memory>
+#include <new>
 
 #include "platform/cmpi/Border.h"
+#include "platform/cmpi/EndedObjects.h"
 #include "platform/cmpi/TScope.h"
 
 namespace NZEPQEL20::cmpi {
@@ -13,6 +15,9 @@ namespace NZEPQEL20::cmpi {
 template <class TDerived, class TCMPI>
 class TBrokerObjectOf : public TBrokerObject, public TCMPI {
  public:
+  /// The handle of an ended object.
+  static constexpr const char* kEndedHandle = nullptr;
+
   TBrokerObjectOf() {
     // Old headers take an object whose first word is NULL for a null object.
     this->hdl = static_cast<const TCMPI*>(this);
@@ -22,7 +27,8 @@ class TBrokerObjectOf : public TBrokerObject, public TCMPI {
   /// The object behind `object`.
   /// Errors: TBrokerFault (CMPI_RC_ERR_INVALID_HANDLE) for NULL and for what the broker never made.
   static TDerived& From(const TCMPI* object) {
-    if (object == nullptr || object->hdl == nullptr || object->ft != &TDerived::kTable) {
+    if (object == nullptr || object->hdl == TDerived::kEndedHandle || object->hdl == nullptr ||
+        object->ft != &TDerived::kTable) {
       throw TBrokerFault(CMPI_RC_ERR_INVALID_HANDLE, "not an object of this broker");
     }
     // Providers hold their objects as const; the broker made every one of them non-const.
@@ -32,6 +38,14 @@ class TBrokerObjectOf : public TBrokerObject, public TCMPI {
   /// The object behind `object`, null for NULL.
   static TDerived* FromOrNull(const TCMPI* object) {
     return object == nullptr ? nullptr : &From(object);
+  }
+
+  /// An ended object leaves a shell for a while, which every function refuses: a provider that
+  /// kept the pointer beyond the object's life meets that, and not what came in its place.
+  static void operator delete(void* memory) noexcept {
+    void* const head = static_cast<char*>(memory) + sizeof(TBrokerObject);
+    new (head) TCMPI{TDerived::kEndedHandle, &TDerived::kTable};
+    KeepShell(memory);
   }
 
   static CMPIStatus Release(TCMPI* object) noexcept {

@@ -12,6 +12,9 @@ class TBrokerString : public TBrokerObjectOf<TBrokerString, CMPIString> {
  public:
   static const CMPIStringFT kTable;
 
+  /// Old headers read the text from here without asking.
+  static constexpr const char* kEndedHandle = kEndedText;
+
   explicit TBrokerString(std::string text) : m_text(std::move(text)) { hdl = m_text.c_str(); }
 
   const std::string& GetText() const { return m_text; }

@@ -45,6 +45,39 @@ TEST_F(BrokerScopesTest, ANestedCallEndsItsOwnObjectsOnly) {
   EXPECT_EQ(m_alive, 1);
 }
 
+TEST_F(BrokerScopesTest, AnEndedObjectRefusesEveryCallForAWhile) {
+  CMPIObjectPath* path = NewPath();
+  CMPIInstance* instance = NewInstance();
+  CMPIArgs* args = m_broker->eft->newArgs(m_broker, nullptr);
+  CMPIArray* array = m_broker->eft->newArray(m_broker, 1, CMPI_uint8, nullptr);
+  CMPIDateTime* time = m_broker->eft->newDateTime(m_broker, nullptr);
+  CMPIString* string = NewString("gone");
+  EndCall();
+  const auto expectRefused = [](CMPIStatus status) {
+    EXPECT_EQ(status.rc, CMPI_RC_ERR_INVALID_HANDLE);
+  };
+  path->ft->getKeyCount(path, &m_rc);
+  expectRefused(m_rc);
+  instance->ft->getPropertyCount(instance, &m_rc);
+  expectRefused(m_rc);
+  expectRefused(args->ft->addArg(args, "a", nullptr, CMPI_string));
+  expectRefused(array->ft->release(array));
+  time->ft->getBinaryFormat(time, &m_rc);
+  expectRefused(m_rc);
+  EXPECT_EQ(string->ft->getCharPtr(string, &m_rc), nullptr);
+  expectRefused(m_rc);
+  // Old headers ask nobody: they take the first word for the text, or for a null object.
+  EXPECT_STREQ(static_cast<const char*>(string->hdl), "");
+  EXPECT_EQ(path->hdl, nullptr);
+}
+
+TEST_F(BrokerScopesTest, ACloneThatIsReleasedTwiceIsRefusedTheSecondTime) {
+  CMPIString* string = NewString("kept");
+  CMPIString* clone = string->ft->clone(string, &m_rc);
+  EXPECT_EQ(clone->ft->release(clone).rc, CMPI_RC_OK);
+  EXPECT_EQ(clone->ft->release(clone).rc, CMPI_RC_ERR_INVALID_HANDLE);
+}
+
 TEST_F(BrokerScopesTest, ACloneOutlivesItsCall) {
   CMPIString* string = NewString("kept");
   CMPIString* clone = string->ft->clone(string, &m_rc);
