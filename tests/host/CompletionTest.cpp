@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/host/TTemporaryFolder.h"
+#include "tests/support/TTemporaryFolder.h"
 #include "tests/support/TSubprocess.h"
 
 namespace host {

@@ -8,7 +8,7 @@
 
 #include "host/Credentials.h"
 #include "host/TUsageError.h"
-#include "tests/host/TTemporaryFolder.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace host {
 namespace {

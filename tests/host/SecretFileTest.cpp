@@ -13,7 +13,7 @@
 #include "host/SecretFile.h"
 #include "host/TDescriptor.h"
 #include "host/TUsageError.h"
-#include "tests/host/TTemporaryFolder.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace host {
 namespace {

@@ -9,7 +9,7 @@
 #include "host/ServerArguments.h"
 #include "host/TCommandLine.h"
 #include "host/TUsageError.h"
-#include "tests/host/TTemporaryFolder.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace host {
 namespace {

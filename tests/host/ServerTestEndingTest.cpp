@@ -6,11 +6,11 @@
 
 #include <csignal>
 #include <nlohmann/json.hpp>
-#include <ostream>
 #include <string>
 #include <tuple>
 
 #include "tests/host/TServerFixture.h"
+#include "tests/host/TestEndings.h"
 
 namespace host {
 namespace {
@@ -19,26 +19,15 @@ using nlohmann::json;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-constexpr char kDevice[] = ",tst0,Test device";
-
-struct TServerEnding {
-  const char* service;
-  const char* answer;
-  const char* outcome;
-  int status;
-};
-void PrintTo(const TServerEnding& row, std::ostream* out) {
-  *out << row.service;
-}
-
 class ServerTestEndingTest
     : public TServerFixture,
-      public ::testing::WithParamInterface<std::tuple<std::string, TServerEnding>> {};
+      public ::testing::WithParamInterface<std::tuple<std::string, TEndingRow>> {};
 
 TEST_P(ServerTestEndingTest, HasTheWordTheOutcomeAndTheStatusOfALocalOne) {
   const auto& [style, row] = GetParam();
   StartServer({"--style", style}, DIAGSTEST_ROOT);
-  const TFinished finished = RunOnServer({"run", "--json", std::string(row.service) + kDevice});
+  const TFinished finished =
+      RunOnServer({"run", "--json", std::string(row.service) + kEndingDevice});
   EXPECT_EQ(finished.status, row.status) << finished.err;
   const json document = json::parse(finished.out);
   EXPECT_EQ(document["status"], row.status);
@@ -46,20 +35,12 @@ TEST_P(ServerTestEndingTest, HasTheWordTheOutcomeAndTheStatusOfALocalOne) {
   EXPECT_EQ(document["tests"][0]["answer"], row.answer);
   EXPECT_EQ(document["tests"][0]["outcome"], row.outcome);
 }
-INSTANTIATE_TEST_SUITE_P(
-    All, ServerTestEndingTest,
-    ::testing::Combine(::testing::Values<std::string>("pegasus", "sfcb"),
-                       ::testing::Values(TServerEnding{"TestPass", "Pass", "passed", 0},
-                                         TServerEnding{"TestFail", "Fail", "failed", 1},
-                                         TServerEnding{"TestAborted", "Aborted", "error", 2},
-                                         TServerEnding{"TestIncomplete", "Incomplete", "error", 2},
-                                         TServerEnding{"TestService", "Pass", "passed", 0},
-                                         TServerEnding{"TestNone", "No Status", "error", 2},
-                                         TServerEnding{"TestPolls", "Pass", "passed", 0},
-                                         TServerEnding{"TestNoRecord", "No Results.", "error", 2},
-                                         TServerEnding{"TestTimed", "Pass", "passed", 0},
-                                         TServerEnding{"TestBadText", "Pass", "passed", 0})),
-    [](const auto& row) { return std::get<0>(row.param) + std::get<1>(row.param).service; });
+INSTANTIATE_TEST_SUITE_P(All, ServerTestEndingTest,
+                         ::testing::Combine(::testing::Values<std::string>("pegasus", "sfcb"),
+                                            EveryEnding()),
+                         [](const auto& row) {
+                           return std::get<0>(row.param) + std::get<1>(row.param).service;
+                         });
 
 class ServerTestProviderTest : public TServerFixture {};
 
@@ -74,8 +55,8 @@ TEST_F(ServerTestProviderTest, ListsEveryTestOfTheProviderOnce) {
 TEST_F(ServerTestProviderTest, AnInterruptEndsATestThatWouldNeverEnd) {
   StartServer({}, DIAGSTEST_ROOT);
   TSubprocess command(
-      MakeServerCommand({"run", std::string("TestHang") + kDevice,
-                         std::string("TestPass") + kDevice, "--progress", "always"}));
+      MakeServerCommand({"run", std::string("TestHang") + kEndingDevice,
+                         std::string("TestPass") + kEndingDevice, "--progress", "always"}));
   ASSERT_TRUE(command.WaitForOutput("Percent Complete: "));
   command.Signal(SIGINT);
   EXPECT_EQ(command.Wait(), 2);

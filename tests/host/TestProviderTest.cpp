@@ -7,9 +7,9 @@
 #include <csignal>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <ostream>
 
 #include "tests/host/THostFixture.h"
+#include "tests/host/TestEndings.h"
 
 namespace host {
 namespace {
@@ -17,8 +17,6 @@ namespace {
 using nlohmann::json;
 using ::testing::HasSubstr;
 using ::testing::Not;
-
-constexpr char kDevice[] = ",tst0,Test device";
 
 class TestProviderTest : public THostFixture {
  protected:
@@ -29,21 +27,11 @@ class TestProviderTest : public THostFixture {
   }
 };
 
-struct TEndingRow {
-  const char* service;
-  const char* answer;
-  const char* outcome;
-  int status;
-};
-void PrintTo(const TEndingRow& row, std::ostream* out) {
-  *out << row.service;
-}
-
 class TestEndingTest : public TestProviderTest, public ::testing::WithParamInterface<TEndingRow> {};
 
 TEST_P(TestEndingTest, HasItsWordItsOutcomeAndItsStatus) {
   const TFinished finished =
-      RunToEnd(MakeRun({"run", "--json", std::string(GetParam().service) + kDevice}));
+      RunToEnd(MakeRun({"run", "--json", std::string(GetParam().service) + kEndingDevice}));
   EXPECT_EQ(finished.status, GetParam().status) << finished.err;
   const json document = json::parse(finished.out);
   EXPECT_EQ(document["status"], GetParam().status);
@@ -51,17 +39,7 @@ TEST_P(TestEndingTest, HasItsWordItsOutcomeAndItsStatus) {
   EXPECT_EQ(document["tests"][0]["answer"], GetParam().answer);
   EXPECT_EQ(document["tests"][0]["outcome"], GetParam().outcome);
 }
-INSTANTIATE_TEST_SUITE_P(All, TestEndingTest,
-                         ::testing::Values(TEndingRow{"TestPass", "Pass", "passed", 0},
-                                           TEndingRow{"TestFail", "Fail", "failed", 1},
-                                           TEndingRow{"TestAborted", "Aborted", "error", 2},
-                                           TEndingRow{"TestIncomplete", "Incomplete", "error", 2},
-                                           TEndingRow{"TestService", "Pass", "passed", 0},
-                                           TEndingRow{"TestNone", "No Status", "error", 2},
-                                           TEndingRow{"TestPolls", "Pass", "passed", 0},
-                                           TEndingRow{"TestNoRecord", "No Results.", "error", 2},
-                                           TEndingRow{"TestTimed", "Pass", "passed", 0},
-                                           TEndingRow{"TestBadText", "Pass", "passed", 0}),
+INSTANTIATE_TEST_SUITE_P(All, TestEndingTest, EveryEnding(),
                          [](const auto& row) { return row.param.service; });
 
 TEST_F(TestProviderTest, ListsEveryTestOfTheProviderOnce) {
@@ -76,7 +54,7 @@ TEST_F(TestProviderTest, ListsEveryTestOfTheProviderOnce) {
 TEST_F(TestProviderTest, AnErrorOutranksAFailureInOneRun) {
   const auto getStatus = [this](const std::vector<std::string>& services) {
     std::vector<std::string> arguments = {"run"};
-    for (const std::string& service : services) arguments.push_back(service + kDevice);
+    for (const std::string& service : services) arguments.push_back(service + kEndingDevice);
     return RunToEnd(MakeRun(arguments)).status;
   };
   EXPECT_EQ(getStatus({"TestPass", "TestService"}), 0);
@@ -86,7 +64,7 @@ TEST_F(TestProviderTest, AnErrorOutranksAFailureInOneRun) {
 }
 
 TEST_F(TestProviderTest, ProgressGrowsOnATerminal) {
-  TProgram program = MakeRun({"run", std::string("TestPolls") + kDevice});
+  TProgram program = MakeRun({"run", std::string("TestPolls") + kEndingDevice});
   program.hasTerminal = true;
   const TFinished finished = RunToEnd(program);
   EXPECT_EQ(finished.status, 0);
@@ -96,7 +74,7 @@ TEST_F(TestProviderTest, ProgressGrowsOnATerminal) {
 }
 
 TEST_F(TestProviderTest, NoByteOfAProviderReachesATerminalUnseen) {
-  const TFinished finished = RunToEnd(MakeRun({"run", std::string("TestBadText") + kDevice}));
+  const TFinished finished = RunToEnd(MakeRun({"run", std::string("TestBadText") + kEndingDevice}));
   for (const char byte : finished.out) {
     const auto code = static_cast<unsigned char>(byte);
     EXPECT_TRUE(code >= 0x20 || byte == '\n' || byte == '\t') << int(code);
@@ -104,8 +82,8 @@ TEST_F(TestProviderTest, NoByteOfAProviderReachesATerminalUnseen) {
 }
 
 TEST_F(TestProviderTest, AnInterruptEndsATestThatWouldNeverEnd) {
-  TSubprocess command(MakeRun({"run", std::string("TestHang") + kDevice,
-                               std::string("TestPass") + kDevice, "--progress", "always"}));
+  TSubprocess command(MakeRun({"run", std::string("TestHang") + kEndingDevice,
+                               std::string("TestPass") + kEndingDevice, "--progress", "always"}));
   ASSERT_TRUE(command.WaitForOutput("Percent Complete: "));
   command.Signal(SIGINT);
   EXPECT_EQ(command.Wait(), 2);
@@ -132,7 +110,7 @@ TEST_F(TestProviderTest, ABrokenDataFileStopsNothing) {
   for (const char* name : {"excludetests.xml", "excludetestmatrix.xml"}) {
     Write(std::string("root/qdx/data/") + name, "<cut");
   }
-  TProgram program = MakeRun({"run", std::string("TestPass") + kDevice});
+  TProgram program = MakeRun({"run", std::string("TestPass") + kEndingDevice});
   program.environment["DIAGSRUNNER_ROOT"] = root.string();
   EXPECT_EQ(RunToEnd(program).status, 0);
 }

@@ -9,7 +9,7 @@
 #include "platform/contract/TQELException.h"
 #include "platform/services/BiosVersion.h"
 #include "platform/services/InstalledRoot.h"
-#include "tests/platform/services/TTemporaryFolder.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace NZEPQEL20 {
 namespace {

@@ -85,22 +85,4 @@ void TWarnings::Log(EQELLogSeverity severity, const std::string& text) {
   if (severity == kWarning) m_texts.push_back(text);
 }
 
-TTemporaryFolder::TTemporaryFolder() {
-  m_path = std::filesystem::temp_directory_path().string() + "/diagshttp-XXXXXX";
-  if (::mkdtemp(m_path.data()) == nullptr) throw std::runtime_error("no temporary folder");
-}
-
-TTemporaryFolder::~TTemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(m_path, ignored);
-}
-
-std::string TTemporaryFolder::Write(const std::string& name, const std::string& content,
-                                    unsigned int rights) const {
-  const std::string path = m_path + "/" + name;
-  std::ofstream(path, std::ios::binary) << content;
-  ::chmod(path.c_str(), rights);
-  return path;
-}
-
 }  // namespace diagstest

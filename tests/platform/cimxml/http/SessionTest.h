@@ -12,6 +12,7 @@
 #include "platform/cimxml/THttpSession.h"
 #include "platform/contract/ILogger.h"
 #include "tests/platform/cimxml/http/TScriptedServer.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace diagstest {
 
@@ -70,22 +71,6 @@ class TWarnings : public NZEPQEL20::ILogger {
 
  private:
   std::vector<std::string> m_texts;
-};
-
-/// A folder of its own below the system's temporary one, removed with its content.
-class TTemporaryFolder {
- public:
-  TTemporaryFolder();
-  ~TTemporaryFolder();
-  TTemporaryFolder(const TTemporaryFolder&) = delete;
-  TTemporaryFolder& operator=(const TTemporaryFolder&) = delete;
-  const std::string& GetPath() const { return m_path; }
-  /// Writes a file with these rights and yields its path.
-  std::string Write(const std::string& name, const std::string& content,
-                    unsigned int rights = 0600) const;
-
- private:
-  std::string m_path;
 };
 
 }  // namespace diagstest

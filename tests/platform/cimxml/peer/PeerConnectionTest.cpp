@@ -9,7 +9,7 @@
 #include "tests/platform/cimxml/peer/PeerMessages.h"
 #include "tests/platform/cimxml/peer/TPeerWorld.h"
 #include "tests/platform/cimxml/peer/TRawClient.h"
-#include "tests/platform/services/TTemporaryFolder.h"
+#include "tests/support/TTemporaryFolder.h"
 #include "tests/support/TGate.h"
 #include "tests/support/cimserver/HttpText.h"
 

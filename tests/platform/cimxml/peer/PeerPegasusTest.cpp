@@ -2,9 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/cimxml/peer/PeerMessages.h"
-#include "tests/platform/cimxml/peer/TPeerWorld.h"
-#include "tests/platform/cimxml/peer/TRawClient.h"
+#include "tests/platform/cimxml/peer/TPeerStyleTest.h"
 
 namespace cimserver {
 namespace {
@@ -13,23 +11,9 @@ using testing::EndsWith;
 using testing::HasSubstr;
 
 /// The manner of one maker, to the byte.
-class PeerPegasusTest : public testing::Test {
+class PeerPegasusTest : public TPeerStyleTest {
  protected:
-  std::string Ask(const std::string& name, const std::string& parameters,
-                  const std::string& more = "") {
-    return m_client.Exchange(PostIntrinsic(name, parameters, more));
-  }
-
-  static std::string Frame(const std::string& name, const std::string& content) {
-    return "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n"
-           "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">\n"
-           "<MESSAGE ID=\"7\" PROTOCOLVERSION=\"1.0\">\n<SIMPLERSP>\n<IMETHODRESPONSE NAME=\"" +
-           name + "\">\n" + content + "</IMETHODRESPONSE>\n</SIMPLERSP>\n</MESSAGE>\n</CIM>\n";
-  }
-
-  TPeerWorld m_world;
-  TCimServer m_server{m_world.GetOperations()};
-  TRawClient m_client{m_server.GetPort()};
+  PeerPegasusTest() : TPeerStyleTest(EStyle::kPegasus) {}
 };
 
 TEST_F(PeerPegasusTest, WritesAClass) {

@@ -2,9 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/cimxml/peer/PeerMessages.h"
-#include "tests/platform/cimxml/peer/TPeerWorld.h"
-#include "tests/platform/cimxml/peer/TRawClient.h"
+#include "tests/platform/cimxml/peer/TPeerStyleTest.h"
 
 namespace cimserver {
 namespace {
@@ -12,29 +10,9 @@ namespace {
 using testing::HasSubstr;
 
 /// The manner of the other maker, to the byte.
-class PeerSfcbTest : public testing::Test {
+class PeerSfcbTest : public TPeerStyleTest {
  protected:
-  static TPeerOptions GetOptions() {
-    TPeerOptions options;
-    options.style = EStyle::kSfcb;
-    return options;
-  }
-
-  std::string Ask(const std::string& name, const std::string& parameters,
-                  const std::string& more = "") {
-    return m_client.Exchange(PostIntrinsic(name, parameters, more));
-  }
-
-  static std::string Frame(const std::string& name, const std::string& content) {
-    return "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n"
-           "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">\n"
-           "<MESSAGE ID=\"7\" PROTOCOLVERSION=\"1.0\">\n<SIMPLERSP>\n<IMETHODRESPONSE NAME=\"" +
-           name + "\">\n" + content + "</IMETHODRESPONSE>\n</SIMPLERSP>\n</MESSAGE>\n</CIM>";
-  }
-
-  TPeerWorld m_world;
-  TCimServer m_server{m_world.GetOperations(), GetOptions()};
-  TRawClient m_client{m_server.GetPort()};
+  PeerSfcbTest() : TPeerStyleTest(EStyle::kSfcb) {}
 };
 
 TEST_F(PeerSfcbTest, WritesAClassBackwards) {
