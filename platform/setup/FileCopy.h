@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+namespace NZEPQEL20::setup {
+
+/// Copies a regular file to a new one and has it on the disk. Whoever may read it may read the
+/// copy, only its owner may write it; it can be executed when the original can.
+/// Errors: TQELException naming the file at fault and the system's reason.
+void CopyFile(const std::string& from, const std::string& to);
+
+}  // namespace NZEPQEL20::setup

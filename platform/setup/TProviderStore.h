@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/contract/Export.h"
+
+namespace NZEPQEL20 {
+
+/// One thing that is wrong with a vendor's folder, in one line.
+struct TProviderFinding {
+  bool isWarning = false;  ///< A warning does not keep the folder from being added.
+  std::string rule;        ///< Number in the rules for provider authors, such as "R5".
+  std::string text;        ///< What is wrong: the file (and line), and the reason.
+  std::string remedy;      ///< What to do about it.
+};
+
+/// One class of a registration in one namespace, whatever the form it was written in.
+struct TProviderService {
+  std::string className;
+  std::string nameSpace;  ///< "*" stands for any.
+  std::string providerName;
+  std::string library;             ///< File; empty when the folder has none of that name.
+  std::vector<std::string> types;  ///< "instance", "association", "method", "property",
+                                   ///< "indication", in this order.
+};
+
+/// What a vendor's folder holds.
+struct TProviderPackage {
+  std::string name;    ///< Name below `providers/`; before it is installed the folder's own.
+  std::string folder;  ///< Absolute.
+  std::vector<std::string> libraries;
+  std::vector<std::string> schema;
+  std::vector<std::string> registrations;
+  std::vector<TProviderService> services;
+};
+
+/// The vendors' folders below an installation root: reads, checks, installs and removes them.
+/// Threads: safe from several as far as they touch different vendors.
+class DIAGSPLATFORM_EXPORT TProviderStore {
+ public:
+  /// Errors: TQELException when the root is unusable.
+  explicit TProviderStore(const std::string& root);
+
+  /// The installed folders, by name.
+  std::vector<TProviderPackage> List() const;
+
+  /// A folder, or the registration file in one: then only what that file names, and the MOF files
+  /// beside it, count.
+  /// Errors: TQELException naming the path: it cannot be read, or holds no registration.
+  TProviderPackage Read(const std::string& path) const;
+
+  /// Everything wrong with it, errors first. Libraries are loaded in a child process, so that one
+  /// that crashes or hangs is a finding.
+  std::vector<TProviderFinding> Check(const TProviderPackage& package) const;
+
+  /// Copies the package below the root as `name`, whole or not at all; `replace` in the place of
+  /// one of that name.
+  /// Errors: TQELException naming the file and the reason.
+  void Add(const TProviderPackage& package, const std::string& name, bool replace) const;
+
+  /// Errors: TQELException: nothing of that name (naming those that are there), or it cannot be
+  /// removed.
+  void Remove(const std::string& name) const;
+
+ private:
+  std::string m_root;
+};
+
+}  // namespace NZEPQEL20
