@@ -79,6 +79,7 @@ void TClassRepository::AddSearchPath(const std::string& folder) {
 std::vector<TMofError> TClassRepository::Check() {
   m_parts->LoadMissing();
   m_parts->whole.clear();
+  m_parts->store.ReportChanges(m_parts->problems);
   TSchemaChecker(m_parts->store, m_parts->problems).Check();
   TInstanceResolver(*this, m_parts->store.GetInstances(), m_parts->problems).Resolve();
   std::vector<TMofError> found = m_parts->problems.Take();

@@ -69,7 +69,7 @@ void TMofLoader::OnQualifier(const std::string& file, TMofQualifierDeclaration&&
 }
 
 void TMofLoader::OnClass(const std::string& file, TMofClass&& declaration) {
-  m_store.Add(m_compiler.Compile(file, std::move(declaration)), m_problems);
+  m_store.Add(m_compiler.Compile(file, std::move(declaration)));
 }
 
 void TMofLoader::OnInstance(const std::string& /*file*/, TMofInstance&& instance) {

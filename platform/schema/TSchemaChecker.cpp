@@ -28,6 +28,7 @@ void TSchemaChecker::Check() {
   for (const TSchemaClass* top : m_store.GetTops()) {
     CheckTop(*top);
   }
+  ReportMissing();
   if (m_visited < m_store.GetClasses().size()) {
     CheckLoops();
   }
@@ -35,14 +36,24 @@ void TSchemaChecker::Check() {
 
 void TSchemaChecker::CheckTop(const TSchemaClass& top) {
   if (!top.superclass.empty()) {
-    m_problems.AddError(top.file, top.position,
-                        "superclass " + top.superclass + " of class " + top.name +
-                            " is not known; the class lacks what it would inherit");
+    TMissing& missing = m_missing[FoldName(top.superclass)];
+    missing.first = missing.count++ == 0 ? &top : missing.first;
   }
   TScope scope;
   // A class without its superclass may well be an association.
   scope.isLink = !top.superclass.empty();
   CheckTree(top, scope);
+}
+
+void TSchemaChecker::ReportMissing() {
+  for (const auto& [name, missing] : m_missing) {
+    const TSchemaClass& top = *missing.first;
+    const std::string more =
+        missing.count == 1 ? "" : " and " + std::to_string(missing.count - 1) + " more";
+    m_problems.AddWarning(top.file, top.position,
+                          "superclass " + top.superclass + " of class " + top.name + more +
+                              " is not known; what they would inherit is lacking");
+  }
 }
 
 void TSchemaChecker::CheckLoops() {

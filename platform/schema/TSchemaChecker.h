@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <map>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -34,10 +35,18 @@ class TSchemaChecker {
   void CheckOverride(const TSchemaClass& declaration, const TSchemaProperty& property,
                      const TSchemaProperty& inherited);
   void CheckLoops();
+  void ReportMissing();
 
   const TSchemaStore& m_store;
   TMofProblems& m_problems;
   std::size_t m_visited = 0;
+
+  /// A superclass that is not known, and those that derive from it.
+  struct TMissing {
+    const TSchemaClass* first = nullptr;
+    std::size_t count = 0;
+  };
+  std::map<std::string, TMissing> m_missing;  ///< By folded name.
   /// Declarations of each property on the way down, the nearest last; by folded name.
   std::unordered_map<std::string, std::vector<const TSchemaProperty*>> m_inherited;
 };

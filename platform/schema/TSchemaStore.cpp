@@ -9,7 +9,7 @@
 
 namespace NZEPQEL20 {
 
-void TSchemaStore::Add(TSchemaClass&& declaration, TMofProblems& problems) {
+void TSchemaStore::Add(TSchemaClass&& declaration) {
   const std::string super = FoldName(declaration.superclass);
   const auto [place, isNew] = m_places.emplace(FoldName(declaration.name), m_classes.size());
   const std::size_t index = place->second;
@@ -17,14 +17,35 @@ void TSchemaStore::Add(TSchemaClass&& declaration, TMofProblems& problems) {
     m_classes.push_back(std::move(declaration));
   } else if (!IsSameClass(m_classes[index], declaration)) {
     const TSchemaClass& earlier = m_classes[index];
-    problems.AddWarning(declaration.file, declaration.position,
-                        "class " + declaration.name + " differs from its declaration at " +
-                            earlier.file + ":" + std::to_string(earlier.position.line) +
-                            "; this one holds");
+    NoteChange(declaration, earlier);
     m_children[FoldName(earlier.superclass)].erase(index);
     m_classes[index] = std::move(declaration);
   }
   m_children[super].insert(index);
+}
+
+void TSchemaStore::NoteChange(const TSchemaClass& declaration, const TSchemaClass& earlier) {
+  if (m_changeCount++ == 0) {
+    m_firstChange = {declaration.file, declaration.position.line, declaration.position.column,
+                     "class " + declaration.name + " differs from its declaration at " +
+                         earlier.file + ":" + std::to_string(earlier.position.line) +
+                         "; this one holds",
+                     true};
+  }
+}
+
+void TSchemaStore::ReportChanges(TMofProblems& problems) {
+  if (m_changeCount == 0) {
+    return;
+  }
+  // A whole schema beside a part of it declares hundreds of classes anew.
+  if (m_changeCount > 1) {
+    m_firstChange.text +=
+        ", and so do later declarations of " + std::to_string(m_changeCount - 1) + " more classes";
+  }
+  problems.AddWarning(m_firstChange.file, {m_firstChange.line, m_firstChange.column},
+                      m_firstChange.text);
+  m_changeCount = 0;
 }
 
 const TSchemaClass* TSchemaStore::Find(const std::string& name) const {

@@ -31,8 +31,11 @@ struct TSchemaChain {
 /// Threads: const use from several threads is safe.
 class TSchemaStore {
  public:
-  /// Adds a class, or replaces the one of the same name: with a warning when they differ.
-  void Add(TSchemaClass&& declaration, TMofProblems& problems);
+  /// Adds a class, or replaces the one of the same name.
+  void Add(TSchemaClass&& declaration);
+
+  /// Reports in one line what classes were replaced by different ones since the last call.
+  void ReportChanges(TMofProblems& problems);
 
   /// Null when `name`, compared without case, is not known.
   const TSchemaClass* Find(const std::string& name) const;
@@ -52,6 +55,10 @@ class TSchemaStore {
   const std::vector<TMofInstance>& GetInstances() const { return m_instances; }
 
  private:
+  void NoteChange(const TSchemaClass& declaration, const TSchemaClass& earlier);
+
+  std::size_t m_changeCount = 0;
+  TMofError m_firstChange;
   std::vector<TSchemaClass> m_classes;
   std::unordered_map<std::string, std::size_t> m_places;  ///< By folded name.
   std::unordered_map<std::string, std::set<std::size_t>> m_children;

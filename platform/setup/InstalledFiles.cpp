@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 #include <system_error>
 
 #include "platform/contract/TQELException.h"
@@ -43,6 +44,40 @@ void TakeFiles(const std::vector<fs::path>& entries, const char* extension,
   }
 }
 
+bool IsMof(const fs::path& file) {
+  const std::string extension = file.extension().string();
+  return extension == ".mof" || extension == ".MOF";
+}
+
+// Files below a folder of class declarations, a folder's own before those of the folders in it.
+class TSchemaTree {
+ public:
+  TSchemaTree(std::vector<std::string>& files, std::vector<std::string>& problems)
+      : m_files(files), m_problems(problems) {}
+
+  void Take(const fs::path& folder, unsigned int depth = 0) {
+    // A schema has two levels; links may lead round in circles.
+    constexpr unsigned int kMaxDepth = 8;
+    std::error_code error;
+    const fs::path place = fs::canonical(folder, error);
+    if (depth > kMaxDepth || (!error && !m_seen.insert(place.string()).second)) return;
+    std::vector<fs::path> folders;
+    for (const fs::path& entry : ReadFolder(folder, m_problems)) {
+      if (fs::is_directory(entry, error)) {
+        folders.push_back(entry);
+      } else if (IsMof(entry)) {
+        m_files.push_back(entry.string());
+      }
+    }
+    for (const fs::path& inner : folders) Take(inner, depth + 1);
+  }
+
+ private:
+  std::vector<std::string>& m_files;
+  std::vector<std::string>& m_problems;
+  std::set<std::string> m_seen;
+};
+
 }  // namespace
 
 std::string CheckRoot(const std::string& root) {
@@ -62,7 +97,7 @@ std::string CheckRoot(const std::string& root) {
 TInstalledFiles FindInstalledFiles(const std::string& root) {
   TInstalledFiles files;
   const fs::path top(root);
-  TakeFiles(ReadFolder(top / "schema", files.problems), ".mof", files.schema);
+  TSchemaTree(files.schema, files.problems).Take(top / "schema");
   if (files.schema.empty()) {
     files.problems.push_back((top / "schema").string() + ": holds no class declarations (*.mof)");
   }

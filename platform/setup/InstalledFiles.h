@@ -8,7 +8,8 @@ namespace NZEPQEL20::setup {
 
 /// The files of an installation root that are read at set-up, by name in ascending order.
 struct TInstalledFiles {
-  std::vector<std::string> schema;           ///< <root>/schema/*.mof
+  /// *.mof below <root>/schema, a folder's own before those of the folders in it.
+  std::vector<std::string> schema;
   std::vector<std::string> providerSchema;   ///< <root>/providers/<vendor>/*.mof
   std::vector<std::string> providerFolders;  ///< <root>/providers/<vendor>
   std::vector<std::string> registrations;    ///< <root>/providers/<vendor>/*.registration

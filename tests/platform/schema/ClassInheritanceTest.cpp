@@ -115,8 +115,8 @@ TEST(ClassInheritanceTest, AMissingSuperclassIsReportedOnceAndTheClassStays) {
   TClassRepository repository;
   EXPECT_EQ(LoadLines(repository, "class V_X : CIM_Missing { uint8 p; };"), TLines());
   EXPECT_EQ(Lines(repository.Check()),
-            TLines{"t.mof:1:7: superclass CIM_Missing of class V_X is not known; the class lacks "
-                   "what it would inherit"});
+            TLines{"t.mof:1:7: warning: superclass CIM_Missing of class V_X is not known; what "
+                   "they would inherit is lacking"});
   EXPECT_EQ(Lines(repository.Check()), TLines());
   EXPECT_EQ(GetPropertyNames(*repository.Find("V_X")), TLines{"p"});
   LoadLines(repository, "class CIM_Missing { uint8 q; };");
@@ -193,13 +193,38 @@ TEST(ClassRepositoryTest, RedefinitionsAreSilentWhenTheySayTheSame) {
   EXPECT_EQ(LoadLines(repository, mof), TLines());
   EXPECT_EQ(Lines(repository.LoadText("\n\n" + mof, "u.mof")), TLines());
   EXPECT_EQ(repository.Find("A_A")->properties.size(), 1U);
+  EXPECT_EQ(Lines(repository.LoadText("class A_X { };\nclass a_a : A_X { uint8 q; };", "v.mof")),
+            TLines());
   EXPECT_EQ(
-      Lines(repository.LoadText("class A_X { };\nclass a_a : A_X { uint8 q; };", "v.mof")),
+      Lines(repository.Check()),
       TLines{"v.mof:2:7: warning: class a_a differs from its declaration at t.mof:1; this one "
              "holds"});
   EXPECT_EQ(GetPropertyNames(*repository.Find("A_A")), TLines{"q"});
   EXPECT_EQ(repository.GetSubclasses("", true), (TLines{"A_X", "a_a"}));
   EXPECT_EQ(repository.GetCount(), 2U);
+}
+
+TEST(ClassRepositoryTest, ASecondVersionOfASchemaIsOneWarning) {
+  TClassRepository repository;
+  repository.LoadText("class A_A { };\nclass A_B { };\nclass A_C { };", "old.mof");
+  repository.LoadText("class A_A { uint8 p; };\nclass A_B { uint8 p; };\nclass A_C { uint8 p; };",
+                      "new.mof");
+  EXPECT_EQ(Lines(repository.Check()),
+            TLines{"new.mof:1:7: warning: class A_A differs from its declaration at old.mof:1; "
+                   "this one holds, and so do later declarations of 2 more classes"});
+  EXPECT_EQ(Lines(repository.Check()), TLines());
+  EXPECT_EQ(GetPropertyNames(*repository.Find("A_B")), TLines{"p"});
+  EXPECT_EQ(repository.GetSubclasses("", true), (TLines{"A_A", "A_B", "A_C"}));
+}
+
+TEST(ClassInheritanceTest, ClassesOfOneMissingSuperclassAreOneWarning) {
+  TClassRepository repository;
+  LoadLines(repository,
+            "class V_A : CIM_Gone { };\nclass V_B : cim_gone { };\nclass V_C : V_A { };");
+  EXPECT_EQ(Lines(repository.Check()),
+            TLines{"t.mof:1:7: warning: superclass CIM_Gone of class V_A and 1 more is not known; "
+                   "what they would inherit is lacking"});
+  EXPECT_TRUE(repository.IsA("V_C", "CIM_Gone"));
 }
 
 TEST(ClassRepositoryTest, AnswersSeveralThreadsAtOnce) {

@@ -32,6 +32,38 @@ TEST(InstalledFilesTest, AreFoundByFolderAndEndingInOrderOfTheirNames) {
   EXPECT_THAT(files.problems, IsEmpty());
 }
 
+TEST(InstalledFilesTest, AWholeSchemaMayLieInFoldersOfItsOwn) {
+  const TTemporaryRoot root;
+  const std::string core = root.Write("schema/cim_2.41/Core/CIM_A.mof", "");
+  const std::string master = root.Write("schema/cim_2.41/cim.MOF", "");
+  const std::string device = root.Write("schema/cim_2.41/Device/CIM_B.mof", "");
+  root.Write("schema/cim_2.41/Device/notes.txt", "");
+  const std::string own = root.Write("schema/vendor.mof", "");
+  const std::string other = root.Write("schema/a/x.mof", "");
+  EXPECT_THAT(FindInstalledFiles(root.GetPath()).schema,
+              ElementsAre(own, other, master, core, device));
+}
+
+TEST(InstalledFilesTest, LinksThatLeadRoundInCirclesEnd) {
+  const TTemporaryRoot root;
+  const std::string file = root.Write("schema/a/x.mof", "");
+  std::filesystem::create_directory_symlink("..", root.GetPath() + "/schema/a/up");
+  std::filesystem::create_directory_symlink("a", root.GetPath() + "/schema/b");
+  std::filesystem::create_directory_symlink("nowhere", root.GetPath() + "/schema/c");
+  const TInstalledFiles files = FindInstalledFiles(root.GetPath());
+  EXPECT_THAT(files.schema, ElementsAre(file));
+}
+
+TEST(InstalledFilesTest, FoldersInFoldersAreReadOnlySoDeep) {
+  const TTemporaryRoot root;
+  std::string inside = "schema";
+  for (int depth = 0; depth < 10; ++depth) {
+    root.Write(inside + "/x.mof", "");
+    inside += "/d";
+  }
+  EXPECT_EQ(FindInstalledFiles(root.GetPath()).schema.size(), 9U);
+}
+
 TEST(InstalledFilesTest, AnEmptyRootHasNoSchemaAndNoProvider) {
   const TTemporaryRoot root;
   const TInstalledFiles files = FindInstalledFiles(root.GetPath());
