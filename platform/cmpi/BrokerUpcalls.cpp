@@ -26,7 +26,8 @@ class TUpcall {
     m_target = content.ToReference();
   }
 
-  ICIMOperations& Operations() const { return m_lease.Require().GetOperations(); }
+  IBrokerHost& Host() const { return m_lease.Require(); }
+  ICIMOperations& Operations() const { return Host().GetOperations(); }
   const TCIMReference& Target() const { return m_target; }
   const std::string& NameSpace() const { return m_target.GetNamespaceName(); }
 
@@ -92,9 +93,10 @@ CMPIStatus DetachThread(const CMPIBroker* mb, const CMPIContext* prepared) noexc
   return AnswerStatus([&] { RequireBroker(mb).Detach(prepared); });
 }
 
+/// Nobody listens to indications, which is no failure of whoever sends one.
 CMPIStatus DeliverIndication(const CMPIBroker*, const CMPIContext*, const char*,
-                             const CMPIInstance*) noexcept {
-  return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
+                             const CMPIInstance* indication) noexcept {
+  return AnswerStatus([&] { TBrokerInstance::From(indication); });
 }
 
 CMPIEnumeration* EnumerateInstanceNames(const CMPIBroker* mb, const CMPIContext*,
@@ -243,9 +245,12 @@ CMPIStatus SetProperty(const CMPIBroker* mb, const CMPIContext*, const CMPIObjec
                        const char* name, const CMPIValue* value, CMPIType type) noexcept {
   return AnswerStatus([&] {
     const TUpcall call(mb, path);
+    const std::string property = ToUtf8(RequireName(name, "property name"));
+    const TCIMValue given = FromCMPI(value, type);
+    if (call.Host().SetProperty(call.Target(), property, given)) return;
     TCIMInstanceData data;
     data.path = call.Target();
-    data.properties.push_back({RequireName(name, "property name"), FromCMPI(value, type)});
+    data.properties.push_back({property, given});
     call.Operations().ModifyInstance(data);
   });
 }
@@ -254,8 +259,10 @@ CMPIData GetProperty(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectP
                      const char* name, CMPIStatus* rc) noexcept {
   return Answer(rc, [&] {
     const TUpcall call(mb, path);
+    const auto own = call.Host().GetProperty(call.Target(), RequireName(name, "property name"));
+    if (own) return ToCMPI(*own);
     const TCIMInstanceData data = call.Operations().GetInstance(call.Target());
-    const TCIMPropertyData* property = data.Find(RequireName(name, "property name"));
+    const TCIMPropertyData* property = data.Find(name);
     if (property == nullptr) {
       throw TBrokerFault(CMPI_RC_ERR_NO_SUCH_PROPERTY, std::string("no property ") + name);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/contract/TCIMClassDeclaration.h"
@@ -30,6 +31,15 @@ class IBrokerHost {
   /// Whether `className` is `superclass` or inherits from it; false for an unknown class that is
   /// not the same.
   virtual bool IsA(const std::string& className, const std::string& superclass) const = 0;
+
+  /// One property from a provider of single properties; none when no such provider serves it.
+  /// Errors: TQELException, as a failed operation.
+  virtual std::optional<TCIMValue> GetProperty(const TCIMReference& path,
+                                               const std::string& name) = 0;
+  /// Sets one property by such a provider; false when there is none for it.
+  /// Errors: as GetProperty().
+  virtual bool SetProperty(const TCIMReference& path, const std::string& name,
+                           const TCIMValue& value) = 0;
 };
 
 }  // namespace NZEPQEL20::cmpi

@@ -10,8 +10,12 @@ namespace NZEPQEL20::cmpi {
 
 namespace {
 
-/// From here up the numbers of CMPI are not those of the CIM operations.
-constexpr int kFirstOwnCode = 18;
+/// Whether a number means the same in CMPI as among the CIM operations.
+bool IsSharedCode(int code) {
+  return (code > 0 && code < CMPI_RC_NO_MORE_ELEMENTS) ||
+         code == CMPI_RC_ERR_SERVER_LIMITS_EXCEEDED ||
+         code == CMPI_RC_ERR_QUERY_FEATURE_NOT_SUPPORTED;
+}
 
 /// Calls of providers by way of providers that one thread may be in: a provider that asks for what
 /// it is being asked for would use up the stack.
@@ -55,9 +59,8 @@ void Run(TCallOutcome& outcome, const TProviderFunction& function, const CMPICon
 }  // namespace
 
 std::string GetCodeName(int code) {
-  const bool isShared = code > 0 && code < kFirstOwnCode;
-  return isShared ? GetCIMStatusName(static_cast<unsigned int>(code))
-                  : "CMPI status " + std::to_string(code);
+  return IsSharedCode(code) ? GetCIMStatusName(static_cast<unsigned int>(code))
+                            : "CMPI status " + std::to_string(code);
 }
 
 TQELException TCallOutcome::ToException(const std::string& what) const {
@@ -65,7 +68,7 @@ TQELException TCallOutcome::ToException(const std::string& what) const {
                        static_cast<unsigned int>(code));
 }
 
-TCallOutcome CallProvider(TBroker& broker, const std::string& nameSpace, TBrokerResult::EKind kind,
+TCallOutcome CallProvider(TBroker& broker, const TCallSite& site, TBrokerResult::EKind kind,
                           const TProviderFunction& function) {
   TCallOutcome outcome;
   if (callDepth >= kMaxDepth) {
@@ -77,7 +80,7 @@ TCallOutcome CallProvider(TBroker& broker, const std::string& nameSpace, TBroker
   const std::shared_ptr<TBrokerResult> result = TBrokerResult::Open(kind);
   {
     const TCallFrame frame(broker);
-    TBrokerContext context(TBrokerContext::EntriesFor(nameSpace));
+    TBrokerContext context(TBrokerContext::EntriesFor(site.nameSpace, site.parameters));
     context.SetLifetime(ELifetime::kPassed);
     Run(outcome, function, &context, result.get());
   }

@@ -20,13 +20,24 @@ struct TCallOutcome {
   TQELException ToException(const std::string& what) const;
 };
 
+/// What a provider learns about a call besides its arguments.
+struct TCallSite {
+  std::string nameSpace;
+  std::string parameters = {};  ///< Those of the registration; empty when it has none.
+};
+
 using TProviderFunction = std::function<CMPIStatus(const CMPIContext*, const CMPIResult*)>;
 
-/// Calls into a provider: gives it a context for `nameSpace`, a result for `kind`, and a scope for
-/// the objects that it makes. What the provider throws becomes CMPI_RC_ERR_FAILED, and so does a
+/// Calls into a provider: gives it a context for `site`, a result for `kind`, and a scope for the
+/// objects that it makes. What the provider throws becomes CMPI_RC_ERR_FAILED, and so does a
 /// call from too deep within others.
-TCallOutcome CallProvider(TBroker& broker, const std::string& nameSpace, TBrokerResult::EKind kind,
+TCallOutcome CallProvider(TBroker& broker, const TCallSite& site, TBrokerResult::EKind kind,
                           const TProviderFunction& function);
+
+/// The status of a function that a provider's table does not have.
+inline CMPIStatus NoSuchFunction() {
+  return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
+}
 
 /// The CIM name of a return code; a number that has none is written out.
 std::string GetCodeName(int code);

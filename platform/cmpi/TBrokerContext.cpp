@@ -9,6 +9,9 @@ namespace NZEPQEL20::cmpi {
 
 namespace {
 
+/// Where providers look for the parameters of their registration.
+constexpr const char* kParametersEntry = "sfcbProviderParameters";
+
 CMPIData GetEntry(const CMPIContext* self, const char* name, CMPIStatus* rc) noexcept {
   return Answer(rc, [&] {
     const TNamedValues& entries = TBrokerContext::From(self).GetEntries();
@@ -47,10 +50,14 @@ CMPIStatus AddEntry(const CMPIContext* self, const char* name, const CMPIValue* 
 
 }  // namespace
 
-TNamedValues TBrokerContext::EntriesFor(const std::string& nameSpace) {
-  return {{CMPIInvocationFlags, TCIMValue::UInt32(0)}, {CMPIPrincipal, TCIMValue("")},
-          {CMPIInitNameSpace, TCIMValue(nameSpace)},   {CMPIRole, TCIMValue("")},
-          {CMPIAcceptLanguage, TCIMValue("")},         {CMPIContentLanguage, TCIMValue("")}};
+TNamedValues TBrokerContext::EntriesFor(const std::string& nameSpace,
+                                        const std::string& parameters) {
+  TNamedValues entries = {
+      {CMPIInvocationFlags, TCIMValue::UInt32(0)}, {CMPIPrincipal, TCIMValue("")},
+      {CMPIInitNameSpace, TCIMValue(nameSpace)},   {CMPIRole, TCIMValue("")},
+      {CMPIAcceptLanguage, TCIMValue("")},         {CMPIContentLanguage, TCIMValue("")}};
+  if (!parameters.empty()) entries.push_back({kParametersEntry, TCIMValue(ToUtf8(parameters))});
+  return entries;
 }
 
 std::string TBrokerContext::Describe() const {

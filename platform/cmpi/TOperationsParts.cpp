@@ -50,7 +50,8 @@ TCallOutcome TCMPIOperations::TParts::AskFirst(const TServices& services, const 
 TCallOutcome TCMPIOperations::TParts::Call(const TService& service, const std::string& what,
                                            const std::string& nameSpace, TBrokerResult::EKind kind,
                                            const TProviderFunction& function) {
-  TCallOutcome outcome = CallProvider(providers.GetBroker(), nameSpace, kind, function);
+  const TCallSite site{nameSpace, service.registration->parameters};
+  TCallOutcome outcome = CallProvider(providers.GetBroker(), site, kind, function);
   if (outcome.code != CMPI_RC_OK) {
     throw outcome.ToException(what + " failed in " + service.provider->Describe());
   }

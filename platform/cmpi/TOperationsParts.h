@@ -56,19 +56,6 @@ struct TCMPIOperations::TParts {
 
 namespace cmpi {
 
-/// A path object that stays the broker's: a provider's release of it does nothing.
-class TPassedPath : public TBrokerPath {
- public:
-  explicit TPassedPath(TPathContent content) : TBrokerPath(std::move(content)) {
-    SetLifetime(ELifetime::kPassed);
-  }
-};
-
-/// The status of a function that a provider's table does not have.
-inline CMPIStatus NoSuchFunction() {
-  return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
-}
-
 /// `text` for a provider, NULL when it is empty.
 inline const char* OrNull(const std::string& text) {
   return text.empty() ? nullptr : text.c_str();

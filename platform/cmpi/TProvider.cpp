@@ -29,10 +29,11 @@ void TProviderPart<TMI>::Finish(EState state) {
 
 template <class TMI>
 TMI& TProviderPart<TMI>::Get(TProviderLibrary& library, const char* kind,
-                             const std::string& providerName, TBroker& broker) {
+                             const std::string& providerName, const TCallSite& site,
+                             TBroker& broker) {
   if (!Begin(kind, providerName)) return *m_made;
   try {
-    m_made = library.Create<TMI>(kind, providerName, broker);
+    m_made = library.Create<TMI>(kind, providerName, site, broker);
   } catch (const TQELException& failure) {
     m_fault = failure;
     Finish(EState::kFailed);
@@ -46,11 +47,11 @@ TMI& TProviderPart<TMI>::Get(TProviderLibrary& library, const char* kind,
 }
 
 template <class TMI>
-void TProviderPart<TMI>::Cleanup(TBroker& broker) noexcept {
+void TProviderPart<TMI>::Cleanup(const TCallSite& site, TBroker& broker) noexcept {
   try {
     if (m_state != EState::kReady || m_made->ft->cleanup == nullptr) return;
     // Its answer does not matter: the process ends.
-    CallProvider(broker, "", TBrokerResult::EKind::kNothing,
+    CallProvider(broker, site, TBrokerResult::EKind::kNothing,
                  [&](const CMPIContext* context, const CMPIResult*) {
                    return m_made->ft->cleanup(m_made, context, 1);
                  });
@@ -62,21 +63,26 @@ void TProviderPart<TMI>::Cleanup(TBroker& broker) noexcept {
 }
 
 CMPIInstanceMI& TProvider::GetInstanceMI(TBroker& broker) {
-  return m_instance.Get(m_library, "Instance", m_name, broker);
+  return m_instance.Get(m_library, "Instance", m_name, m_home, broker);
 }
 
 CMPIAssociationMI& TProvider::GetAssociationMI(TBroker& broker) {
-  return m_association.Get(m_library, "Association", m_name, broker);
+  return m_association.Get(m_library, "Association", m_name, m_home, broker);
 }
 
 CMPIMethodMI& TProvider::GetMethodMI(TBroker& broker) {
-  return m_method.Get(m_library, "Method", m_name, broker);
+  return m_method.Get(m_library, "Method", m_name, m_home, broker);
+}
+
+CMPIPropertyMI& TProvider::GetPropertyMI(TBroker& broker) {
+  return m_property.Get(m_library, "Property", m_name, m_home, broker);
 }
 
 void TProvider::Cleanup(TBroker& broker) noexcept {
-  m_instance.Cleanup(broker);
-  m_association.Cleanup(broker);
-  m_method.Cleanup(broker);
+  m_instance.Cleanup(m_home, broker);
+  m_association.Cleanup(m_home, broker);
+  m_method.Cleanup(m_home, broker);
+  m_property.Cleanup(m_home, broker);
 }
 
 }  // namespace NZEPQEL20::cmpi

@@ -19,10 +19,10 @@ class TProviderPart {
   /// Errors: TQELException, as TProviderLibrary::Create(), the same each time; also when the
   /// provider comes back here while it makes them.
   TMI& Get(TProviderLibrary& library, const char* kind, const std::string& providerName,
-           TBroker& broker);
+           const TCallSite& site, TBroker& broker);
 
   /// Ends what was made, if anything was.
-  void Cleanup(TBroker& broker) noexcept;
+  void Cleanup(const TCallSite& site, TBroker& broker) noexcept;
 
  private:
   enum class EState { kNew, kBusy, kReady, kFailed };
@@ -41,8 +41,9 @@ class TProviderPart {
 /// A provider: one name in one library.
 class TProvider {
  public:
-  TProvider(std::string name, TProviderLibrary& library)
-      : m_name(std::move(name)), m_library(library) {}
+  /// `home` is what it learns when it is made and when it ends.
+  TProvider(std::string name, TProviderLibrary& library, TCallSite home)
+      : m_name(std::move(name)), m_library(library), m_home(std::move(home)) {}
 
   const std::string& GetName() const { return m_name; }
   TProviderLibrary& GetLibrary() const { return m_library; }
@@ -52,6 +53,7 @@ class TProvider {
   CMPIInstanceMI& GetInstanceMI(TBroker& broker);
   CMPIAssociationMI& GetAssociationMI(TBroker& broker);
   CMPIMethodMI& GetMethodMI(TBroker& broker);
+  CMPIPropertyMI& GetPropertyMI(TBroker& broker);
 
   /// Tells every part that was made that the process ends.
   void Cleanup(TBroker& broker) noexcept;
@@ -59,9 +61,11 @@ class TProvider {
  private:
   const std::string m_name;
   TProviderLibrary& m_library;
+  const TCallSite m_home;
   TProviderPart<CMPIInstanceMI> m_instance;
   TProviderPart<CMPIAssociationMI> m_association;
   TProviderPart<CMPIMethodMI> m_method;
+  TProviderPart<CMPIPropertyMI> m_property;
 };
 
 }  // namespace NZEPQEL20::cmpi

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <memory>
 
-#include "platform/cmpi/ProviderCall.h"
 #include "platform/contract/TQELException.h"
 
 namespace NZEPQEL20::cmpi {
@@ -56,7 +55,8 @@ void* TProviderLibrary::FindSymbol(const std::string& name) const {
 }
 
 template <class TMI>
-TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName, TBroker& broker) {
+TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName,
+                              const TCallSite& site, TBroker& broker) {
   Open();
   const std::string what =
       "provider " + providerName + " in " + m_path + ": its " + kind + " functions";
@@ -70,7 +70,7 @@ TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName,
   }
   TMI* made = nullptr;
   const TCallOutcome outcome = CallProvider(
-      broker, "", TBrokerResult::EKind::kNothing,
+      broker, site, TBrokerResult::EKind::kNothing,
       [&](const CMPIContext* context, const CMPIResult*) {
         CMPIStatus status = {CMPI_RC_OK, nullptr};
         made = own != nullptr ? ToFunction<TFactory<TMI>>(own)(broker.GetTable(), context, &status)
@@ -86,12 +86,13 @@ TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName,
   return made;
 }
 
-template CMPIInstanceMI* TProviderLibrary::Create<CMPIInstanceMI>(const char*, const std::string&,
-                                                                  TBroker&);
-template CMPIAssociationMI* TProviderLibrary::Create<CMPIAssociationMI>(const char*,
-                                                                        const std::string&,
-                                                                        TBroker&);
-template CMPIMethodMI* TProviderLibrary::Create<CMPIMethodMI>(const char*, const std::string&,
-                                                              TBroker&);
+template CMPIInstanceMI* TProviderLibrary::Create(const char*, const std::string&, const TCallSite&,
+                                                  TBroker&);
+template CMPIAssociationMI* TProviderLibrary::Create(const char*, const std::string&,
+                                                     const TCallSite&, TBroker&);
+template CMPIMethodMI* TProviderLibrary::Create(const char*, const std::string&, const TCallSite&,
+                                                TBroker&);
+template CMPIPropertyMI* TProviderLibrary::Create(const char*, const std::string&, const TCallSite&,
+                                                  TBroker&);
 
 }  // namespace NZEPQEL20::cmpi

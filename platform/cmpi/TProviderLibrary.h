@@ -4,6 +4,7 @@
 #include <mutex>
 #include <string>
 
+#include "platform/cmpi/ProviderCall.h"
 #include "platform/cmpi/TBroker.h"
 #include "platform/cmpi/abi/cmpi.h"
 
@@ -23,13 +24,14 @@ class TProviderLibrary {
   /// library is tried once.
   void Open();
 
-  /// Has the library make the provider object of `kind` ("Instance", "Association", "Method") for
-  /// the provider name: through the factory for that name, else through the generic one. To be
-  /// called once per kind and name.
-  /// Errors: TQELException naming library, provider and the reason: no entry point, a refusal with
-  /// the provider's words, an exception, no object, an object without a function table.
+  /// Has the library make the provider object of `kind` ("Instance", "Association", "Method",
+  /// "Property") for the provider name, which `site` is the home of: through the factory for that
+  /// name, else through the generic one. To be called once per kind and name. Errors: TQELException
+  /// naming library, provider and the reason: no entry point, a refusal with the provider's words,
+  /// an exception, no object, an object without a function table.
   template <class TMI>
-  TMI* Create(const char* kind, const std::string& providerName, TBroker& broker);
+  TMI* Create(const char* kind, const std::string& providerName, const TCallSite& site,
+              TBroker& broker);
 
  private:
   void* FindSymbol(const std::string& name) const;

@@ -13,6 +13,8 @@ bool HasRole(const TRegistration& registration, ERole role) {
       return registration.isInstance;
     case ERole::kAssociation:
       return registration.isAssociation;
+    case ERole::kProperty:
+      return registration.isProperty;
     default:
       return registration.isMethod;
   }
@@ -57,7 +59,9 @@ TProvider& TProviders::GetProvider(const TRegistration& registration) {
   if (library == nullptr) library = std::make_unique<TProviderLibrary>(registration.library);
   auto& provider = m_providers[{registration.library, registration.providerName}];
   if (provider == nullptr) {
-    provider = std::make_unique<TProvider>(registration.providerName, *library);
+    provider =
+        std::make_unique<TProvider>(registration.providerName, *library,
+                                    TCallSite{registration.nameSpace, registration.parameters});
   }
   return *provider;
 }

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -18,7 +19,7 @@
 namespace NZEPQEL20::cmpi {
 
 /// What a provider is asked as.
-enum class ERole { kInstance, kAssociation, kMethod };
+enum class ERole { kInstance, kAssociation, kMethod, kProperty };
 
 /// The registered providers: who serves which class where, and the broker between them.
 /// Threads: safe from several.
@@ -46,6 +47,9 @@ class TProviders : public IBrokerHost {
     return m_classes->Find(className);
   }
   bool IsA(const std::string& className, const std::string& superclass) const override;
+  std::optional<TCIMValue> GetProperty(const TCIMReference& path, const std::string& name) override;
+  bool SetProperty(const TCIMReference& path, const std::string& name,
+                   const TCIMValue& value) override;
 
   /// Who serves `className` or a class below it.
   TServices FindServices(const std::string& nameSpace, const std::string& className,
@@ -69,6 +73,10 @@ class TProviders : public IBrokerHost {
 
  private:
   TProvider& GetProvider(const TRegistration& registration);
+  using TPropertyCall = std::function<CMPIStatus(CMPIPropertyMI&, const CMPIContext*,
+                                                 const CMPIResult*, const CMPIObjectPath*)>;
+  std::optional<TCallOutcome> CallProperty(const std::string& what, const TCIMReference& path,
+                                           const TPropertyCall& call);
   TServices FindExact(const std::string& nameSpace, const std::string& className, ERole role) const;
 
   std::shared_ptr<const TClassRepository> m_classes;

@@ -39,8 +39,10 @@ bool MarkType(TRegistration& entry, const std::string& type) {
     entry.isAssociation = true;
   } else if (IsSameName(type, "method")) {
     entry.isMethod = true;
+  } else if (IsSameName(type, "property")) {
+    entry.isProperty = true;
   } else {
-    return IsSameName(type, "indication") || IsSameName(type, "property");
+    return IsSameName(type, "indication");
   }
   return true;
 }
@@ -113,6 +115,7 @@ void TRegistrations::Add(const TRegistration& entry) {
       known.isInstance = known.isInstance || entry.isInstance;
       known.isAssociation = known.isAssociation || entry.isAssociation;
       known.isMethod = known.isMethod || entry.isMethod;
+      known.isProperty = known.isProperty || entry.isProperty;
       return;
     }
   }

@@ -11,17 +11,19 @@ struct TRegistration {
   std::string className;
   std::string nameSpace;
   std::string providerName;
-  std::string library;  ///< Path of the library file.
-  std::string source;   ///< `file:line`, for messages.
+  std::string library;     ///< Path of the library file.
+  std::string source;      ///< `file:line`, for messages.
+  std::string parameters;  ///< Free text for the provider, handed to it with every call.
   bool isInstance = false;
   bool isAssociation = false;
   bool isMethod = false;
+  bool isProperty = false;
 };
 
 /// What the registration files of an installation say.
 ///
 /// A line is `Class Namespace ProviderName Library type...`, the types being `instance`,
-/// `association`, `method`, `indication` and `property`; the last two are accepted and never
+/// `association`, `method`, `property` and `indication`; the last one is accepted and never
 /// called. `#` starts a comment. `Library` stands for `lib<Library>.so` beside the file.
 /// A faulty line is a problem, and all others count.
 /// Threads: loading must be alone; reading is safe from several.

@@ -215,7 +215,7 @@ TEST_F(BrokerUpcallsTest, AssociationUpcallsCarryTheAnswerOfTheOperations) {
   EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_NOT_SUPPORTED);
 }
 
-TEST_F(BrokerUpcallsTest, QueriesAndIndicationsAreNotOffered) {
+TEST_F(BrokerUpcallsTest, QueriesAreNotOffered) {
   const CMPIObjectPath* path = NewPath();
   EXPECT_EQ(Bft().execQuery(m_broker, nullptr, path, "q", "l", &m_rc), nullptr);
   EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_NOT_SUPPORTED);
@@ -230,8 +230,29 @@ TEST_F(BrokerUpcallsTest, QueriesAndIndicationsAreNotOffered) {
       Bft().referencesFiltered(m_broker, nullptr, path, nullptr, nullptr, nullptr, "l", "q", &m_rc),
       nullptr);
   EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_NOT_SUPPORTED);
-  EXPECT_EQ(Bft().deliverIndication(m_broker, nullptr, "root/test", NewInstance()).rc,
-            CMPI_RC_ERR_NOT_SUPPORTED);
+}
+
+TEST_F(BrokerUpcallsTest, AnIndicationThatNobodyListensToIsDelivered) {
+  EXPECT_EQ(Bft().deliverIndication(m_broker, nullptr, "root/test", NewInstance()).rc, CMPI_RC_OK);
+  EXPECT_EQ(Bft().deliverIndication(nullptr, nullptr, nullptr, NewInstance()).rc, CMPI_RC_OK);
+  EXPECT_EQ(Bft().deliverIndication(m_broker, nullptr, "root/test", nullptr).rc,
+            CMPI_RC_ERR_INVALID_HANDLE);
+}
+
+TEST_F(BrokerUpcallsTest, APropertyThatHasAProviderOfItsOwnIsThatProviders) {
+  const CMPIUint16 count = 8;
+  const CMPIObjectPath* path = NamedPath("nobody");
+  EXPECT_EQ(Bft().getProperty(m_broker, nullptr, path, "Single", &m_rc).value.uint16, 1);
+  EXPECT_EQ(m_rc.rc, CMPI_RC_OK);
+  EXPECT_EQ(Bft().setProperty(m_broker, nullptr, path, "Single", In(count), CMPI_uint16).rc,
+            CMPI_RC_OK);
+  EXPECT_EQ(Bft().getProperty(m_broker, nullptr, path, "Single", nullptr).value.uint16, 8);
+  EXPECT_EQ(Bft().setProperty(m_broker, nullptr, path, "Single", nullptr, CMPI_uint16).rc,
+            CMPI_RC_OK);
+  const CMPIData none = Bft().getProperty(m_broker, nullptr, path, "Single", nullptr);
+  EXPECT_EQ(none.type, CMPI_uint16);
+  EXPECT_EQ(none.state, CMPI_nullValue);
+  EXPECT_TRUE(m_operations.GetCalls().empty());
 }
 
 }  // namespace

@@ -23,6 +23,17 @@ std::string TBrokerTest::FindNamespace(const std::string& nameSpace,
   return className == "T_Derived" ? "root/other" : nameSpace;
 }
 
+std::optional<TCIMValue> TBrokerTest::GetProperty(const TCIMReference& /*path*/,
+                                                  const std::string& name) {
+  return name == "Single" ? std::optional<TCIMValue>(m_single) : std::nullopt;
+}
+
+bool TBrokerTest::SetProperty(const TCIMReference& /*path*/, const std::string& name,
+                              const TCIMValue& value) {
+  if (name == "Single") m_single = value;
+  return name == "Single";
+}
+
 CMPIObjectPath* TBrokerTest::NewPath(const char* className) const {
   return m_broker->eft->newObjectPath(m_broker, "root/test", className, nullptr);
 }

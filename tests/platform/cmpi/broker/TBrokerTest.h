@@ -41,6 +41,11 @@ class TBrokerTest : public testing::Test, protected IBrokerHost {
     return IsSameName(className, superclass) || m_classes.IsA(className, superclass);
   }
 
+  /// m_single is the property "Single" of every object, as a provider of properties would serve it.
+  std::optional<TCIMValue> GetProperty(const TCIMReference& path, const std::string& name) override;
+  bool SetProperty(const TCIMReference& path, const std::string& name,
+                   const TCIMValue& value) override;
+
   CMPIObjectPath* NewPath(const char* className = "T_Base") const;
   CMPIInstance* NewInstance(const char* className = "T_Base") const;
   CMPIString* NewString(const char* text) const;
@@ -52,6 +57,7 @@ class TBrokerTest : public testing::Test, protected IBrokerHost {
 
   TClassRepository m_classes;
   TFakeOperations m_operations;
+  TCIMValue m_single = TCIMValue::UInt16(1);
   TBroker& m_taken;
   const CMPIBroker* m_broker;
   CMPIStatus m_rc = {CMPI_RC_ERROR, nullptr};
