@@ -20,7 +20,6 @@ namespace {
 
 using NZEPQEL20::TUnofferedTest;
 
-constexpr char kName[] = "diagsrun: ";
 constexpr char kClassNotFound[] = "Class Not Found\n";
 
 // One command at work.
@@ -38,9 +37,7 @@ class TCommand {
   EExitStatus Inspect();
 
  private:
-  void Complain(const std::string& text) {
-    m_around.err << kName << SafeText(text, ELines::kOne) << "\n";
-  }
+  void Complain(const std::string& text) const { m_around.Complain(text); }
   std::unique_ptr<IReport> MakeReport(std::ostream& out) const;
   void ShowProblems(std::vector<std::string>& shown);
   std::vector<TUnofferedTest> GetUnoffered();
@@ -52,7 +49,6 @@ class TCommand {
   TTestReport RunOne(const std::vector<TTest>& tests, const TRunReport& run);
   void RunAll(const std::vector<TTest>& tests, IReport& report, TRunReport& run);
   EExitStatus InspectAsJson();
-  EExitStatus CheckOutput(EExitStatus status);
 
   const TOptions& m_options;
   IDiagnostics& m_diagnostics;
@@ -64,14 +60,6 @@ class TCommand {
 std::unique_ptr<IReport> TCommand::MakeReport(std::ostream& out) const {
   if (m_options.isJson) return std::make_unique<TJsonReport>(out, m_server);
   return std::make_unique<TTextReport>(out, m_place);
-}
-
-// Whoever reads the results must not take a cut output for a whole one.
-EExitStatus TCommand::CheckOutput(EExitStatus status) {
-  m_around.out.flush();
-  if (m_around.isOutputGood()) return status;
-  Complain("standard output: cannot be written to");
-  return EExitStatus::kNotFinished;
 }
 
 // Shows those that have come since the last call, and keeps them all for the report.
@@ -113,7 +101,8 @@ EExitStatus TCommand::List() {
   MakeReport(m_around.out)->ShowList(list);
   m_around.out.flush();
   if (!m_options.isJson) ShowUnoffered(list.unoffered);
-  return CheckOutput(list.tests.empty() ? EExitStatus::kNotFinished : EExitStatus::kAllPassed);
+  return m_around.CheckOutput(list.tests.empty() ? EExitStatus::kNotFinished
+                                                 : EExitStatus::kAllPassed);
 }
 
 double TCommand::GetSecondsSince(std::chrono::steady_clock::time_point start) const {
@@ -218,7 +207,7 @@ EExitStatus TCommand::Run() {
   // An interrupted run is never reported as a finished one.
   run.status = run.isInterrupted ? EExitStatus::kNotFinished : GetExitStatus(outcomes);
   report->ShowRunEnd(run);
-  return CheckOutput(run.status);
+  return m_around.CheckOutput(run.status);
 }
 
 EExitStatus TCommand::InspectAsJson() {
@@ -230,7 +219,8 @@ EExitStatus TCommand::InspectAsJson() {
   if (instances) inspected.instances = std::move(*instances);
   ShowProblems(inspected.problems);
   TJsonReport(m_around.out, m_server).ShowInstances(inspected);
-  return CheckOutput(inspected.isKnown ? EExitStatus::kAllPassed : EExitStatus::kNotFinished);
+  return m_around.CheckOutput(inspected.isKnown ? EExitStatus::kAllPassed
+                                                : EExitStatus::kNotFinished);
 }
 
 EExitStatus TCommand::Inspect() {
@@ -246,7 +236,7 @@ EExitStatus TCommand::Inspect() {
     Complain(m_options.className + ": no such class" + m_place);
   }
   m_around.out << SafeText(text, ELines::kKeep);
-  return CheckOutput(isUnknown ? EExitStatus::kNotFinished : EExitStatus::kAllPassed);
+  return m_around.CheckOutput(isUnknown ? EExitStatus::kNotFinished : EExitStatus::kAllPassed);
 }
 
 }  // namespace

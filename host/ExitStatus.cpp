@@ -10,7 +10,8 @@ const std::vector<TExitStatusText>& GetExitStatusTexts() {
       {EExitStatus::kAllPassed, "every test passed, or the command did what was asked"},
       {EExitStatus::kTestFailed, "a test failed"},
       {EExitStatus::kNotFinished,
-       "a test could not run or did not finish, nothing was found, or the command itself failed"},
+       "a test could not run or did not finish, nothing was found, a provider was found faulty, or "
+       "the command itself failed"},
       {EExitStatus::kWrongUsage, "wrong usage; nothing was run"},
   };
   return texts;

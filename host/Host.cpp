@@ -17,8 +17,10 @@
 #include "host/Credentials.h"
 #include "host/Progress.h"
 #include "host/Prompt.h"
+#include "host/ProviderCommands.h"
 #include "host/Remedy.h"
 #include "host/TBlockedSignals.h"
+#include "host/TInstalledProviders.h"
 #include "host/TOutputRedirect.h"
 #include "host/TRunnerDiagnostics.h"
 #include "host/TSignalWatch.h"
@@ -148,7 +150,20 @@ EExitStatus RunOnPlatform(const TOptions& options, TCredentials credentials,
   return RunCommand(options, diagnostics, surroundings);
 }
 
+EExitStatus RunOnProviders(const TOptions& options) {
+  const TLog log(options);
+  TInstalledProviders providers(options.root);
+  const TSurroundings surroundings{std::cout,
+                                   std::cerr,
+                                   [] { return false; },
+                                   &IsOutputGood,
+                                   &std::chrono::system_clock::now,
+                                   &std::chrono::steady_clock::now};
+  return RunProviderCommand(options, providers, surroundings);
+}
+
 EExitStatus RunOptions(const TOptions& options, TCredentials credentials) {
+  if (options.provider) return RunOnProviders(options);
   // The other commands start nothing that has to be ended, so signals end them as usual.
   if (options.command != ECommand::kRun) {
     return RunOnPlatform(options, std::move(credentials), nullptr);
@@ -168,7 +183,7 @@ EExitStatus RunArguments(const std::vector<std::string>& arguments) {
   if (options->server) CheckServerFiles(*options->server);
   TCredentials credentials = GetCredentials(*options, std::move(environment));
   WarnOfInsecurity(*options);
-  if (!options->server) return RunOptions(*options, std::move(credentials));
+  if (!options->server && !options->provider) return RunOptions(*options, std::move(credentials));
   try {
     return RunOptions(*options, std::move(credentials));
   } catch (const TQELException& e) {

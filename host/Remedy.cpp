@@ -13,7 +13,7 @@ struct TRemedy {
 };
 
 // The first phrase that is found counts.
-constexpr std::array<TRemedy, 17> kRemedies{{
+constexpr std::array<TRemedy, 19> kRemedies{{
     {"; give the file of its certificate authority", " (--ca FILE, or --insecure)"},
     {"; it was not issued by an authority in ", " (--ca FILE, or --insecure)"},
     {", or ask for insecure mode", " (--insecure)"},
@@ -32,6 +32,8 @@ constexpr std::array<TRemedy, 17> kRemedies{{
     {"; the server does not support this request", "; is this a CIM server?"},
     {"; no CIM server is at this path", "; is this a CIM server?"},
     {"the server does not speak TLS on this port", " (--server http://...)"},
+    {"name another root", " (--root DIR)"},
+    {"; remove it first, or replace it", " (--replace)"},
 }};
 
 bool Holds(const std::string& text, const char* part) {

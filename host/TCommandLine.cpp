@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <ostream>
+#include <sstream>
 
 #include "host/Label.h"
 #include "host/TUsageError.h"
@@ -91,13 +92,22 @@ void TakeSpareSlashesOff(std::string& nameSpace) {
   if (!nameSpace.empty() && nameSpace.front() == '/') nameSpace.erase(0, 1);
 }
 
+// The commands below one of which the arguments name none, with how to ask for one; empty when
+// none is missing.
+std::string DescribeMissingCommand(const CLI::App& app) {
+  if (app.get_subcommands().empty()) return "is no command; say list, run, inspect or provider";
+  const CLI::App& command = *app.get_subcommands().front();
+  if (command.get_subcommands({}).empty() || !command.get_subcommands().empty()) return {};
+  return "is no command of " + command.get_name() + "; say add, remove, list or check";
+}
+
 // An unknown option alone, since a password may stand behind it; else what the parser says.
 std::string DescribeExtras(const std::vector<std::string>& extras, const char* what,
-                           bool hasCommand) {
+                           const std::string& missing) {
   const auto isOption = [](const std::string& extra) { return extra.rfind('-', 0) == 0; };
   const auto option = std::find_if(extras.begin(), extras.end(), isOption);
-  if (option == extras.end() && !hasCommand && !extras.empty()) {
-    return extras.front() + ": is no command; say list, run or inspect";
+  if (option == extras.end() && !missing.empty() && !extras.empty()) {
+    return extras.front() + ": " + missing;
   }
   if (option == extras.end()) return what;
   return "The following argument was not expected: " + option->substr(0, option->find('='));
@@ -136,9 +146,13 @@ TCommandLine::TCommandLine()
   AddList();
   AddRun();
   AddInspect();
+  AddProviderCommand(*m_app, m_provider, m_options.isJson);
   const std::string footer = MakeFooter();
   m_app->footer(footer);
-  for (CLI::App* command : m_app->get_subcommands({})) command->footer(kGlobals + footer);
+  for (CLI::App* command : m_app->get_subcommands({})) {
+    command->footer(kGlobals + footer);
+    for (CLI::App* action : command->get_subcommands({})) action->footer(kGlobals + footer);
+  }
 }
 
 TCommandLine::~TCommandLine() = default;
@@ -186,7 +200,10 @@ void TCommandLine::AddInspect() {
 }
 
 const CLI::App& TCommandLine::FindApp(const std::string& command) const {
-  return command.empty() ? *m_app : *m_app->get_subcommand(command);
+  const CLI::App* found = m_app.get();
+  std::istringstream words(command);
+  for (std::string word; words >> word;) found = found->get_subcommand(word);
+  return *found;
 }
 
 std::string TCommandLine::GetHelp(const std::string& command) const {
@@ -204,7 +221,7 @@ std::vector<std::string> TCommandLine::GetOptionNames(const std::string& command
 // What the parser's own checks do not cover.
 void TCommandLine::Check() const {
   if (m_app->get_subcommands().empty()) {
-    throw TUsageError("command", "say which: list, run or inspect");
+    throw TUsageError("command", "say which: list, run, inspect or provider");
   }
   for (const char* name : {"--root", "--namespace", "--log"}) RefuseEmpty(*m_app, name);
   for (const CLI::App* command : m_app->get_subcommands()) {
@@ -215,6 +232,7 @@ void TCommandLine::Check() const {
   }
   if (m_options.nameSpace.empty()) throw TUsageError("--namespace", "holds no name");
   CheckServerOptions(*m_app, m_server);
+  if (HasProvider(*m_app)) return CheckProviderArguments(*m_app, m_provider);
   if (m_options.command != ECommand::kRun) return;
 
   const TSelection& selection = m_options.selection;
@@ -233,7 +251,7 @@ std::string TCommandLine::Explain(const CLI::ParseError& error) const {
   const bool isExtra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
   if (!isExtra) return HideUserInfo(DescribeMismatch(error.what()));
   return HideUserInfo(
-      DescribeExtras(m_app->remaining(true), error.what(), !m_app->get_subcommands().empty()));
+      DescribeExtras(m_app->remaining(true), error.what(), DescribeMissingCommand(*m_app)));
 }
 
 std::optional<TOptions> TCommandLine::Parse(const std::vector<std::string>& arguments,
@@ -247,9 +265,11 @@ std::optional<TOptions> TCommandLine::Parse(const std::vector<std::string>& argu
     m_app->parse(reversed);
     TakeGuardsOff(m_options);
     for (std::string* text : GetTexts(m_server)) TakeGuardOff(*text);
+    for (std::string* text : GetTexts(m_provider)) TakeGuardOff(*text);
     TakeSpareSlashesOff(m_options.nameSpace);
     Check();
     if (HasServer(*m_app)) m_options.server = m_server;
+    if (HasProvider(*m_app)) m_options.provider = m_provider;
     m_status = EExitStatus::kAllPassed;
     return m_options;
   } catch (const CLI::ParseError& e) {

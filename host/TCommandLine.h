@@ -9,6 +9,7 @@
 
 #include "host/Catalogue.h"
 #include "host/ExitStatus.h"
+#include "host/ProviderArguments.h"
 #include "host/ServerArguments.h"
 #include "platform/contract/ILogger.h"
 
@@ -38,9 +39,10 @@ struct TOptions {
   NZEPQEL20::ILogger::EQELLogSeverity logLevel = NZEPQEL20::ILogger::kInfo;
   EProgress progress = EProgress::kAuto;
   TSelection selection;
-  std::optional<std::string> label;        ///< Absent: each test's own service name.
-  std::string className;                   ///< For `inspect`.
-  std::optional<TServerArguments> server;  ///< Absent: the tests are those of this machine.
+  std::optional<std::string> label;            ///< Absent: each test's own service name.
+  std::string className;                       ///< For `inspect`.
+  std::optional<TServerArguments> server;      ///< Absent: the tests are those of this machine.
+  std::optional<TProviderArguments> provider;  ///< Present: it counts instead of `command`.
 };
 
 /// Reads the arguments of `diagsrun`.
@@ -59,7 +61,8 @@ class TCommandLine {
 
   EExitStatus GetStatus() const { return m_status; }
 
-  /// The help of a command, of the whole program when `command` is empty.
+  /// The help of a command, such as "list" or "provider add"; of the whole program when `command`
+  /// is empty.
   std::string GetHelp(const std::string& command) const;
 
   /// The long options of a command, of the whole program when `command` is empty; each with "--".
@@ -77,6 +80,7 @@ class TCommandLine {
   std::unique_ptr<CLI::App> m_app;
   TOptions m_options;
   TServerArguments m_server;
+  TProviderArguments m_provider;
   EExitStatus m_status = EExitStatus::kAllPassed;
 };
 

@@ -4,21 +4,14 @@
 #include <array>
 #include <cmath>
 #include <ctime>
-#include <nlohmann/json.hpp>
-#include <ostream>
+
+#include "host/JsonDocument.h"
 
 namespace host {
 namespace {
 
-using TJson = nlohmann::ordered_json;
-
-void Write(std::ostream& out, const TJson& document) {
-  out << document.dump(2, ' ', false, TJson::error_handler_t::replace) << "\n";
-  out.flush();
-}
-
 TJson MakeDocument(const char* command, const std::string& server) {
-  TJson document = {{"format", TJsonReport::kFormat}, {"command", command}};
+  TJson document = host::MakeDocument(command);
   if (!server.empty()) document["server"] = server;
   return document;
 }
@@ -85,7 +78,7 @@ void TJsonReport::ShowList(const TListReport& list) {
                                      {"remedy", test.remedy}});
   }
   document["problems"] = list.problems;
-  Write(*m_out, document);
+  WriteDocument(*m_out, document);
 }
 
 void TJsonReport::ShowTestStart(const TTest& /*test*/, std::size_t /*position*/,
@@ -105,7 +98,7 @@ void TJsonReport::ShowRunEnd(const TRunReport& run) {
                          {"errors", run.Count(EOutcome::kError)},
                          {"notRun", run.Count(EOutcome::kNotRun)}};
   document["problems"] = run.problems;
-  Write(*m_out, document);
+  WriteDocument(*m_out, document);
 }
 
 void TJsonReport::ShowInstances(const TInspectReport& inspected) {
@@ -117,7 +110,7 @@ void TJsonReport::ShowInstances(const TInspectReport& inspected) {
     document["instances"].push_back(MakeInstance(instance));
   }
   document["problems"] = inspected.problems;
-  Write(*m_out, document);
+  WriteDocument(*m_out, document);
 }
 
 }  // namespace host

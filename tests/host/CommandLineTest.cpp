@@ -114,8 +114,9 @@ TEST_P(WrongUsageTest, IsOneLineThatNamesTheArgument) {
 INSTANTIATE_TEST_SUITE_P(
     All, WrongUsageTest,
     ::testing::Values(
-        TWrong{"Nothing", {}, "list, run or inspect"},
-        TWrong{"UnknownCommand", {"frob"}, "frob: is no command; say list, run or inspect"},
+        TWrong{"Nothing", {}, "list, run, inspect or provider"},
+        TWrong{
+            "UnknownCommand", {"frob"}, "frob: is no command; say list, run, inspect or provider"},
         TWrong{
             "OptionTwice", {"--log", "a", "list", "--log", "b"}, "--log: is given more than once"},
         TWrong{"SlashNamespace", {"--namespace", "//", "list"}, "--namespace: holds no name"},

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/TTemporaryFolder.h"
 #include "tests/support/TSubprocess.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace host {
 namespace {
@@ -49,6 +49,14 @@ INSTANTIATE_TEST_SUITE_P(
         TCompletion{"ServerOptionBehindACommand", {"run", "--cl"}, "--client-cert\n--client-key\n"},
         TCompletion{"Timeouts", {"list", "--m"}, "--method-timeout\n--max-reply\n--match\n"},
         TCompletion{"Scheme", {"--server", "https"}, "https://\n"},
+        TCompletion{"ProviderCommands", {"provider", "l"}, "list\n"},
+        TCompletion{"ProviderNotTheListOfTests",
+                    {"provider", "list", "--m"},
+                    "--method-timeout\n--max-reply\n"},
+        TCompletion{"OptionsOfAdd", {"provider", "add", "--fo"}, "--force\n"},
+        TCompletion{"OptionsOfCheck", {"provider", "check", "--js"}, "--json\n"},
+        TCompletion{"NothingForAName", {"provider", "add", "x", "--name", ""}, "\n"},
+        TCompletion{"CommandOnceMore", {"list", "provider", "--dev"}, "--device\n"},
         TCompletion{"NothingForAUser", {"--user", ""}, "\n"},
         TCompletion{"NothingForATime", {"--connect-timeout", ""}, "\n"}),
     [](const auto& row) { return row.param.name; });
@@ -60,6 +68,25 @@ TEST(CompletionOfFilesTest, OffersFilesWhereFilesBelong) {
     EXPECT_EQ(Complete({option, "lo"}, folder.GetPath()), "login\n") << option;
   }
   EXPECT_THAT(Complete({"--server", "lo"}, folder.GetPath()), Not(HasSubstr("login")));
+}
+
+TEST(CompletionOfProvidersTest, OffersTheInstalledOnesBelowTheRoot) {
+  const TTemporaryFolder root;
+  for (const char* name : {"acme", "acorn", "hardware", "acute; rm", "ac$(touch x)"}) {
+    std::filesystem::create_directories(root.GetPath("providers") + "/" + name);
+  }
+  const TTemporaryFolder folder;
+  folder.Write("acid", "");
+  const std::vector<std::string> remove = {"--root", root.GetPath(), "provider", "remove", "ac"};
+  EXPECT_EQ(Complete(remove, folder.GetPath()), "acme\nacorn\n");
+  const std::vector<std::string> check = {"provider", "check", "--root", root.GetPath(), "ac"};
+  EXPECT_EQ(Complete(check, folder.GetPath()), "acme\nacorn\nacid\n");
+  EXPECT_FALSE(std::filesystem::exists(folder.GetPath("x")));
+  EXPECT_EQ(Complete({"provider", "add", "ac"}, folder.GetPath()), "acid\n");
+}
+
+TEST(CompletionOfProvidersTest, OffersNothingWhereNothingIsInstalled) {
+  EXPECT_EQ(Complete({"--root", "/no/such", "provider", "remove", ""}), "\n");
 }
 
 }  // namespace

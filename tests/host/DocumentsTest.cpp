@@ -30,7 +30,15 @@ std::string ReadManual() {
 }
 
 const std::vector<std::string>& GetCommands() {
-  static const std::vector<std::string> commands = {"", "list", "run", "inspect"};
+  static const std::vector<std::string> commands = {"",
+                                                    "list",
+                                                    "run",
+                                                    "inspect",
+                                                    "provider",
+                                                    "provider add",
+                                                    "provider list",
+                                                    "provider remove",
+                                                    "provider check"};
   return commands;
 }
 
@@ -71,7 +79,8 @@ TEST(DocumentsTest, ManualHelpAndCompletionHaveEveryOption) {
 
 TEST(DocumentsTest, TheHelpOfACommandPointsToTheOptionsOfEveryCommand) {
   const TCommandLine commandLine;
-  for (const char* command : {"list", "run", "inspect"}) {
+  for (const std::string& command : GetCommands()) {
+    if (command.empty()) continue;
     EXPECT_THAT(commandLine.GetHelp(command), HasSubstr("(see diagsrun --help) may stand behind"));
   }
 }
@@ -88,11 +97,15 @@ TEST(DocumentsTest, HelpAndManualTellWhereAUrlLeadsAndWhatALogIs) {
 TEST(DocumentsTest, TheManualHasEveryJsonKey) {
   const std::string manual = ReadManual();
   for (const char* key :
-       {"format",  "command",   "tests",    "number",    "id",        "service", "device",
-        "element", "unoffered", "reason",   "remedy",    "problems",  "status",  "interrupted",
-        "outcome", "answer",    "started",  "seconds",   "record",    "path",    "completionState",
-        "data",    "summary",   "selected", "passed",    "failed",    "errors",  "notRun",
-        "server",  "class",     "known",    "instances", "properties"}) {
+       {"format",    "command",     "tests",           "number",    "id",        "service",
+        "device",    "element",     "unoffered",       "reason",    "remedy",    "problems",
+        "status",    "interrupted", "outcome",         "answer",    "started",   "seconds",
+        "record",    "path",        "completionState", "data",      "summary",   "selected",
+        "passed",    "failed",      "errors",          "notRun",    "server",    "class",
+        "known",     "instances",   "properties",      "providers", "name",      "folder",
+        "libraries", "schema",      "registrations",   "services",  "namespace", "provider",
+        "library",   "types",       "errors",          "warnings",  "findings",  "severity",
+        "rule",      "text",        "added",           "removed"}) {
     EXPECT_THAT(manual, HasSubstr(key));
   }
 }

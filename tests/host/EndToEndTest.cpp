@@ -179,7 +179,7 @@ TEST_P(BadCallTest, IsOneLineOnStandardErrorAndNothingElse) {
 INSTANTIATE_TEST_SUITE_P(
     All, BadCallTest,
     ::testing::Values(
-        TBadCall{"Nothing", {}, 3, "list, run or inspect"},
+        TBadCall{"Nothing", {}, 3, "list, run, inspect or provider"},
         TBadCall{"UnknownId", {"run", "no,such,test"}, 3, "no,such,test: no such test"},
         TBadCall{"EmptyId", {"run", ""}, 3, "is empty"},
         TBadCall{"NoCommas", {"run", "stress"}, 3, "stress"},

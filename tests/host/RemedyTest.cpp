@@ -75,7 +75,15 @@ INSTANTIATE_TEST_SUITE_P(
         TFailure{"NotThere", "HTTP 404 Not Found; no CIM server is at this path; most have /cimom",
                  "; is this a CIM server?"},
         TFailure{"Plain", "the server does not speak TLS on this port (x); use http",
-                 " (--server http://...)"}),
+                 " (--server http://...)"},
+        TFailure{"NotWritable",
+                 "/r/providers: cannot be made: Permission denied; run the command as the owner of "
+                 "the installation root, or name another root",
+                 " (--root DIR)"},
+        TFailure{"ReadOnly", "the installation root is read-only, name another root or remount it",
+                 " (--root DIR)"},
+        TFailure{"TakenName", "/r/providers/acme: is there already; remove it first, or replace it",
+                 " (--replace)"}),
     [](const auto& row) { return row.param.name; });
 
 TEST(NoRemedyTest, ATextThatNoOptionHelpsStaysAsItIs) {
