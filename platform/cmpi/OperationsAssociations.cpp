@@ -67,13 +67,13 @@ void TCMPIOperations::Associators(const TCIMReference& path, const TAssociationF
   const std::string what = "Associators of " + path.GetPath();
   const auto ask = [&](const TParts::TService& service) {
     CMPIAssociationMI& mi = service.provider->GetAssociationMI(providers.GetBroker());
-    TPassedPath given(m_parts->ToContent(path));
+    const TPassedPath given(m_parts->ToContent(path));
     return m_parts->Call(service, what, nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
       return mi.ft->associators == nullptr
                  ? NoSuchFunction()
-                 : mi.ft->associators(&mi, ctx, result, &given, OrNull(filter.associationClass),
-                                      OrNull(filter.resultClass), OrNull(filter.role),
-                                      OrNull(filter.resultRole), nullptr);
+                 : mi.ft->associators(&mi, ctx, result, given.Get(),
+                                      OrNull(filter.associationClass), OrNull(filter.resultClass),
+                                      OrNull(filter.role), OrNull(filter.resultRole), nullptr);
     });
   };
   const auto take = [&](const TParts::TService&, TCallOutcome& outcome) {
@@ -93,13 +93,13 @@ std::vector<TCIMReference> TCMPIOperations::AssociatorNames(const TCIMReference&
   const std::string what = "AssociatorNames of " + path.GetPath();
   const auto ask = [&](const TParts::TService& service) {
     CMPIAssociationMI& mi = service.provider->GetAssociationMI(providers.GetBroker());
-    TPassedPath given(m_parts->ToContent(path));
+    const TPassedPath given(m_parts->ToContent(path));
     return m_parts->Call(service, what, nameSpace, EKind::kPaths, [&](auto* ctx, auto* result) {
       return mi.ft->associatorNames == nullptr
                  ? NoSuchFunction()
-                 : mi.ft->associatorNames(&mi, ctx, result, &given, OrNull(filter.associationClass),
-                                          OrNull(filter.resultClass), OrNull(filter.role),
-                                          OrNull(filter.resultRole));
+                 : mi.ft->associatorNames(
+                       &mi, ctx, result, given.Get(), OrNull(filter.associationClass),
+                       OrNull(filter.resultClass), OrNull(filter.role), OrNull(filter.resultRole));
     });
   };
   std::vector<TCIMReference> found;
@@ -121,11 +121,11 @@ void TCMPIOperations::References(const TCIMReference& path, const TAssociationFi
   const std::string what = "References of " + path.GetPath();
   const auto ask = [&](const TParts::TService& service) {
     CMPIAssociationMI& mi = service.provider->GetAssociationMI(providers.GetBroker());
-    TPassedPath given(m_parts->ToContent(path));
+    const TPassedPath given(m_parts->ToContent(path));
     return m_parts->Call(service, what, nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
       return mi.ft->references == nullptr
                  ? NoSuchFunction()
-                 : mi.ft->references(&mi, ctx, result, &given, OrNull(filter.resultClass),
+                 : mi.ft->references(&mi, ctx, result, given.Get(), OrNull(filter.resultClass),
                                      OrNull(filter.role), nullptr);
     });
   };
@@ -146,11 +146,11 @@ std::vector<TCIMReference> TCMPIOperations::ReferenceNames(const TCIMReference& 
   const std::string what = "ReferenceNames of " + path.GetPath();
   const auto ask = [&](const TParts::TService& service) {
     CMPIAssociationMI& mi = service.provider->GetAssociationMI(providers.GetBroker());
-    TPassedPath given(m_parts->ToContent(path));
+    const TPassedPath given(m_parts->ToContent(path));
     return m_parts->Call(service, what, nameSpace, EKind::kPaths, [&](auto* ctx, auto* result) {
       return mi.ft->referenceNames == nullptr
                  ? NoSuchFunction()
-                 : mi.ft->referenceNames(&mi, ctx, result, &given, OrNull(filter.resultClass),
+                 : mi.ft->referenceNames(&mi, ctx, result, given.Get(), OrNull(filter.resultClass),
                                          OrNull(filter.role));
     });
   };

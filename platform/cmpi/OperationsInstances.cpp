@@ -39,13 +39,7 @@ void RequireKnown(const TProviders& providers, const TProviders::TServices& serv
                       CMPI_RC_ERR_INVALID_CLASS);
 }
 
-/// An instance object that stays the broker's.
-class TPassedInstance : public TBrokerInstance {
- public:
-  explicit TPassedInstance(TInstanceContent content) : TBrokerInstance(std::move(content)) {
-    SetLifetime(ELifetime::kPassed);
-  }
-};
+using TPassedInstance = TPassed<TBrokerInstance>;
 
 }  // namespace
 
@@ -57,11 +51,11 @@ void TCMPIOperations::EnumerateInstances(const std::string& nameSpace, const std
   RequireKnown(providers, services, what, className);
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    TPassedPath path(ClassPath(nameSpace, service.registration->className));
+    const TPassedPath path(ClassPath(nameSpace, service.registration->className));
     return m_parts->Call(service, what, nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
       return mi.ft->enumerateInstances == nullptr
                  ? NoSuchFunction()
-                 : mi.ft->enumerateInstances(&mi, ctx, result, &path, nullptr);
+                 : mi.ft->enumerateInstances(&mi, ctx, result, path.Get(), nullptr);
     });
   };
   const auto take = [&](const TParts::TService& service, TCallOutcome& outcome) {
@@ -82,11 +76,11 @@ std::vector<TCIMReference> TCMPIOperations::EnumerateInstanceNames(const std::st
   RequireKnown(providers, services, what, className);
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    TPassedPath path(ClassPath(nameSpace, service.registration->className));
+    const TPassedPath path(ClassPath(nameSpace, service.registration->className));
     return m_parts->Call(service, what, nameSpace, EKind::kPaths, [&](auto* ctx, auto* result) {
       return mi.ft->enumerateInstanceNames == nullptr
                  ? NoSuchFunction()
-                 : mi.ft->enumerateInstanceNames(&mi, ctx, result, &path);
+                 : mi.ft->enumerateInstanceNames(&mi, ctx, result, path.Get());
     });
   };
   std::vector<TCIMReference> found;
@@ -108,12 +102,12 @@ TCIMInstanceData TCMPIOperations::GetInstance(const TCIMReference& path) {
   const TPathContent content = m_parts->ToContent(path);
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    TPassedPath given(content);
+    const TPassedPath given(content);
     TCallOutcome outcome =
         m_parts->Call(service, what, nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
           return mi.ft->getInstance == nullptr
                      ? NoSuchFunction()
-                     : mi.ft->getInstance(&mi, ctx, result, &given, nullptr);
+                     : mi.ft->getInstance(&mi, ctx, result, given.Get(), nullptr);
         });
     if (outcome.content.instances.empty()) {
       throw TQELException(TQELStatusCode::kCIMError,
@@ -138,14 +132,14 @@ TCIMReference TCMPIOperations::CreateInstance(const std::string& nameSpace,
   const std::string what = "CreateInstance of " + nameSpace + ':' + className;
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    TPassedInstance given(TInstanceContent::From(instance));
+    const TPassedInstance given(TInstanceContent::From(instance));
     TPathContent target = m_parts->ToContent(instance.path);
     target.nameSpace = nameSpace;
-    TPassedPath path(target);
+    const TPassedPath path(target);
     return m_parts->Call(service, what, nameSpace, EKind::kPaths, [&](auto* ctx, auto* result) {
       return mi.ft->createInstance == nullptr
                  ? NoSuchFunction()
-                 : mi.ft->createInstance(&mi, ctx, result, &path, &given);
+                 : mi.ft->createInstance(&mi, ctx, result, path.Get(), given.Get());
     });
   };
   TCallOutcome outcome =
@@ -166,14 +160,15 @@ void TCMPIOperations::ModifyInstance(const TCIMInstanceData& instance) {
   names.push_back(nullptr);
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    TPassedInstance given(TInstanceContent::From(instance));
-    TPassedPath target(m_parts->ToContent(path));
-    return m_parts->Call(
-        service, what, path.GetNamespaceName(), EKind::kNothing, [&](auto* ctx, auto* result) {
-          return mi.ft->modifyInstance == nullptr
-                     ? NoSuchFunction()
-                     : mi.ft->modifyInstance(&mi, ctx, result, &target, &given, names.data());
-        });
+    const TPassedInstance given(TInstanceContent::From(instance));
+    const TPassedPath target(m_parts->ToContent(path));
+    return m_parts->Call(service, what, path.GetNamespaceName(), EKind::kNothing,
+                         [&](auto* ctx, auto* result) {
+                           return mi.ft->modifyInstance == nullptr
+                                      ? NoSuchFunction()
+                                      : mi.ft->modifyInstance(&mi, ctx, result, target.Get(),
+                                                              given.Get(), names.data());
+                         });
   };
   m_parts->AskFirst(providers.FindServicesOfObject(path.GetNamespaceName(), path.GetClassName(),
                                                    ERole::kInstance),
@@ -185,12 +180,12 @@ void TCMPIOperations::DeleteInstance(const TCIMReference& path) {
   const std::string what = "DeleteInstance of " + path.GetPath();
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    TPassedPath target(m_parts->ToContent(path));
+    const TPassedPath target(m_parts->ToContent(path));
     return m_parts->Call(service, what, path.GetNamespaceName(), EKind::kNothing,
                          [&](auto* ctx, auto* result) {
                            return mi.ft->deleteInstance == nullptr
                                       ? NoSuchFunction()
-                                      : mi.ft->deleteInstance(&mi, ctx, result, &target);
+                                      : mi.ft->deleteInstance(&mi, ctx, result, target.Get());
                          });
   };
   m_parts->AskFirst(providers.FindServicesOfObject(path.GetNamespaceName(), path.GetClassName(),

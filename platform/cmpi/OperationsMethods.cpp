@@ -27,13 +27,7 @@ TNamedValues ConvertParameters(const TKeyMap& parameters, const TCIMMethodDeclar
   return converted;
 }
 
-/// Arguments that stay the broker's.
-class TPassedArgs : public TBrokerArgs {
- public:
-  explicit TPassedArgs(TNamedValues values) : TBrokerArgs(std::move(values)) {
-    SetLifetime(ELifetime::kPassed);
-  }
-};
+using TPassedArgs = TPassed<TBrokerArgs>;
 
 }  // namespace
 
@@ -48,17 +42,17 @@ TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::st
   TKeyMap results;
   const auto ask = [&](const TParts::TService& service) {
     CMPIMethodMI& mi = service.provider->GetMethodMI(providers.GetBroker());
-    TPassedPath target(m_parts->ToContent(path));
+    const TPassedPath target(m_parts->ToContent(path));
     const TPassedArgs inArgs(in);
-    TPassedArgs outArgs({});
+    const TPassedArgs outArgs{TNamedValues()};
     TCallOutcome outcome = m_parts->Call(
         service, what, nameSpace, TBrokerResult::EKind::kData, [&](auto* ctx, auto* result) {
           return mi.ft->invokeMethod == nullptr
                      ? NoSuchFunction()
-                     : mi.ft->invokeMethod(&mi, ctx, result, &target, method.c_str(), &inArgs,
-                                           &outArgs);
+                     : mi.ft->invokeMethod(&mi, ctx, result, target.Get(), method.c_str(),
+                                           inArgs.Get(), outArgs.Get());
         });
-    for (const TCIMPropertyData& out : outArgs.GetValues()) results[out.name] = out.value;
+    for (const TCIMPropertyData& out : outArgs.Get()->GetValues()) results[out.name] = out.value;
     return outcome;
   };
   const TCallOutcome outcome = m_parts->AskFirst(

@@ -15,11 +15,11 @@ std::optional<TCallOutcome> TProviders::CallProperty(const std::string& what,
   for (const TService& service :
        FindServicesOfObject(nameSpace, path.GetClassName(), ERole::kProperty)) {
     CMPIPropertyMI& mi = service.provider->GetPropertyMI(m_broker);
-    TPassedPath given(TPathContent::From(ConvertKeys(path, declaration.get())));
+    const TPassedPath given(TPathContent::From(ConvertKeys(path, declaration.get())));
     const TCallSite site{nameSpace, service.registration->parameters};
     TCallOutcome outcome = CallProvider(
         m_broker, site, TBrokerResult::EKind::kData,
-        [&](auto* context, auto* result) { return call(mi, context, result, &given); });
+        [&](auto* context, auto* result) { return call(mi, context, result, given.Get()); });
     if (outcome.code == CMPI_RC_OK) return outcome;
     // Another provider, or the instance as a whole, may have what this one has not.
     if (outcome.code == CMPI_RC_ERR_NOT_SUPPORTED) continue;

@@ -80,9 +80,9 @@ TCallOutcome CallProvider(TBroker& broker, const TCallSite& site, TBrokerResult:
   const std::shared_ptr<TBrokerResult> result = TBrokerResult::Open(kind);
   {
     const TCallFrame frame(broker);
-    TBrokerContext context(TBrokerContext::EntriesFor(site.nameSpace, site.parameters));
-    context.SetLifetime(ELifetime::kPassed);
-    Run(outcome, function, &context, result.get());
+    const TPassed<TBrokerContext> context(
+        TBrokerContext::EntriesFor(site.nameSpace, site.parameters));
+    Run(outcome, function, context.Get(), result.get());
   }
   outcome.content = result->Close();
   if (outcome.code == CMPI_RC_OK) return outcome;

@@ -25,12 +25,6 @@ class TBrokerPath : public TBrokerObjectOf<TBrokerPath, CMPIObjectPath> {
   TPathContent m_content;
 };
 
-/// A path object that stays the broker's: a provider's release of it does nothing.
-class TPassedPath : public TBrokerPath {
- public:
-  explicit TPassedPath(TPathContent content) : TBrokerPath(std::move(content)) {
-    SetLifetime(ELifetime::kPassed);
-  }
-};
+using TPassedPath = TPassed<TBrokerPath>;
 
 }  // namespace NZEPQEL20::cmpi

@@ -103,4 +103,21 @@ TObject* Make(TArguments&&... arguments) {
   return made;
 }
 
+/// An object that the broker hands to a provider function and ends itself: a release of it does
+/// nothing. On the heap, because an ended object leaves a shell there.
+template <class TObject>
+class TPassed {
+ public:
+  template <class... TArguments>
+  explicit TPassed(TArguments&&... arguments)
+      : m_object(std::make_unique<TObject>(std::forward<TArguments>(arguments)...)) {
+    m_object->SetLifetime(ELifetime::kPassed);
+  }
+
+  TObject* Get() const { return m_object.get(); }
+
+ private:
+  std::unique_ptr<TObject> m_object;
+};
+
 }  // namespace NZEPQEL20::cmpi

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Provider libraries that each do one thing wrong. DIAGS_BAD says which; it is a word of the list
 // below, and the library's name.
+#include <unistd.h>
+
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -74,13 +78,92 @@ void ReturnFromThread(const CMPIResult* result, const CMPIObjectPath* request, b
   worker.join();
 }
 
-CMPIStatus Cleanup(CMPIInstanceMI*, const CMPIContext*, CMPIBoolean) {
-  ++theCleanups;
+/// What was handed over or made in a call before this one, used as if it were still there.
+struct TKept {
+  const CMPIContext* context;
+  const CMPIObjectPath* request;
+  CMPIObjectPath* path;
+  CMPIInstance* instance;
+  CMPIString* text;
+};
+TKept theKept = {};
+
+CMPIStatus UseKept() {
+  CMPIStatus status = {CMPI_RC_OK, nullptr};
+  int refusals = 0;
+  const auto count = [&](CMPIrc code) { refusals += code == CMPI_RC_ERR_INVALID_HANDLE ? 1 : 0; };
+  theKept.context->ft->getEntryCount(theKept.context, &status);
+  count(status.rc);
+  theKept.request->ft->getKeyCount(theKept.request, &status);
+  count(status.rc);
+  count(theKept.path->ft->addKey(theKept.path, "Late", Chars("x"), CMPI_chars).rc);
+  count(theKept.instance->ft->setProperty(theKept.instance, "Name", Chars("x"), CMPI_chars).rc);
+  theKept.text->ft->getCharPtr(theKept.text, &status);
+  count(status.rc);
+  const std::string words = std::to_string(refusals) + " of 5 were refused";
+  return {CMPI_RC_ERR_FAILED, Text(words.c_str())};
+}
+
+/// Results that no enumeration of instances has room for.
+void ReturnWrongThings(const CMPIResult* result, const CMPIObjectPath* request) {
+  const CMPIValue value = {};
+  CMPIObjectPath* path = NewPath(request, "wrong");
+  result->ft->returnData(result, &value, CMPI_uint32);
+  result->ft->returnData(result, nullptr, 0x7777);
+  result->ft->returnObjectPath(result, path);
+  result->ft->returnObjectPath(result, nullptr);
+  result->ft->returnInstance(result, nullptr);
+  // A path in the place of an instance.
+  result->ft->returnInstance(result, reinterpret_cast<const CMPIInstance*>(path));
+  CMPIStatus status = {CMPI_RC_OK, nullptr};
+  theBroker->eft->newInstance(theBroker, nullptr, &status);
+  theBroker->bft->getInstance(theBroker, nullptr, nullptr, nullptr, nullptr);
+  theBroker->bft->enumerateInstances(theBroker, nullptr, path, nullptr, nullptr);
+}
+
+/// Of another class, and of one that nobody declares.
+void ReturnOthers(const CMPIResult* result, const CMPIObjectPath* request) {
+  for (const char* name : {"BAD_Other", "BAD_Unheard", "", "not a name"}) {
+    CMPIObjectPath* path = NewPath(request, name);
+    path->ft->setClassName(path, name);
+    CMPIInstance* instance = theBroker->eft->newInstance(theBroker, path, nullptr);
+    result->ft->returnInstance(result, instance);
+  }
+}
+
+CMPIStatus ReturnMany(const CMPIResult* result, const CMPIObjectPath* request) {
+  const char* count = std::getenv("DIAGS_BAD_COUNT");
+  const int many = count == nullptr ? 1'000'000 : std::atoi(count);
+  for (int i = 0; i < many; ++i) {
+    CMPIInstance* instance = NewInstance(request, std::to_string(i).c_str());
+    const CMPIStatus status = result->ft->returnInstance(result, instance);
+    if (status.rc != CMPI_RC_OK) return status;
+    // What a careful provider does; the path that the instance was made from stays.
+    instance->ft->release(instance);
+  }
   return {CMPI_RC_OK, nullptr};
 }
 
-CMPIStatus EnumerateInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* result,
+/// The answer to every call of a provider that fails at all of them.
+CMPIStatus RefuseAll(const char* call) {
+  if (DIAGS_IS("throwsall")) throw std::runtime_error(std::string("out of luck in ") + call);
+  const std::string words = std::string("not for you: ") + call;
+  return {CMPI_RC_ERR_ACCESS_DENIED, Text(words.c_str())};
+}
+
+CMPIStatus Cleanup(CMPIInstanceMI*, const CMPIContext*, CMPIBoolean) {
+  ++theCleanups;
+  if (DIAGS_IS("throwsall") || DIAGS_IS("codes")) return RefuseAll("cleanup");
+  return {CMPI_RC_OK, nullptr};
+}
+
+CMPIStatus EnumerateInstances(CMPIInstanceMI*, const CMPIContext* context, const CMPIResult* result,
                               const CMPIObjectPath* request, const char**) {
+  if (DIAGS_IS("codes") || DIAGS_IS("throwsall")) return RefuseAll("enumerateInstances");
+  if (DIAGS_IS("wrongthings")) ReturnWrongThings(result, request);
+  if (DIAGS_IS("others")) ReturnOthers(result, request);
+  if (DIAGS_IS("million")) return ReturnMany(result, request);
+  if (DIAGS_IS("keeps") && theKept.path != nullptr) return UseKept();
   if (DIAGS_IS("throws")) throw std::runtime_error("out of luck");
   if (DIAGS_IS("code")) return {CMPI_RC_ERR_ACCESS_DENIED, Text("not for you")};
   if (DIAGS_IS("oddcode")) return {static_cast<CMPIrc>(4711), nullptr};
@@ -98,6 +181,7 @@ CMPIStatus EnumerateInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIRes
   }
   theLateResult = result;
   CMPIInstance* instance = NewInstance(request, "one");
+  theKept = {context, request, NewPath(request, "kept"), instance, Text("kept")};
   result->ft->returnInstance(result, instance);
   if (DIAGS_IS("twice")) result->ft->returnDone(result);
   if (DIAGS_IS("releases")) {
@@ -108,16 +192,43 @@ CMPIStatus EnumerateInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIRes
   return {CMPI_RC_OK, nullptr};
 }
 
+CMPIStatus EnumerateInstanceNames(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*,
+                                  const CMPIObjectPath*) {
+  return RefuseAll("enumerateInstanceNames");
+}
+CMPIStatus GetInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*,
+                       const CMPIObjectPath*, const char**) {
+  return RefuseAll("getInstance");
+}
+CMPIStatus CreateInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*,
+                          const CMPIObjectPath*, const CMPIInstance*) {
+  return RefuseAll("createInstance");
+}
+CMPIStatus ModifyInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*,
+                          const CMPIObjectPath*, const CMPIInstance*, const char**) {
+  return RefuseAll("modifyInstance");
+}
+CMPIStatus DeleteInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*,
+                          const CMPIObjectPath*) {
+  return RefuseAll("deleteInstance");
+}
+
+/// A slot that only the libraries fill which fail at every call.
+template <class TFunction>
+TFunction Slot(TFunction function) {
+  return DIAGS_IS("codes") || DIAGS_IS("throwsall") ? function : nullptr;
+}
+
 const CMPIInstanceMIFT kTable = {DIAGS_IS("oldtable") ? 90 : CMPIVersion200,
                                  CMPIVersion200,
                                  "Bad",
                                  Cleanup,
-                                 nullptr,
+                                 Slot(EnumerateInstanceNames),
                                  DIAGS_IS("nullslots") ? nullptr : EnumerateInstances,
-                                 nullptr,
-                                 nullptr,
-                                 nullptr,
-                                 nullptr,
+                                 Slot(GetInstance),
+                                 Slot(CreateInstance),
+                                 Slot(ModifyInstance),
+                                 Slot(DeleteInstance),
                                  nullptr,
                                  nullptr};
 
@@ -125,6 +236,12 @@ CMPIInstanceMI theMI = {nullptr, DIAGS_IS("nulltable") ? nullptr : &kTable};
 
 CMPIInstanceMI* Create(const CMPIBroker* broker, CMPIStatus* status) {
   theBroker = broker;
+  if (DIAGS_IS("factorycrashes")) std::raise(SIGSEGV);
+  if (DIAGS_IS("factoryexits")) _exit(3);
+  if (DIAGS_IS("factoryhangs")) {
+    for (;;) pause();
+  }
+  if (DIAGS_IS("stdout")) std::puts("words of the factory");
   if (DIAGS_IS("factorythrows")) throw std::runtime_error("factory on strike");
   if (DIAGS_IS("factorynull")) return nullptr;
   if (DIAGS_IS("factoryrefuses")) {
@@ -133,6 +250,43 @@ CMPIInstanceMI* Create(const CMPIBroker* broker, CMPIStatus* status) {
   }
   return &theMI;
 }
+
+CMPIStatus Associate(CMPIAssociationMI*, const CMPIContext*, const CMPIResult*,
+                     const CMPIObjectPath*, const char*, const char*, const char*, const char*,
+                     const char**) {
+  return RefuseAll("associators");
+}
+CMPIStatus AssociateNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult*,
+                          const CMPIObjectPath*, const char*, const char*, const char*,
+                          const char*) {
+  return RefuseAll("associatorNames");
+}
+CMPIStatus Refer(CMPIAssociationMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*,
+                 const char*, const char*, const char**) {
+  return RefuseAll("references");
+}
+CMPIStatus ReferNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult*,
+                      const CMPIObjectPath*, const char*, const char*) {
+  return RefuseAll("referenceNames");
+}
+CMPIStatus CleanupAssociation(CMPIAssociationMI*, const CMPIContext*, CMPIBoolean) {
+  return RefuseAll("cleanup");
+}
+
+const CMPIAssociationMIFT kAssociationTable = {
+    CMPIVersion200, CMPIVersion200, "Bad",  CleanupAssociation, Associate, AssociateNames, Refer,
+    ReferNames,     nullptr,        nullptr};
+[[maybe_unused]] CMPIAssociationMI theAssociationMI = {nullptr, &kAssociationTable};
+
+CMPIStatus Invoke(CMPIMethodMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*,
+                  const char*, const CMPIArgs*, CMPIArgs*) {
+  return RefuseAll("invokeMethod");
+}
+CMPIStatus CleanupMethod(CMPIMethodMI*, const CMPIContext*, CMPIBoolean) {
+  return RefuseAll("cleanup");
+}
+const CMPIMethodMIFT kMethodTable = {CMPIVersion200, CMPIVersion200, "Bad", CleanupMethod, Invoke};
+[[maybe_unused]] CMPIMethodMI theMethodMI = {nullptr, &kMethodTable};
 
 }  // namespace
 
@@ -156,6 +310,18 @@ DIAGS_EXPORT CMPIInstanceMI* Bad_Create_InstanceMI(const CMPIBroker*, const CMPI
 CMPIInstanceMI* Bad_Create_InstanceMI(const CMPIBroker* broker, const CMPIContext*,
                                       CMPIStatus* status) {
   return Create(broker, status);
+}
+DIAGS_EXPORT CMPIAssociationMI* Bad_Create_AssociationMI(const CMPIBroker*, const CMPIContext*,
+                                                         CMPIStatus*);
+CMPIAssociationMI* Bad_Create_AssociationMI(const CMPIBroker* broker, const CMPIContext*,
+                                            CMPIStatus*) {
+  theBroker = broker;
+  return &theAssociationMI;
+}
+DIAGS_EXPORT CMPIMethodMI* Bad_Create_MethodMI(const CMPIBroker*, const CMPIContext*, CMPIStatus*);
+CMPIMethodMI* Bad_Create_MethodMI(const CMPIBroker* broker, const CMPIContext*, CMPIStatus*) {
+  theBroker = broker;
+  return &theMethodMI;
 }
 #else
 DIAGS_EXPORT CMPIInstanceMI* BadWithoutEntry(const CMPIBroker*, CMPIStatus*);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <dlfcn.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,7 +34,7 @@ class MisbehavingProvidersTest : public testing::Test {
     TRegistrations registrations;
     {
       std::ofstream out(file);
-      out << "BAD_Object root/cimv2 Bad " << library << " instance method\n";
+      out << "BAD_Object root/cimv2 Bad " << library << " instance association method\n";
       if (!other.empty()) out << "BAD_Other root/cimv2 Bad " << other << " instance\n";
     }
     Link(library);
@@ -113,6 +115,8 @@ INSTANTIATE_TEST_SUITE_P(Libraries, FaultyProviderTest,
                                          TFaultRow{"factorynull", "were not made"},
                                          TFaultRow{"factoryrefuses", "no hardware here"},
                                          TFaultRow{"throws", "out of luck"},
+                                         TFaultRow{"throwsall", "out of luck in enumerateInst"},
+                                         TFaultRow{"codes", "not for you: enumerateInstances"},
                                          TFaultRow{"code", "not for you"},
                                          TFaultRow{"oddcode", "CMPI status 4711"}),
                          [](const auto& row) { return std::string(row.param.library); });
@@ -137,8 +141,148 @@ INSTANTIATE_TEST_SUITE_P(Libraries, OddProviderTest,
                          testing::Values(TCountRow{"generic", 1}, TCountRow{"oldtable", 1},
                                          TCountRow{"notfound", 0}, TCountRow{"nodone", 1},
                                          TCountRow{"twice", 1}, TCountRow{"releases", 1},
-                                         TCountRow{"stdout", 1}, TCountRow{"threads", 2}),
+                                         TCountRow{"stdout", 1}, TCountRow{"threads", 2},
+                                         TCountRow{"wrongthings", 1}, TCountRow{"keeps", 1}),
                          [](const auto& row) { return std::string(row.param.library); });
+
+struct TCallRow {
+  const char* call;  ///< The provider function that is asked.
+  std::function<void(ICIMOperations&, const TCIMInstanceData&)> ask;
+};
+void PrintTo(const TCallRow& row, std::ostream* out) {
+  *out << row.call;
+}
+
+class FailingCallTest : public MisbehavingProvidersTest,
+                        public testing::WithParamInterface<TCallRow> {
+ protected:
+  /// What the library's words come back as.
+  TQELException Ask(const std::string& library) {
+    Host(library);
+    TCIMInstanceData data;
+    data.path = TCIMReference::Parse("root/cimv2:BAD_Object.InstanceID=\"one\"");
+    try {
+      GetParam().ask(*m_operations, data);
+    } catch (const TQELException& failure) {
+      return failure;
+    }
+    ADD_FAILURE() << "no exception";
+    return TQELException(TQELStatusCode::kFailed, "");
+  }
+};
+
+TEST_P(FailingCallTest, BringsTheCodeAndTheWordsUp) {
+  const TQELException failure = Ask("codes");
+  EXPECT_EQ(failure.GetCIMStatus(), 2U);
+  EXPECT_THAT(failure.what(), testing::HasSubstr(std::string("not for you: ") + GetParam().call));
+}
+
+TEST_P(FailingCallTest, TurnsWhatWasThrownIntoAFailure) {
+  const TQELException failure = Ask("throwsall");
+  EXPECT_EQ(failure.GetCIMStatus(), 1U);
+  EXPECT_THAT(failure.what(), testing::HasSubstr(std::string("the provider threw an exception: "
+                                                             "out of luck in ") +
+                                                 GetParam().call));
+}
+
+const ICIMOperations::TInstanceSink kIgnore = [](TCIMInstanceData&&) { return true; };
+
+INSTANTIATE_TEST_SUITE_P(
+    Calls, FailingCallTest,
+    testing::Values(TCallRow{"enumerateInstanceNames",
+                             [](ICIMOperations& operations, const TCIMInstanceData&) {
+                               operations.EnumerateInstanceNames("root/cimv2", "BAD_Object");
+                             }},
+                    TCallRow{"enumerateInstances",
+                             [](ICIMOperations& operations, const TCIMInstanceData&) {
+                               operations.EnumerateInstances("root/cimv2", "BAD_Object", kIgnore);
+                             }},
+                    TCallRow{"getInstance",
+                             [](ICIMOperations& operations, const TCIMInstanceData& data) {
+                               operations.GetInstance(data.path);
+                             }},
+                    TCallRow{"createInstance",
+                             [](ICIMOperations& operations, const TCIMInstanceData& data) {
+                               operations.CreateInstance("root/cimv2", data);
+                             }},
+                    TCallRow{"modifyInstance",
+                             [](ICIMOperations& operations, const TCIMInstanceData& data) {
+                               operations.ModifyInstance(data);
+                             }},
+                    TCallRow{"deleteInstance",
+                             [](ICIMOperations& operations, const TCIMInstanceData& data) {
+                               operations.DeleteInstance(data.path);
+                             }},
+                    TCallRow{"associators",
+                             [](ICIMOperations& operations, const TCIMInstanceData& data) {
+                               operations.Associators(data.path, {}, kIgnore);
+                             }},
+                    TCallRow{"associatorNames",
+                             [](ICIMOperations& operations, const TCIMInstanceData& data) {
+                               operations.AssociatorNames(data.path, {});
+                             }},
+                    TCallRow{"references",
+                             [](ICIMOperations& operations, const TCIMInstanceData& data) {
+                               operations.References(data.path, {}, kIgnore);
+                             }},
+                    TCallRow{"referenceNames",
+                             [](ICIMOperations& operations, const TCIMInstanceData& data) {
+                               operations.ReferenceNames(data.path, {});
+                             }},
+                    TCallRow{"invokeMethod",
+                             [](ICIMOperations& operations, const TCIMInstanceData& data) {
+                               TKeyMap none;
+                               operations.InvokeMethod(data.path, "Work", none);
+                             }}),
+    [](const auto& row) { return std::string(row.param.call); });
+
+TEST_F(MisbehavingProvidersTest, ACleanupThatFailsOrThrowsEndsNothingElse) {
+  for (const char* library : {"codes", "throwsall"}) {
+    Host(library, "nodone");
+    EXPECT_THROW(Enumerate(), TQELException);
+    EXPECT_EQ(Enumerate("BAD_Other").size(), 1U);
+    m_operations.reset();
+  }
+}
+
+TEST_F(MisbehavingProvidersTest, PointersThatAreKeptBeyondTheirCallAreRefused) {
+  Host("keeps");
+  Enumerate();
+  try {
+    Enumerate();
+    FAIL() << "no exception";
+  } catch (const TQELException& failure) {
+    EXPECT_THAT(failure.what(), testing::HasSubstr("5 of 5 were refused"));
+  }
+}
+
+TEST_F(MisbehavingProvidersTest, AMillionInstancesArriveEachInItsPlace) {
+#ifdef DIAGSRUNNER_SANITIZED
+  // Tens of times slower there, and each instance takes as many times the memory.
+  constexpr int kMany = 50'000;
+#else
+  constexpr int kMany = 1'000'000;
+#endif
+  setenv("DIAGS_BAD_COUNT", std::to_string(kMany).c_str(), 1);
+  Host("million");
+  int count = 0;
+  bool isInOrder = true;
+  m_operations->EnumerateInstances("root/cimv2", "BAD_Object", [&](TCIMInstanceData&& data) {
+    isInOrder = isInOrder && data.Find("InstanceID")->value.ToString(10) == std::to_string(count);
+    ++count;
+    return true;
+  });
+  EXPECT_EQ(count, kMany);
+  EXPECT_TRUE(isInOrder);
+}
+
+TEST_F(MisbehavingProvidersTest, InstancesOfOtherClassesAreLeftOutWhereTheyAreAskedForThemselves) {
+  Host("others");
+  std::vector<std::string> classes;
+  for (const TCIMInstanceData& data : Enumerate()) classes.push_back(data.path.GetClassName());
+  EXPECT_THAT(classes,
+              testing::ElementsAre("BAD_Unheard", "BAD_Object", "not a name", "BAD_Object"));
+}
 
 TEST_F(MisbehavingProvidersTest, ValuesOfWrongTypesArriveAsTheyWereGiven) {
   Host("garbage");
