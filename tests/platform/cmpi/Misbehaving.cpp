@@ -100,6 +100,7 @@ CMPIStatus UseKept() {
   count(theKept.instance->ft->setProperty(theKept.instance, "Name", Chars("x"), CMPI_chars).rc);
   theKept.text->ft->getCharPtr(theKept.text, &status);
   count(status.rc);
+  theKept = {};
   const std::string words = std::to_string(refusals) + " of 5 were refused";
   return {CMPI_RC_ERR_FAILED, Text(words.c_str())};
 }
