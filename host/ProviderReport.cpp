@@ -116,10 +116,9 @@ std::size_t TCheckedProvider::CountWarnings() const {
 }
 
 std::string DescribeFinding(const TProviderFinding& finding) {
-  std::string line = finding.isWarning ? "warning" : "error";
-  if (!finding.rule.empty()) line += " [" + finding.rule + "]";
-  line += ": " + finding.text;
+  std::string line = (finding.isWarning ? "warning: " : "error: ") + finding.text;
   if (!finding.remedy.empty()) line += "; " + finding.remedy;
+  if (!finding.rule.empty()) line += "; see rule " + finding.rule;
   return line;
 }
 

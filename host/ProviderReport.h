@@ -20,7 +20,7 @@ struct TCheckedProvider {
   std::size_t CountWarnings() const;
 };
 
-/// A finding in one line: "error [R5]: what and why; remedy".
+/// A finding in one line: "error: what and why; remedy; see rule R5".
 std::string DescribeFinding(const NZEPQEL20::TProviderFinding& finding);
 
 /// What the folder holds: "3 classes in 1 library".

@@ -90,19 +90,20 @@ TEST_F(ProviderCommandsTest, ListShowsWhatEachFolderRegistersAndHowItIs) {
   m_store.installed = {MakePackage("acme"), MakePackage("zeta")};
   m_store.findings["zeta"] = {kError, kWarning};
   EXPECT_EQ(List(), 0);
-  EXPECT_EQ(m_out.str(),
-            "acme: ok, 2 classes in 1 library (/r/providers/acme)\n"
-            "  CLASS   NAMESPACE   TYPES             LIBRARY\n"
-            "  A_Test  root/cimv2  instance, method  libacme.so\n"
-            "  a_test  root/other  instance          libacme.so\n"
-            "  A_Link  *           association       (none)\n"
-            "zeta: 1 error, 1 warning (/r/providers/zeta)\n"
-            "  CLASS   NAMESPACE   TYPES             LIBRARY\n"
-            "  A_Test  root/cimv2  instance, method  libzeta.so\n"
-            "  a_test  root/other  instance          libzeta.so\n"
-            "  A_Link  *           association       (none)\n"
-            "  error [R5]: libacme.so: cannot be loaded: no such symbol; link what it needs\n"
-            "  warning [R2]: acme.reg:3: the type \"indication\" is not driven; leave it out\n");
+  EXPECT_EQ(
+      m_out.str(),
+      "acme: ok, 2 classes in 1 library (/r/providers/acme)\n"
+      "  CLASS   NAMESPACE   TYPES             LIBRARY\n"
+      "  A_Test  root/cimv2  instance, method  libacme.so\n"
+      "  a_test  root/other  instance          libacme.so\n"
+      "  A_Link  *           association       (none)\n"
+      "zeta: 1 error, 1 warning (/r/providers/zeta)\n"
+      "  CLASS   NAMESPACE   TYPES             LIBRARY\n"
+      "  A_Test  root/cimv2  instance, method  libzeta.so\n"
+      "  a_test  root/other  instance          libzeta.so\n"
+      "  A_Link  *           association       (none)\n"
+      "  error: libacme.so: cannot be loaded: no such symbol; link what it needs; see rule R5\n"
+      "  warning: acme.reg:3: the type \"indication\" is not driven; leave it out; see rule R2\n");
   EXPECT_EQ(m_err.str(), "");
 }
 
@@ -127,14 +128,18 @@ TEST_F(ProviderCommandsTest, CheckShowsEveryFindingAndTheCounts) {
   m_store.findings["acme"] = {kError, kError, kWarning};
   m_store.findings["zeta"] = {kWarning, kWarning};
   EXPECT_EQ(Check(), 2);
-  EXPECT_EQ(m_out.str(),
-            "acme: error [R5]: libacme.so: cannot be loaded: no such symbol; link what it needs\n"
-            "acme: error [R5]: libacme.so: cannot be loaded: no such symbol; link what it needs\n"
-            "acme: warning [R2]: acme.reg:3: the type \"indication\" is not driven; leave it out\n"
-            "acme: 2 errors, 1 warning\n"
-            "zeta: warning [R2]: acme.reg:3: the type \"indication\" is not driven; leave it out\n"
-            "zeta: warning [R2]: acme.reg:3: the type \"indication\" is not driven; leave it out\n"
-            "zeta: ok, 2 warnings, 2 classes in 1 library\n");
+  EXPECT_EQ(
+      m_out.str(),
+      "acme: error: libacme.so: cannot be loaded: no such symbol; link what it needs; see rule R5\n"
+      "acme: error: libacme.so: cannot be loaded: no such symbol; link what it needs; see rule R5\n"
+      "acme: warning: acme.reg:3: the type \"indication\" is not driven; leave it out; see rule "
+      "R2\n"
+      "acme: 2 errors, 1 warning\n"
+      "zeta: warning: acme.reg:3: the type \"indication\" is not driven; leave it out; see rule "
+      "R2\n"
+      "zeta: warning: acme.reg:3: the type \"indication\" is not driven; leave it out; see rule "
+      "R2\n"
+      "zeta: ok, 2 warnings, 2 classes in 1 library\n");
   EXPECT_EQ(m_err.str(), "");
 }
 
@@ -194,10 +199,10 @@ TEST_F(ProviderCommandsTest, AddRefusesAFolderWithErrors) {
   EXPECT_EQ(Add(), 2);
   EXPECT_EQ(m_out.str(), "");
   EXPECT_EQ(m_err.str(),
-            "diagsrun: acme: error [R5]: libacme.so: cannot be loaded: no such symbol; link what "
-            "it needs\n"
-            "diagsrun: acme: warning [R2]: acme.reg:3: the type \"indication\" is not driven; "
-            "leave it out\n"
+            "diagsrun: acme: error: libacme.so: cannot be loaded: no such symbol; link what "
+            "it needs; see rule R5\n"
+            "diagsrun: acme: warning: acme.reg:3: the type \"indication\" is not driven; "
+            "leave it out; see rule R2\n"
             "diagsrun: acme: not installed: 1 error, 1 warning; --force installs it all the "
             "same\n");
   EXPECT_THAT(m_store.calls, ElementsAre("check acme"));
@@ -209,8 +214,8 @@ TEST_F(ProviderCommandsTest, AddIsForcedPastErrorsAndStillTellsThem) {
   m_arguments.isForced = true;
   EXPECT_EQ(Add(), 0);
   EXPECT_EQ(m_err.str(),
-            "diagsrun: acme: error [R5]: libacme.so: cannot be loaded: no such symbol; link what "
-            "it needs\n");
+            "diagsrun: acme: error: libacme.so: cannot be loaded: no such symbol; link what "
+            "it needs; see rule R5\n");
   EXPECT_THAT(m_store.calls, ElementsAre("check acme", "add acme"));
 }
 
@@ -219,8 +224,8 @@ TEST_F(ProviderCommandsTest, AddPassesWarningsAndTellsThem) {
   m_store.findings["acme"] = {kWarning};
   EXPECT_EQ(Add(), 0);
   EXPECT_EQ(m_err.str(),
-            "diagsrun: acme: warning [R2]: acme.reg:3: the type \"indication\" is not driven; "
-            "leave it out\n");
+            "diagsrun: acme: warning: acme.reg:3: the type \"indication\" is not driven; "
+            "leave it out; see rule R2\n");
   EXPECT_THAT(m_store.calls, ElementsAre("check acme", "add acme"));
 }
 
@@ -287,7 +292,7 @@ TEST_F(ProviderCommandsTest, NothingOfAVendorSteersTheTerminal) {
     const auto code = static_cast<unsigned char>(byte);
     EXPECT_TRUE((code >= 0x20 && code < 0x7F) || byte == '\n') << int(code);
   }
-  EXPECT_THAT(m_out.str(), ::testing::HasSubstr("error [R1]: t\\x1b]0;; \\xff\\x0a\n"));
+  EXPECT_THAT(m_out.str(), ::testing::HasSubstr("error: t\\x1b]0;; \\xff\\x0a; see rule R1\n"));
   EXPECT_THAT(m_out.str(), ::testing::HasSubstr("a\\x1b[2J: removed"));
 }
 
