@@ -9,6 +9,7 @@
 #include "platform/cmpi/TBrokerPath.h"
 #include "platform/cmpi/TBrokerString.h"
 #include "platform/cmpi/THostLease.h"
+#include "platform/cmpi/TWantedProperties.h"
 #include "platform/cmpi/Values.h"
 
 namespace NZEPQEL20::cmpi {
@@ -112,6 +113,7 @@ CMPIInstance* GetInstance(const CMPIBroker* mb, const CMPIContext*, const CMPIOb
                           const char** properties, CMPIStatus* rc) noexcept {
   return Answer(rc, [&]() -> CMPIInstance* {
     const TUpcall call(mb, path);
+    const TWantedProperties wanted(properties);
     TCIMInstanceData data = call.Operations().GetInstance(call.Target());
     Project(data, properties);
     return Make<TBrokerInstance>(TInstanceContent::From(data));
@@ -160,6 +162,7 @@ CMPIEnumeration* EnumerateInstances(const CMPIBroker* mb, const CMPIContext*,
                                     CMPIStatus* rc) noexcept {
   return Answer(rc, [&] {
     const TUpcall call(mb, path);
+    const TWantedProperties wanted(properties);
     TGatherer gatherer(properties);
     call.Operations().EnumerateInstances(call.NameSpace(), call.Target().GetClassName(),
                                          gatherer.Sink());
@@ -179,6 +182,7 @@ CMPIEnumeration* Associators(const CMPIBroker* mb, const CMPIContext*, const CMP
                              CMPIStatus* rc) noexcept {
   return Answer(rc, [&] {
     const TUpcall call(mb, path);
+    const TWantedProperties wanted(properties);
     TGatherer gatherer(properties);
     call.Operations().Associators(call.Target(),
                                   MakeFilter(associationClass, resultClass, role, resultRole),
@@ -203,6 +207,7 @@ CMPIEnumeration* References(const CMPIBroker* mb, const CMPIContext*, const CMPI
                             CMPIStatus* rc) noexcept {
   return Answer(rc, [&] {
     const TUpcall call(mb, path);
+    const TWantedProperties wanted(properties);
     TGatherer gatherer(properties);
     call.Operations().References(call.Target(), MakeFilter(nullptr, resultClass, role, nullptr),
                                  gatherer.Sink());

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // The chapter of TCMPIOperations about instances.
+#include <set>
+
+#include "platform/cmpi/ObjectIdentity.h"
 #include "platform/cmpi/TBrokerInstance.h"
 #include "platform/cmpi/TOperationsParts.h"
+#include "platform/cmpi/TWantedProperties.h"
 
 namespace NZEPQEL20 {
 
@@ -10,10 +14,6 @@ using namespace cmpi;
 namespace {
 
 using EKind = TBrokerResult::EKind;
-
-TPathContent ClassPath(const std::string& nameSpace, const std::string& className) {
-  return {{}, nameSpace, className, {}};
-}
 
 /// Whether a provider asked for one class gave an object that belongs to another: providers
 /// ignore the class that they are asked for.
@@ -39,6 +39,32 @@ void RequireKnown(const TProviders& providers, const TProviders::TServices& serv
                       CMPI_RC_ERR_INVALID_CLASS);
 }
 
+/// Leaves out what several providers give. What a single one gives is its own affair.
+class TSeen {
+ public:
+  explicit TSeen(const TProviders::TServices& services) {
+    for (const auto& service : services) {
+      m_isNeeded = m_isNeeded || service.provider != services.front().provider;
+    }
+  }
+  bool IsNew(const TCIMReference& path) {
+    return !m_isNeeded || path.GetKeys().empty() || m_seen.insert(GetIdentity(path, {})).second;
+  }
+
+ private:
+  bool m_isNeeded = false;
+  std::set<std::string> m_seen;
+};
+
+/// `path` as a provider expects it: one registered for a class below that of the path knows its
+/// own class only.
+TPathContent ForService(const TProviders& providers, const TProviders::TService& service,
+                        TPathContent path) {
+  const std::string& own = service.registration->className;
+  if (providers.IsA(own, path.className)) path.className = own;
+  return path;
+}
+
 using TPassedInstance = TPassed<TBrokerInstance>;
 
 }  // namespace
@@ -47,78 +73,57 @@ void TCMPIOperations::EnumerateInstances(const std::string& nameSpace, const std
                                          const TInstanceSink& sink) {
   TProviders& providers = m_parts->providers;
   const auto services = providers.FindServices(nameSpace, className, ERole::kInstance);
-  const std::string what = "EnumerateInstances of " + nameSpace + ':' + className;
-  RequireKnown(providers, services, what, className);
-  const auto ask = [&](const TParts::TService& service) {
-    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    const TPassedPath path(ClassPath(nameSpace, service.registration->className));
-    return m_parts->Call(service, what, nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
-      return mi.ft->enumerateInstances == nullptr
-                 ? NoSuchFunction()
-                 : mi.ft->enumerateInstances(&mi, ctx, result, path.Get(), nullptr);
-    });
-  };
+  const TQuestion question{"EnumerateInstances of " + nameSpace + ':' + className, nameSpace,
+                           TWantedProperties::Get()};
+  RequireKnown(providers, services, question.what, className);
+  TSeen seen(services);
   const auto take = [&](const TParts::TService& service, TCallOutcome& outcome) {
     for (auto& content : outcome.content.instances) {
       if (IsForOther(providers, services, service, content->path.className)) continue;
-      if (!sink(m_parts->Finish(content, nameSpace, service.registration->className))) return false;
+      TCIMInstanceData data = m_parts->Finish(content, nameSpace, service.registration->className);
+      if (seen.IsNew(data.path) && !sink(std::move(data))) return false;
     }
     return true;
   };
-  m_parts->AskAll(services, ask, take);
+  m_parts->AskAll(
+      services, [&](const auto& service) { return m_parts->AskEnumerate(service, question); },
+      take);
 }
 
 std::vector<TCIMReference> TCMPIOperations::EnumerateInstanceNames(const std::string& nameSpace,
                                                                    const std::string& className) {
   TProviders& providers = m_parts->providers;
   const auto services = providers.FindServices(nameSpace, className, ERole::kInstance);
-  const std::string what = "EnumerateInstanceNames of " + nameSpace + ':' + className;
-  RequireKnown(providers, services, what, className);
-  const auto ask = [&](const TParts::TService& service) {
-    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    const TPassedPath path(ClassPath(nameSpace, service.registration->className));
-    return m_parts->Call(service, what, nameSpace, EKind::kPaths, [&](auto* ctx, auto* result) {
-      return mi.ft->enumerateInstanceNames == nullptr
-                 ? NoSuchFunction()
-                 : mi.ft->enumerateInstanceNames(&mi, ctx, result, path.Get());
-    });
-  };
+  const TQuestion question{"EnumerateInstanceNames of " + nameSpace + ':' + className, nameSpace,
+                           nullptr};
+  RequireKnown(providers, services, question.what, className);
+  TSeen seen(services);
   std::vector<TCIMReference> found;
   const auto take = [&](const TParts::TService& service, TCallOutcome& outcome) {
     for (TPathContent& path : outcome.content.paths) {
       if (IsForOther(providers, services, service, path.className)) continue;
-      found.push_back(m_parts->Finish(path, nameSpace, service.registration->className));
+      TCIMReference name = m_parts->Finish(path, nameSpace, service.registration->className);
+      if (seen.IsNew(name)) found.push_back(std::move(name));
     }
     return true;
   };
-  m_parts->AskAll(services, ask, take);
+  m_parts->AskAll(
+      services, [&](const auto& service) { return m_parts->AskEnumerateNames(service, question); },
+      take);
   return found;
 }
 
 TCIMInstanceData TCMPIOperations::GetInstance(const TCIMReference& path) {
   TProviders& providers = m_parts->providers;
   const std::string& nameSpace = path.GetNamespaceName();
-  const std::string what = "GetInstance of " + path.GetPath();
+  const TQuestion question{"GetInstance of " + path.GetPath(), nameSpace, TWantedProperties::Get()};
   const TPathContent content = m_parts->ToContent(path);
   const auto ask = [&](const TParts::TService& service) {
-    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    const TPassedPath given(content);
-    TCallOutcome outcome =
-        m_parts->Call(service, what, nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
-          return mi.ft->getInstance == nullptr
-                     ? NoSuchFunction()
-                     : mi.ft->getInstance(&mi, ctx, result, given.Get(), nullptr);
-        });
-    if (outcome.content.instances.empty()) {
-      throw TQELException(TQELStatusCode::kCIMError,
-                          what + ": " + service.provider->Describe() + " returned no instance",
-                          CMPI_RC_ERR_NOT_FOUND);
-    }
-    return outcome;
+    return m_parts->AskGet(service, question, ForService(providers, service, content));
   };
   TCallOutcome outcome = m_parts->AskFirst(
       providers.FindServicesOfObject(nameSpace, path.GetClassName(), ERole::kInstance), ask,
-      what + ": no provider serves the class there");
+      question.what + ": no provider serves the class there", true);
   auto& instance = outcome.content.instances.front();
   // The path that was asked for is the instance's own, whatever the provider forgot of it.
   if (instance->path.keys.empty()) instance->path.keys = content.keys;
@@ -161,7 +166,7 @@ void TCMPIOperations::ModifyInstance(const TCIMInstanceData& instance) {
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
     const TPassedInstance given(TInstanceContent::From(instance));
-    const TPassedPath target(m_parts->ToContent(path));
+    const TPassedPath target(ForService(providers, service, m_parts->ToContent(path)));
     return m_parts->Call(service, what, path.GetNamespaceName(), EKind::kNothing,
                          [&](auto* ctx, auto* result) {
                            return mi.ft->modifyInstance == nullptr
@@ -180,7 +185,7 @@ void TCMPIOperations::DeleteInstance(const TCIMReference& path) {
   const std::string what = "DeleteInstance of " + path.GetPath();
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    const TPassedPath target(m_parts->ToContent(path));
+    const TPassedPath target(ForService(providers, service, m_parts->ToContent(path)));
     return m_parts->Call(service, what, path.GetNamespaceName(), EKind::kNothing,
                          [&](auto* ctx, auto* result) {
                            return mi.ft->deleteInstance == nullptr

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "platform/cmpi/TBrokerString.h"
+#include "platform/cmpi/TWantedProperties.h"
 #include "platform/model/CIMStatus.h"
 
 namespace NZEPQEL20::cmpi {
@@ -77,6 +78,7 @@ TCallOutcome CallProvider(TBroker& broker, const TCallSite& site, TBrokerResult:
     return outcome;
   }
   const TDepth depth;
+  const TWantedProperties none(nullptr);
   const std::shared_ptr<TBrokerResult> result = TBrokerResult::Open(kind);
   {
     const TCallFrame frame(broker);

@@ -21,6 +21,9 @@ namespace NZEPQEL20 {
 /// Threads: safe from several; a provider may come back in its own calls.
 class TCMPIOperations : public ICIMOperations {
  public:
+  /// What the chapters of the implementation share; nobody else's.
+  struct TParts;
+
   /// Opens no library yet. `classes` is complete and does not change any more.
   TCMPIOperations(std::shared_ptr<const TClassRepository> classes, TRegistrations registrations,
                   std::string defaultNamespace = "root/cimv2");
@@ -64,7 +67,6 @@ class TCMPIOperations : public ICIMOperations {
   std::vector<TProviderInfo> GetProviders() override;
 
  private:
-  struct TParts;
   std::unique_ptr<TParts> m_parts;
 };
 

@@ -1,17 +1,44 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cmpi/TOperationsParts.h"
 
-#include <optional>
-
 #include "platform/model/Typing.h"
 
 namespace NZEPQEL20 {
 
 using namespace cmpi;
 
+namespace cmpi {
+
+namespace {
+
+int Weigh(const TQELException& failure) {
+  switch (failure.GetCIMStatus()) {
+    case CMPI_RC_ERR_NOT_SUPPORTED:
+      return 0;
+    case CMPI_RC_ERR_INVALID_NAMESPACE:
+    case CMPI_RC_ERR_INVALID_CLASS:
+    case CMPI_RC_ERR_NOT_FOUND:
+      return 1;
+    default:
+      return 2;
+  }
+}
+
+}  // namespace
+
+void TWorstFailure::Add(const TQELException& failure) {
+  if (!m_failure || Weigh(failure) > Weigh(*m_failure)) m_failure = failure;
+}
+
+void TWorstFailure::ThrowIfAny() const {
+  if (m_failure) throw TQELException(*m_failure);
+}
+
+}  // namespace cmpi
+
 void TCMPIOperations::TParts::AskAll(const TServices& services, const TAsk& ask,
                                      const TTake& take) {
-  std::optional<TQELException> failed;
+  TWorstFailure failed;
   bool hasSucceeded = false;
   for (const TService& service : services) {
     TCallOutcome outcome;
@@ -20,30 +47,30 @@ void TCMPIOperations::TParts::AskAll(const TServices& services, const TAsk& ask,
     } catch (const TQELException& failure) {
       if (failure.GetCIMStatus() != CMPI_RC_ERR_NOT_FOUND) {
         providers.Report(failure.what());
-        if (!failed) failed = failure;
+        failed.Add(failure);
         continue;
       }
     }
     hasSucceeded = true;
     if (!take(service, outcome)) return;
   }
-  if (failed && !hasSucceeded) throw TQELException(*failed);
+  if (!hasSucceeded) failed.ThrowIfAny();
 }
 
 TCallOutcome TCMPIOperations::TParts::AskFirst(const TServices& services, const TAsk& ask,
-                                               const std::string& missing) {
-  std::optional<TQELException> refused;
+                                               const std::string& missing, bool isReading) {
+  TWorstFailure failed;
   for (const TService& service : services) {
     try {
       return ask(service);
     } catch (const TQELException& failure) {
-      const bool isElsewhere = failure.GetCIMStatus() == CMPI_RC_ERR_NOT_SUPPORTED ||
-                               failure.GetCIMStatus() == CMPI_RC_ERR_NOT_FOUND;
-      if (!isElsewhere) throw;
-      refused = failure;
+      const bool isElsewhere =
+          IsRefusal(failure) || failure.GetCIMStatus() == CMPI_RC_ERR_NOT_FOUND;
+      if (!isElsewhere && !isReading) throw;
+      failed.Add(failure);
     }
   }
-  if (refused) throw TQELException(*refused);
+  failed.ThrowIfAny();
   throw TQELException(TQELStatusCode::kCIMError, missing, CMPI_RC_ERR_NOT_FOUND);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,8 +13,38 @@
 
 namespace NZEPQEL20 {
 
+namespace cmpi {
+
+/// What a provider is asked, besides who and for which object.
+struct TQuestion {
+  std::string what;       ///< For messages.
+  std::string nameSpace;  ///< Where it is asked.
+  const char** wanted;    ///< Properties that matter, NULL-terminated; NULL for all.
+};
+
+/// Whether a provider only said that it does not support the operation.
+inline bool IsRefusal(const TQELException& failure) {
+  return failure.GetCIMStatus() == CMPI_RC_ERR_NOT_SUPPORTED;
+}
+
+/// Remembers the failure that says most: a real one before one that says that something is not
+/// there, and that before one that says that the provider does not do such things.
+class TWorstFailure {
+ public:
+  void Add(const TQELException& failure);
+  bool IsEmpty() const { return !m_failure; }
+  /// Errors: the failure, if there was any.
+  void ThrowIfAny() const;
+
+ private:
+  std::optional<TQELException> m_failure;
+};
+
+}  // namespace cmpi
+
 /// What the chapters of TCMPIOperations share.
 struct TCMPIOperations::TParts {
+  class TAssociationWalk;
   using TServices = cmpi::TProviders::TServices;
   using TService = cmpi::TProviders::TService;
   /// Asks one provider; throws when it fails.
@@ -28,18 +59,31 @@ struct TCMPIOperations::TParts {
 
   /// Asks every one of `services` in turn. NOT_FOUND counts as an empty answer; a failure is
   /// reported once and the others go on.
-  /// Errors: the first failure when nobody succeeded.
+  /// Errors: the most telling failure when nobody succeeded.
   void AskAll(const TServices& services, const TAsk& ask, const TTake& take);
 
-  /// Asks one of `services` after the other until one does not refuse the operation as such.
-  /// Errors: what the last one asked threw; `missing` when there is none.
+  /// Asks one of `services` after the other until one has an answer. When something is to be
+  /// changed, only a refusal or NOT_FOUND leads to the next one.
+  /// Errors: the most telling failure; `missing` when nobody could be asked.
   cmpi::TCallOutcome AskFirst(const TServices& services, const TAsk& ask,
-                              const std::string& missing);
+                              const std::string& missing, bool isReading = false);
 
   /// Calls a provider function and turns its failure into an exception.
   cmpi::TCallOutcome Call(const TService& service, const std::string& what,
                           const std::string& nameSpace, cmpi::TBrokerResult::EKind kind,
                           const cmpi::TProviderFunction& function);
+
+  /// One question to a provider, as it is.
+  cmpi::TCallOutcome CallEnumerate(const TService& service, const cmpi::TQuestion& question);
+  cmpi::TCallOutcome CallEnumerateNames(const TService& service, const cmpi::TQuestion& question);
+  cmpi::TCallOutcome CallGet(const TService& service, const cmpi::TQuestion& question,
+                             const cmpi::TPathContent& path);
+
+  /// The same questions; what the provider does not support is found by the others.
+  cmpi::TCallOutcome AskEnumerate(const TService& service, const cmpi::TQuestion& question);
+  cmpi::TCallOutcome AskEnumerateNames(const TService& service, const cmpi::TQuestion& question);
+  cmpi::TCallOutcome AskGet(const TService& service, const cmpi::TQuestion& question,
+                            const cmpi::TPathContent& path);
 
   /// Moves a provider's instance out, with namespace and class filled in where they are missing.
   TCIMInstanceData Finish(std::shared_ptr<cmpi::TInstanceContent>& content,

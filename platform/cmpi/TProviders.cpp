@@ -120,6 +120,17 @@ TProviders::TServices TProviders::FindAll(const std::string& nameSpace, ERole ro
   return found;
 }
 
+TProviders::TServices TProviders::FindAllElsewhere(const std::string& nameSpace, ERole role) const {
+  TServices found;
+  for (const TService& service : m_services) {
+    if (HasRole(*service.registration, role) &&
+        !IsSameNamespace(service.registration->nameSpace, nameSpace)) {
+      found.push_back(service);
+    }
+  }
+  return found;
+}
+
 std::string TProviders::FindNamespace(const std::string& nameSpace,
                                       const std::string& className) const {
   const TService* elsewhere = nullptr;
@@ -128,7 +139,8 @@ std::string TProviders::FindNamespace(const std::string& nameSpace,
     const bool isServed =
         IsA(registration.className, className) || IsA(className, registration.className);
     if (!isServed) continue;
-    if (IsSameNamespace(registration.nameSpace, nameSpace)) return nameSpace;
+    // Providers compare namespaces letter by letter.
+    if (IsSameNamespace(registration.nameSpace, nameSpace)) return registration.nameSpace;
     if (elsewhere == nullptr) elsewhere = &service;
   }
   return elsewhere == nullptr ? nameSpace : elsewhere->registration->nameSpace;

@@ -58,8 +58,12 @@ class TProviders : public IBrokerHost {
   /// those below it.
   TServices FindServicesOfObject(const std::string& nameSpace, const std::string& className,
                                  ERole role) const;
+  /// Who serves the very class.
+  TServices FindExact(const std::string& nameSpace, const std::string& className, ERole role) const;
   /// All of a role in a namespace.
   TServices FindAll(const std::string& nameSpace, ERole role) const;
+  /// All of a role in any other namespace.
+  TServices FindAllElsewhere(const std::string& nameSpace, ERole role) const;
 
   const std::vector<TService>& GetServices() const { return m_services; }
   const TClassRepository& GetClasses() const { return *m_classes; }
@@ -77,7 +81,6 @@ class TProviders : public IBrokerHost {
                                                  const CMPIResult*, const CMPIObjectPath*)>;
   std::optional<TCallOutcome> CallProperty(const std::string& what, const TCIMReference& path,
                                            const TPropertyCall& call);
-  TServices FindExact(const std::string& nameSpace, const std::string& className, ERole role) const;
 
   std::shared_ptr<const TClassRepository> m_classes;
   const TRegistrations m_registrations;
