@@ -98,18 +98,33 @@ void WarnOfInsecurity(const TOptions& options) {
             << " is not checked; whoever sits in between reads the password and can fake results\n";
 }
 
-std::unique_ptr<NZEPQEL20::TPlatform> MakePlatform(const TOptions& options,
-                                                   const TCredentials& credentials) {
+// Provider libraries come and go with the platform. What they write to standard output then is no
+// part of the results.
+struct TQuietEnd {
+  void operator()(const NZEPQEL20::TPlatform* platform) const noexcept {
+    std::optional<TOutputRedirect> redirect;
+    try {
+      redirect.emplace(EOutputTarget::kStandardError);
+    } catch (const std::exception&) {
+      // Without descriptors left, the words are the lesser evil than providers that never end.
+    }
+    delete platform;
+  }
+};
+using TPlatformHandle = std::unique_ptr<NZEPQEL20::TPlatform, TQuietEnd>;
+
+TPlatformHandle MakePlatform(const TOptions& options, const TCredentials& credentials) {
   NZEPQEL20::TPlatformOptions wanted;
   wanted.root = options.root;
   wanted.nameSpace = options.nameSpace;
-  if (!options.server) return std::make_unique<NZEPQEL20::TPlatform>(wanted);
+  const TOutputRedirect redirect(EOutputTarget::kStandardError);
+  if (!options.server) return TPlatformHandle(new NZEPQEL20::TPlatform(wanted));
   wanted.server = options.server->options;
   wanted.server->user = credentials.user;
   wanted.server->password = credentials.password.Get();
   const TWiper wiper(wanted.server->password);
   try {
-    return std::make_unique<NZEPQEL20::TPlatform>(wanted);
+    return TPlatformHandle(new NZEPQEL20::TPlatform(wanted));
   } catch (const TQELException& e) {
     // What is wrong is an option's value, and not what the server says.
     if (e.GetStatusCode() == TQELStatusCode::kInvalidArgument) {
@@ -125,7 +140,7 @@ std::unique_ptr<NZEPQEL20::TPlatform> MakePlatform(const TOptions& options,
 EExitStatus RunOnPlatform(const TOptions& options, TCredentials credentials,
                           const TBlockedSignals* signals) {
   const TLog log(options);
-  std::unique_ptr<NZEPQEL20::TPlatform> platform;
+  TPlatformHandle platform;
   std::atomic<NZEPQEL20::TPlatform*> reachable{nullptr};
   const auto kill = [&reachable] {
     if (NZEPQEL20::TPlatform* const place = reachable) place->KillRunningJobs();

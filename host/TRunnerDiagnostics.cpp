@@ -15,6 +15,9 @@ using NZEPQEL20::TCIMValue;
 using NZEPQEL20::TQELException;
 using NZEPQEL20::TQELStatusCode;
 
+// Where what a provider library writes to standard output goes, which is the results' alone.
+constexpr EOutputTarget kWords = EOutputTarget::kStandardError;
+
 std::string GetText(ICIMInstance& instance, const char* name) {
   const boost::shared_ptr<NZEPQEL20::ICIMProperty> property = instance.GetProperty(name, {});
   return property ? property->GetValueText() : std::string();
@@ -41,10 +44,12 @@ TRunnerDiagnostics::~TRunnerDiagnostics() {
 }
 
 std::string TRunnerDiagnostics::EnumerateTests() {
+  const TOutputRedirect redirect(kWords);
   return m_runner->EnumerateDiagTests("");
 }
 
 std::vector<NZEPQEL20::TUnofferedTest> TRunnerDiagnostics::GetUnofferedTests() {
+  const TOutputRedirect redirect(kWords);
   return m_platform.GetUnofferedTests();
 }
 
@@ -68,11 +73,13 @@ TRunResult TRunnerDiagnostics::Run(const std::string& id, const std::string& lab
 }
 
 std::string TRunnerDiagnostics::Inspect(const std::string& className) {
+  const TOutputRedirect redirect(kWords);
   return m_runner->EI(className);
 }
 
 std::optional<std::vector<TInstanceText>> TRunnerDiagnostics::GetInstances(
     const std::string& className) {
+  const TOutputRedirect redirect(kWords);
   boost::shared_ptr<NZEPQEL20::ICIMClass> type;
   try {
     type = m_platform.GetNamespace()->FindClass(className, {});
