@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A provider of as many alike instances as the class that it is asked for says.
+// A provider of as many alike instances as the class that it is asked for says, and of shelves
+// that hold as many.
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -65,7 +66,60 @@ CMPIStatus EnumerateInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIRes
   return result->ft->returnDone(result);
 }
 
+CMPIStatus CleanupAssociation(CMPIAssociationMI*, const CMPIContext*, CMPIBoolean) {
+  return {CMPI_RC_OK, nullptr};
+}
+
+// How many articles lie on the shelf.
+unsigned long CountOn(const CMPIObjectPath* shelf) {
+  const CMPIData id = shelf->ft->getKey(shelf, "Id", nullptr);
+  const char* const text = id.value.string == nullptr
+                               ? nullptr
+                               : id.value.string->ft->getCharPtr(id.value.string, nullptr);
+  return text == nullptr ? 0 : CountOf(text);
+}
+
+CMPIStatus Associators(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* result,
+                       const CMPIObjectPath* shelf, const char*, const char*, const char*,
+                       const char*, const char**) {
+  const CMPIString* ns = shelf->ft->getNameSpace(shelf, nullptr);
+  const char* const nameSpace = ns->ft->getCharPtr(ns, nullptr);
+  const unsigned long count = CountOn(shelf);
+  for (unsigned long i = 0; i < count; ++i) {
+    result->ft->returnInstance(result, NewArticle(nameSpace, "Stock_Article", i));
+  }
+  return result->ft->returnDone(result);
+}
+
+CMPIStatus ReferenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* result,
+                          const CMPIObjectPath* shelf, const char*, const char*) {
+  const CMPIString* ns = shelf->ft->getNameSpace(shelf, nullptr);
+  const char* const nameSpace = ns->ft->getCharPtr(ns, nullptr);
+  const unsigned long count = CountOn(shelf);
+  for (unsigned long i = 0; i < count; ++i) {
+    const std::string id = "article-" + std::to_string(i);
+    CMPIObjectPath* article =
+        broker->eft->newObjectPath(broker, nameSpace, "Stock_Article", nullptr);
+    article->ft->addKey(article, "Id", Chars(id.c_str()), CMPI_chars);
+    CMPIObjectPath* holds = broker->eft->newObjectPath(broker, nameSpace, "Stock_Holds", nullptr);
+    holds->ft->addKey(holds, "Shelf", In(shelf), CMPI_ref);
+    holds->ft->addKey(holds, "Article", In(article), CMPI_ref);
+    result->ft->returnObjectPath(result, holds);
+  }
+  return result->ft->returnDone(result);
+}
+
 }  // namespace
+
+extern "C" __attribute__((visibility("default"))) CMPIAssociationMI* Stock_Create_AssociationMI(
+    const CMPIBroker* mb, const CMPIContext*, CMPIStatus*) {
+  static const CMPIAssociationMIFT kTable{CMPIVersion200, 0,       "Stock", CleanupAssociation,
+                                          Associators,    nullptr, nullptr, ReferenceNames,
+                                          nullptr,        nullptr};
+  static CMPIAssociationMI mi{nullptr, &kTable};
+  broker = mb;
+  return &mi;
+}
 
 extern "C" __attribute__((visibility("default"))) CMPIInstanceMI* Stock_Create_InstanceMI(
     const CMPIBroker* mb, const CMPIContext*, CMPIStatus*) {
