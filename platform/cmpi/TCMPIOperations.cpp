@@ -46,6 +46,7 @@ std::vector<std::string> TCMPIOperations::GetNamespaces() {
   std::vector<std::string> found = {m_parts->defaultNamespace};
   for (const auto& service : m_parts->providers.GetServices()) {
     const std::string& name = service.registration->nameSpace;
+    if (name == "*") continue;
     const bool isKnown = std::any_of(found.begin(), found.end(), [&](const std::string& known) {
       return IsSameNamespace(known, name);
     });
@@ -58,12 +59,14 @@ std::vector<ICIMOperations::TProviderInfo> TCMPIOperations::GetProviders() {
   std::vector<TProviderInfo> found;
   for (const auto& service : m_parts->providers.GetServices()) {
     const TRegistration& registration = *service.registration;
+    // Who serves any namespace is named with the one that is looked in.
+    const std::string& nameSpace =
+        registration.nameSpace == "*" ? m_parts->defaultNamespace : registration.nameSpace;
     auto entry = std::find_if(found.begin(), found.end(), [&](const TProviderInfo& info) {
-      return info.name == registration.providerName &&
-             IsSameNamespace(info.nameSpace, registration.nameSpace);
+      return info.name == registration.providerName && IsSameNamespace(info.nameSpace, nameSpace);
     });
     if (entry == found.end()) {
-      found.push_back({registration.providerName, registration.nameSpace, {}});
+      found.push_back({registration.providerName, nameSpace, {}});
       entry = found.end() - 1;
     }
     entry->classNames.push_back(registration.className);

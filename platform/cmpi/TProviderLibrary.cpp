@@ -3,10 +3,9 @@
 
 #include <dlfcn.h>
 
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
+#include "platform/cmpi/LibraryLoading.h"
 #include "platform/contract/TQELException.h"
 
 namespace NZEPQEL20::cmpi {
@@ -27,25 +26,16 @@ TFunction ToFunction(void* address) {
   return function;
 }
 
-/// The absolute form of `path`, so that the loader searches nowhere else.
-std::string MakeAbsolute(const std::string& path) {
-  const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
-                                                         std::free);
-  return real != nullptr ? std::string(real.get()) : path;
-}
-
 }  // namespace
 
 void TProviderLibrary::Open() {
   const std::lock_guard<std::mutex> lock(m_mutex);
   if (!m_isTried) {
     m_isTried = true;
-    m_handle = dlopen(MakeAbsolute(m_path).c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (m_handle == nullptr) {
-      const char* reason = dlerror();
-      m_fault = "provider library " + m_path +
-                " cannot be loaded: " + (reason != nullptr ? reason : "unknown reason");
-    }
+    const TLoadedLibrary loaded = LoadLibrary(m_path, m_folder);
+    m_handle = loaded.handle;
+    m_fault = "provider library " + m_path + " cannot be loaded: " + loaded.reason + "; " +
+              loaded.remedy + "; see rule " + loaded.rule;
   }
   if (m_handle == nullptr) throw TQELException(TQELStatusCode::kFailed, m_fault);
 }
@@ -65,8 +55,9 @@ TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName,
   void* own = FindSymbol(specific);
   void* any = own == nullptr ? FindSymbol(generic) : nullptr;
   if (own == nullptr && any == nullptr) {
-    throw TQELException(TQELStatusCode::kNotFound,
-                        what + " have no entry point: neither " + specific + " nor " + generic);
+    throw TQELException(TQELStatusCode::kNotFound, what + " have no entry point: neither " +
+                                                       specific + " nor " + generic +
+                                                       DescribeFactories(m_path) + "; see rule R4");
   }
   TMI* made = nullptr;
   const TCallOutcome outcome = CallProvider(
@@ -78,10 +69,16 @@ TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName,
                                     broker.GetTable(), context, providerName.c_str(), &status);
         return status;
       });
-  if (outcome.code != CMPI_RC_OK) throw outcome.ToException(what + " were refused");
-  if (made == nullptr) throw TQELException(TQELStatusCode::kFailed, what + " were not made");
+  if (outcome.code != CMPI_RC_OK) {
+    const TQELException refusal = outcome.ToException(what + " were refused");
+    throw TQELException(refusal.GetStatusCode(), std::string(refusal.what()) + "; see rule R4",
+                        refusal.GetCIMStatus());
+  }
+  if (made == nullptr) {
+    throw TQELException(TQELStatusCode::kFailed, what + " were not made; see rule R4");
+  }
   if (made->ft == nullptr) {
-    throw TQELException(TQELStatusCode::kFailed, what + " have no function table");
+    throw TQELException(TQELStatusCode::kFailed, what + " have no function table; see rule R4");
   }
   return made;
 }

@@ -15,13 +15,15 @@ namespace NZEPQEL20::cmpi {
 /// Threads: safe from several.
 class TProviderLibrary {
  public:
-  /// Nothing is opened yet.
-  explicit TProviderLibrary(std::string path) : m_path(std::move(path)) {}
+  /// Nothing is opened yet. `folder` is the vendor's: libraries that this one needs and that lie
+  /// in it are found there.
+  TProviderLibrary(std::string path, std::string folder)
+      : m_path(std::move(path)), m_folder(std::move(folder)) {}
 
   const std::string& GetPath() const { return m_path; }
 
-  /// Errors: TQELException naming the library and the loader's reason; every time the same, the
-  /// library is tried once.
+  /// Errors: TQELException naming the library, the loader's reason and what would mend it; every
+  /// time the same, the library is tried once.
   void Open();
 
   /// Has the library make the provider object of `kind` ("Instance", "Association", "Method",
@@ -37,6 +39,7 @@ class TProviderLibrary {
   void* FindSymbol(const std::string& name) const;
 
   const std::string m_path;
+  const std::string m_folder;
   std::mutex m_mutex;
   bool m_isTried = false;
   void* m_handle = nullptr;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cmpi/TProviders.h"
 
+#include <algorithm>
+
 #include "platform/contract/TRootObject.h"
 
 namespace NZEPQEL20::cmpi {
@@ -20,12 +22,30 @@ bool HasRole(const TRegistration& registration, ERole role) {
   }
 }
 
+/// Whether the same provider was found for the same class: it may be registered for a namespace and
+/// for any.
+bool IsAmong(const TProviders::TServices& found, const TProviders::TService& service) {
+  return std::any_of(found.begin(), found.end(), [&](const TProviders::TService& other) {
+    return other.provider == service.provider &&
+           IsSameName(other.registration->className, service.registration->className);
+  });
+}
+
+void Log(const std::string& text) {
+  ILogger* logger = TRootObject::GetCoreLogger();
+  if (logger != nullptr) logger->Log(ILogger::kWarning, text);
+}
+
 std::string WithoutSlash(const std::string& nameSpace) {
   const std::size_t start = nameSpace.find_first_not_of('/');
   return start == std::string::npos ? std::string() : nameSpace.substr(start);
 }
 
 }  // namespace
+
+bool IsServedIn(const TRegistration& registration, const std::string& nameSpace) {
+  return registration.nameSpace == "*" || IsSameNamespace(registration.nameSpace, nameSpace);
+}
 
 bool IsSameNamespace(const std::string& left, const std::string& right) {
   return IsSameName(WithoutSlash(left), WithoutSlash(right));
@@ -39,12 +59,16 @@ TProviders::TProviders(std::shared_ptr<const TClassRepository> classes,
       m_broker(TBroker::Take(*this)) {
   for (const TRegistration& registration : m_registrations.GetEntries()) {
     m_services.push_back({&registration, &GetProvider(registration)});
+    m_hasAny = m_hasAny || registration.nameSpace == "*";
   }
-  for (const std::string& problem : m_registrations.GetProblems()) Report(problem);
+  for (const TRegistrationProblem& finding : m_registrations.GetFindings()) {
+    // A warning names nothing that is missing, so only the log has it.
+    finding.isWarning ? Log(finding.ToString()) : Report(finding.ToString());
+  }
   for (const TService& service : m_services) {
     if (m_classes->Find(service.registration->className) == nullptr) {
       Report(service.registration->source + ": class " + service.registration->className +
-             " is not declared; add the MOF file that declares it");
+             " is not declared; add the MOF file that declares it; see rule R3");
     }
   }
 }
@@ -56,12 +80,15 @@ TProviders::~TProviders() {
 
 TProvider& TProviders::GetProvider(const TRegistration& registration) {
   auto& library = m_libraries[registration.library];
-  if (library == nullptr) library = std::make_unique<TProviderLibrary>(registration.library);
+  if (library == nullptr) {
+    library = std::make_unique<TProviderLibrary>(registration.library, registration.folder);
+  }
   auto& provider = m_providers[{registration.library, registration.providerName}];
   if (provider == nullptr) {
-    provider =
-        std::make_unique<TProvider>(registration.providerName, *library,
-                                    TCallSite{registration.nameSpace, registration.parameters});
+    const bool isAnywhere = registration.nameSpace == "*";
+    provider = std::make_unique<TProvider>(
+        registration.providerName, *library,
+        TCallSite{isAnywhere ? std::string() : registration.nameSpace, registration.parameters});
   }
   return *provider;
 }
@@ -70,30 +97,28 @@ bool TProviders::IsA(const std::string& className, const std::string& superclass
   return IsSameName(className, superclass) || m_classes->IsA(className, superclass);
 }
 
-TProviders::TServices TProviders::FindServices(const std::string& nameSpace,
-                                               const std::string& className, ERole role) const {
+TProviders::TServices TProviders::FindWhere(const std::string& nameSpace, ERole role,
+                                            const TIsWanted& isWanted) const {
   TServices found;
   for (const TService& service : m_services) {
-    if (HasRole(*service.registration, role) &&
-        IsSameNamespace(service.registration->nameSpace, nameSpace) &&
-        IsA(service.registration->className, className)) {
+    if (HasRole(*service.registration, role) && IsServedIn(*service.registration, nameSpace) &&
+        isWanted(service.registration->className) && !(m_hasAny && IsAmong(found, service))) {
       found.push_back(service);
     }
   }
   return found;
 }
 
+TProviders::TServices TProviders::FindServices(const std::string& nameSpace,
+                                               const std::string& className, ERole role) const {
+  return FindWhere(nameSpace, role,
+                   [&](const std::string& served) { return IsA(served, className); });
+}
+
 TProviders::TServices TProviders::FindExact(const std::string& nameSpace,
                                             const std::string& className, ERole role) const {
-  TServices found;
-  for (const TService& service : m_services) {
-    if (HasRole(*service.registration, role) &&
-        IsSameNamespace(service.registration->nameSpace, nameSpace) &&
-        IsSameName(service.registration->className, className)) {
-      found.push_back(service);
-    }
-  }
-  return found;
+  return FindWhere(nameSpace, role,
+                   [&](const std::string& served) { return IsSameName(served, className); });
 }
 
 TProviders::TServices TProviders::FindServicesOfObject(const std::string& nameSpace,
@@ -110,21 +135,13 @@ TProviders::TServices TProviders::FindServicesOfObject(const std::string& nameSp
 }
 
 TProviders::TServices TProviders::FindAll(const std::string& nameSpace, ERole role) const {
-  TServices found;
-  for (const TService& service : m_services) {
-    if (HasRole(*service.registration, role) &&
-        IsSameNamespace(service.registration->nameSpace, nameSpace)) {
-      found.push_back(service);
-    }
-  }
-  return found;
+  return FindWhere(nameSpace, role, [](const std::string&) { return true; });
 }
 
 TProviders::TServices TProviders::FindAllElsewhere(const std::string& nameSpace, ERole role) const {
   TServices found;
   for (const TService& service : m_services) {
-    if (HasRole(*service.registration, role) &&
-        !IsSameNamespace(service.registration->nameSpace, nameSpace)) {
+    if (HasRole(*service.registration, role) && !IsServedIn(*service.registration, nameSpace)) {
       found.push_back(service);
     }
   }
@@ -139,6 +156,7 @@ std::string TProviders::FindNamespace(const std::string& nameSpace,
     const bool isServed =
         IsA(registration.className, className) || IsA(className, registration.className);
     if (!isServed) continue;
+    if (registration.nameSpace == "*") return nameSpace;
     // Providers compare namespaces letter by letter.
     if (IsSameNamespace(registration.nameSpace, nameSpace)) return registration.nameSpace;
     if (elsewhere == nullptr) elsewhere = &service;
@@ -162,8 +180,7 @@ void TProviders::Report(const std::string& problem) {
     if (!m_reported.insert(problem).second) return;
     m_problems.push_back(problem);
   }
-  ILogger* logger = TRootObject::GetCoreLogger();
-  if (logger != nullptr) logger->Log(ILogger::kWarning, problem);
+  Log(problem);
 }
 
 std::vector<std::string> TProviders::GetProblems() const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -81,6 +82,9 @@ class TProviders : public IBrokerHost {
                                                  const CMPIResult*, const CMPIObjectPath*)>;
   std::optional<TCallOutcome> CallProperty(const std::string& what, const TCIMReference& path,
                                            const TPropertyCall& call);
+  using TIsWanted = std::function<bool(const std::string& className)>;
+  /// The services of a role in a namespace, each provider once for a class.
+  TServices FindWhere(const std::string& nameSpace, ERole role, const TIsWanted& isWanted) const;
 
   std::shared_ptr<const TClassRepository> m_classes;
   const TRegistrations m_registrations;
@@ -88,11 +92,15 @@ class TProviders : public IBrokerHost {
   std::map<std::string, std::unique_ptr<TProviderLibrary>> m_libraries;
   std::map<std::pair<std::string, std::string>, std::unique_ptr<TProvider>> m_providers;
   std::vector<TService> m_services;
+  bool m_hasAny = false;  ///< A service is registered for any namespace.
   mutable std::mutex m_mutex;
   std::vector<std::string> m_problems;
   std::set<std::string> m_reported;
   TBroker& m_broker;
 };
+
+/// Whether a registration holds in a namespace.
+bool IsServedIn(const TRegistration& registration, const std::string& nameSpace);
 
 /// Whether two namespaces are the same: without case, and without a slash in front.
 bool IsSameNamespace(const std::string& left, const std::string& right);

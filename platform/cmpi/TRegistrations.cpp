@@ -1,123 +1,132 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cmpi/TRegistrations.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <sstream>
+#include <iterator>
 
+#include "platform/cmpi/TLibraryFinder.h"
+#include "platform/cmpi/TRegistrationTaker.h"
+#include "platform/cmpi/VendorFiles.h"
 #include "platform/contract/TCIMInstanceData.h"
+#include "platform/contract/TQELException.h"
+#include "platform/schema/TMofSource.h"
 
 namespace NZEPQEL20 {
 
 namespace {
 
-constexpr std::size_t kMaxLine = 4096;
+enum class EForm { kNone, kLines, kSections, kMof };
 
-/// The words of `line` before its comment.
-std::vector<std::string> Split(const std::string& line) {
-  std::istringstream words(line.substr(0, line.find('#')));
-  std::vector<std::string> found;
-  for (std::string word; words >> word;) found.push_back(word);
-  return found;
+/// Whether `text` holds an instance of one of the classes that register providers.
+bool DeclaresProviders(const std::string& text) {
+  // Searched by hand: a schema of megabytes is looked through at every start.
+  constexpr char kClass[] = "PG_Provider";
+  const auto isSame = [](char left, char right) {
+    return left == right || (left >= 'a' && left <= 'z' && left - 'a' + 'A' == right) ||
+           (left >= 'A' && left <= 'Z' && left - 'A' + 'a' == right);
+  };
+  auto at = text.begin();
+  for (;;) {
+    at = std::search(at, text.end(), kClass, kClass + sizeof kClass - 1, isSame);
+    if (at == text.end()) return false;
+    // "of" and blanks, or a comment, stand before the name in an instance.
+    auto before = at;
+    while (before != text.begin() &&
+           (before[-1] == ' ' || before[-1] == '\t' || before[-1] == '\n' || before[-1] == '\r')) {
+      --before;
+    }
+    const bool isInstance = before != at && before - text.begin() >= 2 && isSame(before[-1], 'f') &&
+                            isSame(before[-2], 'o');
+    if (isInstance) return true;
+    ++at;
+  }
 }
 
-bool IsName(const std::string& text) {
-  return std::all_of(text.begin(), text.end(), [](char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-  });
+/// What the first line that is no comment looks like.
+EForm FindTextForm(const std::string& text, const std::string& file) {
+  for (const TTextLine& line : SplitLines(text, file)) {
+    const std::string words = Trim(line.text);
+    if (words.empty() || words.front() == '#') continue;
+    return words.front() == '[' ? EForm::kSections : EForm::kLines;
+  }
+  return EForm::kLines;
 }
 
-/// Sets the mark for a type word; false for one that does not exist.
-bool MarkType(TRegistration& entry, const std::string& type) {
-  if (IsSameName(type, "instance")) {
-    entry.isInstance = true;
-  } else if (IsSameName(type, "association")) {
-    entry.isAssociation = true;
-  } else if (IsSameName(type, "method")) {
-    entry.isMethod = true;
-  } else if (IsSameName(type, "property")) {
-    entry.isProperty = true;
-  } else {
-    return IsSameName(type, "indication");
-  }
-  return true;
+EForm FindForm(const std::string& text, const std::string& file) {
+  if (DeclaresProviders(text)) return EForm::kMof;
+  return IsMofName(file) ? EForm::kNone : FindTextForm(text, file);
 }
 
-/// Why the words are no registration; empty when they are.
-std::string FindFault(const std::vector<std::string>& words) {
-  if (words.size() < 5) {
-    return "expected: Class Namespace ProviderName Library type..., found " +
-           std::to_string(words.size()) + " words";
-  }
-  if (!IsName(words[0])) return "\"" + words[0] + "\" is not a class name";
-  if (!IsName(words[2])) return "\"" + words[2] + "\" is not a provider name";
-  if (words[3].find('/') != std::string::npos) {
-    return "library \"" + words[3] + "\" must be a plain name without \"/\"";
-  }
-  return {};
+bool IsSameEntry(const TRegistration& left, const TRegistration& right) {
+  return IsSameName(left.className, right.className) &&
+         IsSameName(left.nameSpace, right.nameSpace) && left.library == right.library &&
+         left.providerName == right.providerName;
 }
 
 }  // namespace
 
+std::string TRegistrationProblem::ToString() const {
+  return text + "; " + remedy + "; see rule " + rule;
+}
+
 void TRegistrations::Load(const std::string& file) {
-  struct stat status = {};
-  std::ifstream stream(file);
-  if (stat(file.c_str(), &status) != 0 || !stream) {
-    m_problems.push_back(file + ": cannot be read: " + std::strerror(errno));
-    return;
-  }
-  if (!S_ISREG(status.st_mode)) {
-    m_problems.push_back(file + ": not a regular file");
-    return;
-  }
   const std::size_t slash = file.rfind('/');
   const std::string folder = slash == std::string::npos ? "." : file.substr(0, slash);
-  unsigned int number = 0;
-  for (std::string line; std::getline(stream, line);) {
-    ReadLine(line, folder, file + ':' + std::to_string(++number));
+  ReadFiles({file}, TLibraryFinder(folder, ListVendorFiles(folder, 0).files));
+}
+
+void TRegistrations::LoadFolder(const std::string& folder, const std::vector<std::string>& files) {
+  std::vector<std::string> candidates;
+  std::copy_if(files.begin(), files.end(), std::back_inserter(candidates),
+               [](const std::string& file) { return IsRegistrationName(file) || IsMofName(file); });
+  ReadFiles(candidates, TLibraryFinder(folder, files));
+}
+
+void TRegistrations::ReadFiles(const std::vector<std::string>& files,
+                               const TLibraryFinder& libraries) {
+  TRegistrationTaker taker(*this, libraries);
+  std::vector<std::string> declarations;
+  for (const std::string& file : files) {
+    try {
+      const std::string text = TMofSource::ReadFile(file).text;
+      const EForm form = FindForm(text, file);
+      if (form == EForm::kNone) continue;
+      m_files.push_back(file);
+      if (form == EForm::kMof) declarations.push_back(file);
+      if (form == EForm::kLines) ReadRegistrationLines(text, file, taker);
+      if (form == EForm::kSections) ReadRegistrationSections(text, file, taker);
+    } catch (const TQELException& failure) {
+      // Whoever loads the schema says so of a MOF file.
+      if (IsMofName(file) && files.size() > 1) continue;
+      taker.Fail(file + ": cannot be read: " + failure.what(), "make it a readable file", "R1");
+    }
+  }
+  const std::vector<std::string> mixed = ReadRegistrationMof(declarations, taker);
+  for (const std::string& file : declarations) {
+    const bool isMixed = std::find(mixed.begin(), mixed.end(), file) != mixed.end();
+    if (!isMixed) m_pureFiles.push_back(file);
   }
 }
 
-void TRegistrations::ReadLine(const std::string& line, const std::string& folder,
-                              const std::string& source) {
-  if (line.size() > kMaxLine || line.find('\0') != std::string::npos) {
-    m_problems.push_back(source + ": not a line of text");
-    return;
+std::vector<std::string> TRegistrations::GetProblems() const {
+  std::vector<std::string> problems;
+  for (const TRegistrationProblem& finding : m_findings) {
+    if (!finding.isWarning) problems.push_back(finding.ToString());
   }
-  const std::vector<std::string> words = Split(line);
-  if (words.empty()) return;
-  std::string fault = FindFault(words);
-  TRegistration entry;
-  for (std::size_t i = 4; i < words.size() && fault.empty(); ++i) {
-    if (!MarkType(entry, words[i])) fault = "unknown provider type \"" + words[i] + "\"";
-  }
-  if (!fault.empty()) {
-    m_problems.push_back(source + ": " + fault);
-    return;
-  }
-  entry.className = words[0];
-  entry.nameSpace = words[1];
-  entry.providerName = words[2];
-  entry.library = folder + "/lib" + words[3] + ".so";
-  entry.source = source;
-  Add(entry);
+  return problems;
 }
 
 void TRegistrations::Add(const TRegistration& entry) {
   for (TRegistration& known : m_entries) {
-    if (IsSameName(known.className, entry.className) &&
-        IsSameName(known.nameSpace, entry.nameSpace) && known.library == entry.library &&
-        known.providerName == entry.providerName) {
-      known.isInstance = known.isInstance || entry.isInstance;
-      known.isAssociation = known.isAssociation || entry.isAssociation;
-      known.isMethod = known.isMethod || entry.isMethod;
-      known.isProperty = known.isProperty || entry.isProperty;
-      return;
-    }
+    if (!IsSameEntry(known, entry)) continue;
+    known.isInstance = known.isInstance || entry.isInstance;
+    known.isAssociation = known.isAssociation || entry.isAssociation;
+    known.isMethod = known.isMethod || entry.isMethod;
+    known.isProperty = known.isProperty || entry.isProperty;
+    known.isIndication = known.isIndication || entry.isIndication;
+    known.neverUnload = known.neverUnload || entry.neverUnload;
+    if (known.parameters.empty()) known.parameters = entry.parameters;
+    return;
   }
   m_entries.push_back(entry);
 }

@@ -6,42 +6,72 @@
 
 namespace NZEPQEL20 {
 
+class TLibraryFinder;
+
 /// One class that a provider serves in one namespace.
 struct TRegistration {
   std::string className;
-  std::string nameSpace;
+  std::string nameSpace;  ///< "*" stands for any.
   std::string providerName;
-  std::string library;     ///< Path of the library file.
-  std::string source;      ///< `file:line`, for messages.
-  std::string parameters;  ///< Free text for the provider, handed to it with every call.
+  std::string library;       ///< Path of the library file.
+  std::string folder;        ///< The vendor's folder: where the library's siblings are.
+  std::string source;        ///< `file:line`, or the file and the object in it, for messages.
+  std::string parameters;    ///< The provider's own words; empty when there are none.
+  bool neverUnload = false;  ///< The provider asks to stay loaded.
+  bool hasLibrary = true;    ///< Whether the library file is there.
   bool isInstance = false;
   bool isAssociation = false;
   bool isMethod = false;
   bool isProperty = false;
+  bool isIndication = false;
 };
 
-/// What the registration files of an installation say.
-///
-/// A line is `Class Namespace ProviderName Library type...`, the types being `instance`,
-/// `association`, `method`, `property` and `indication`; the last one is accepted and never
-/// called. `#` starts a comment. `Library` stands for `lib<Library>.so` beside the file.
-/// A faulty line is a problem, and all others count.
+/// One thing that is wrong with a registration.
+struct TRegistrationProblem {
+  std::string text;        ///< `file:line: reason`.
+  std::string remedy;      ///< What to do about it.
+  std::string rule;        ///< Number in the rules for provider authors, such as "R2".
+  bool isWarning = false;  ///< Nothing is missing because of it.
+
+  /// In one line: "text; remedy; see rule R2".
+  std::string ToString() const;
+};
+
+/// What the registration files of an installation say, in any of three forms: lines
+/// `Class Namespace Provider Library type...`; `[Class]` sections of `key: value` lines; MOF with
+/// PG_ProviderModule, PG_Provider and PG_ProviderCapabilities instances. The content tells the
+/// form. A faulty entry is a problem, and all others count.
 /// Threads: loading must be alone; reading is safe from several.
 class TRegistrations {
  public:
-  /// Adds what `file` says. A file that cannot be read is a problem.
+  /// Adds what `file` says; its folder is the vendor's. A file that cannot be read is a problem.
   void Load(const std::string& file);
 
+  /// Adds what the registrations among `files` say, which are those of the vendor's `folder`: the
+  /// files named `.registration` or `.reg`, and those named `.mof` that declare providers.
+  void LoadFolder(const std::string& folder, const std::vector<std::string>& files);
+
   const std::vector<TRegistration>& GetEntries() const { return m_entries; }
-  /// One line each: `file:line: reason`.
-  const std::vector<std::string>& GetProblems() const { return m_problems; }
+  /// Without the warnings, one line each.
+  std::vector<std::string> GetProblems() const;
+  /// Warnings included, in reading order.
+  const std::vector<TRegistrationProblem>& GetFindings() const { return m_findings; }
+
+  /// The registration files that were read.
+  const std::vector<std::string>& GetFiles() const { return m_files; }
+  /// Those of them that hold nothing that a schema could use: they declare no class.
+  const std::vector<std::string>& GetPureFiles() const { return m_pureFiles; }
 
  private:
-  void ReadLine(const std::string& line, const std::string& folder, const std::string& source);
+  friend class TRegistrationTaker;
+
+  void ReadFiles(const std::vector<std::string>& files, const TLibraryFinder& libraries);
   void Add(const TRegistration& entry);
 
   std::vector<TRegistration> m_entries;
-  std::vector<std::string> m_problems;
+  std::vector<TRegistrationProblem> m_findings;
+  std::vector<std::string> m_files;
+  std::vector<std::string> m_pureFiles;
 };
 
 }  // namespace NZEPQEL20

@@ -15,22 +15,21 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr unsigned int kMaxDepth = 8;
 // A full CIM schema with one file for each class is a tenth of it.
 constexpr std::size_t kMaxFiles = 20'000;
 
 /// Looks through one vendor's folder.
 class TVisit {
  public:
-  explicit TVisit(TVendorFiles& found) : m_found(found) {}
+  TVisit(TVendorFiles& found, unsigned int depth) : m_found(found), m_depth(depth) {}
 
   void Visit(const fs::path& folder, unsigned int depth) {
     std::error_code error;
     const fs::path canonical = fs::canonical(folder, error);
     if (!error && !m_visited.insert(canonical).second) return;
-    if (depth > kMaxDepth) {
+    if (depth > kMaxVendorDepth) {
       m_found.problems.push_back(folder.string() + ": lies deeper than " +
-                                 std::to_string(kMaxDepth) + " folders; it is left out");
+                                 std::to_string(kMaxVendorDepth) + " folders; it is left out");
       return;
     }
     std::vector<fs::path> below;
@@ -41,6 +40,7 @@ class TVisit {
         return;
       }
     }
+    if (depth == m_depth && m_depth < kMaxVendorDepth) return;
     for (const fs::path& next : below) Visit(next, depth + 1);
   }
 
@@ -72,20 +72,22 @@ class TVisit {
   }
 
   TVendorFiles& m_found;
+  const unsigned int m_depth;
   std::set<fs::path> m_visited;
   bool m_isFull = false;
 };
 
 bool HasEnding(const std::string& file, const std::string& ending) {
-  return file.size() > ending.size() &&
-         IsSameName(file.substr(file.size() - ending.size()), ending);
+  const std::string name = fs::path(file).filename().string();
+  return name.size() > ending.size() &&
+         IsSameName(name.substr(name.size() - ending.size()), ending);
 }
 
 }  // namespace
 
-TVendorFiles ListVendorFiles(const std::string& folder) {
+TVendorFiles ListVendorFiles(const std::string& folder, unsigned int depth) {
   TVendorFiles found;
-  TVisit(found).Visit(folder, 0);
+  TVisit(found, depth).Visit(folder, 0);
   return found;
 }
 

@@ -12,9 +12,13 @@ struct TVendorFiles {
   std::vector<std::string> problems;  ///< One line each: what was not looked at, and why.
 };
 
-/// Looks through `folder`. Names with a dot in front are left out, links are followed, and each
-/// folder is visited once, however many links lead to it. Depth and number are bounded.
-TVendorFiles ListVendorFiles(const std::string& folder);
+/// Folders below each other that are looked through.
+inline constexpr unsigned int kMaxVendorDepth = 8;
+
+/// Looks through `folder`, and `depth` folders below. Names with a dot in front are left out, links
+/// are followed, and each folder is visited once, however many links lead to it. The number of
+/// files is bounded; what is deeper than kMaxVendorDepth is a problem.
+TVendorFiles ListVendorFiles(const std::string& folder, unsigned int depth = kMaxVendorDepth);
 
 /// Whether the name is that of a shared library: `x.so`, `x.so.1.2`.
 bool IsLibraryName(const std::string& file);

@@ -3,10 +3,13 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <set>
 #include <system_error>
 
+#include "platform/cmpi/VendorFiles.h"
 #include "platform/contract/TQELException.h"
+#include "platform/setup/VendorSchema.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -35,13 +38,6 @@ std::vector<fs::path> ReadFolder(const fs::path& folder, std::vector<std::string
   }
   std::sort(found.begin(), found.end());
   return found;
-}
-
-void TakeFiles(const std::vector<fs::path>& entries, const char* extension,
-               std::vector<std::string>& files) {
-  for (const fs::path& entry : entries) {
-    if (entry.extension() == extension) files.push_back(entry.string());
-  }
 }
 
 bool IsMof(const fs::path& file) {
@@ -104,14 +100,15 @@ TInstalledFiles FindInstalledFiles(const std::string& root) {
   for (const fs::path& folder : ReadFolder(top / "providers", files.problems)) {
     std::error_code error;
     if (!fs::is_directory(folder, error)) continue;
+    if (folder.filename().string().front() == '.') continue;
     files.providerFolders.push_back(folder.string());
-    const std::vector<fs::path> entries = ReadFolder(folder, files.problems);
-    TakeFiles(entries, ".mof", files.providerSchema);
-    TakeFiles(entries, ".registration", files.registrations);
-  }
-  if (files.registrations.empty()) {
-    files.problems.push_back((top / "providers").string() +
-                             ": holds no provider (<vendor>/*.registration)");
+    TVendorFiles found = ListVendorFiles(folder.string());
+    files.problems.insert(files.problems.end(), found.problems.begin(), found.problems.end());
+    std::vector<std::string> schema;
+    std::copy_if(found.files.begin(), found.files.end(), std::back_inserter(schema), IsMofName);
+    schema = OrderByIncludes(schema);
+    files.providerSchema.insert(files.providerSchema.end(), schema.begin(), schema.end());
+    files.vendors.push_back({folder.string(), std::move(found.files)});
   }
   return files;
 }

@@ -6,13 +6,20 @@
 
 namespace NZEPQEL20::setup {
 
+/// A vendor's folder below `providers/`.
+struct TInstalledFolder {
+  std::string path;
+  std::vector<std::string> files;  ///< Those of the folders below it, too.
+};
+
 /// The files of an installation root that are read at set-up, by name in ascending order.
 struct TInstalledFiles {
   /// *.mof below <root>/schema, a folder's own before those of the folders in it.
   std::vector<std::string> schema;
-  std::vector<std::string> providerSchema;   ///< <root>/providers/<vendor>/*.mof
+  /// *.mof below <root>/providers/<vendor>, what others include behind those.
+  std::vector<std::string> providerSchema;
   std::vector<std::string> providerFolders;  ///< <root>/providers/<vendor>
-  std::vector<std::string> registrations;    ///< <root>/providers/<vendor>/*.registration
+  std::vector<TInstalledFolder> vendors;     ///< The same folders with what lies in them.
   std::vector<std::string> problems;         ///< Folders that cannot be read: name and reason.
 };
 
@@ -21,8 +28,8 @@ struct TInstalledFiles {
 /// cannot be read.
 std::string CheckRoot(const std::string& root);
 
-/// Looks through the root. A folder that is not there holds nothing; that there is no schema or no
-/// provider at all is a problem.
+/// Looks through the root. A folder that is not there holds nothing, one with a dot in front of its
+/// name is left out; that there is no schema at all is a problem.
 TInstalledFiles FindInstalledFiles(const std::string& root);
 
 }  // namespace NZEPQEL20::setup

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/setup/ProviderSetup.h"
 
+#include <algorithm>
+#include <utility>
+
+#include "platform/cmpi/PegasusClasses.h"
 #include "platform/cmpi/TRegistrations.h"
+#include "platform/cmpi/VendorFiles.h"
 #include "platform/contract/ILogger.h"
 #include "platform/contract/TRootObject.h"
 #include "platform/setup/InstalledFiles.h"
@@ -23,20 +28,36 @@ void TakeErrors(const std::vector<TMofError>& errors, std::vector<std::string>& 
 }
 
 std::shared_ptr<const TClassRepository> LoadClasses(const TInstalledFiles& files,
-                                                    const std::string& root,
+                                                    const std::string& root, bool hasPegasus,
                                                     std::vector<std::string>& problems) {
   auto classes = std::make_shared<TClassRepository>();
   classes->AddSearchPath(root + "/schema");
   for (const std::string& folder : files.providerFolders) classes->AddSearchPath(folder);
   for (const std::string& file : files.schema) TakeErrors(classes->Load(file), problems);
+  // A vendor's classes and registrations may be in one file, or include each other.
+  if (hasPegasus) classes->LoadText(kPegasusClasses, "PG_Provider.mof");
   for (const std::string& file : files.providerSchema) TakeErrors(classes->Load(file), problems);
   TakeErrors(classes->Check(), problems);
   return classes;
 }
 
-TRegistrations LoadRegistrations(const TInstalledFiles& files) {
+// Takes the files out that hold nothing but registrations.
+TRegistrations LoadRegistrations(TInstalledFiles& files, const std::string& root) {
   TRegistrations registrations;
-  for (const std::string& file : files.registrations) registrations.Load(file);
+  for (const TInstalledFolder& vendor : files.vendors) {
+    registrations.LoadFolder(vendor.path, vendor.files);
+  }
+  if (registrations.GetFiles().empty()) {
+    files.problems.push_back(root +
+                             "/providers: holds no provider; add one with \"diagsrun provider "
+                             "add\"; see rule R1");
+  }
+  const std::vector<std::string>& pure = registrations.GetPureFiles();
+  std::vector<std::string>& schema = files.providerSchema;
+  const auto isPure = [&pure](const std::string& file) {
+    return std::find(pure.begin(), pure.end(), file) != pure.end();
+  };
+  schema.erase(std::remove_if(schema.begin(), schema.end(), isPure), schema.end());
   return registrations;
 }
 
@@ -44,12 +65,15 @@ TRegistrations LoadRegistrations(const TInstalledFiles& files) {
 
 TProviderSetup OpenProviders(const std::string& root, const std::string& nameSpace) {
   TProviderSetup setup;
-  const TInstalledFiles files = FindInstalledFiles(root);
+  TInstalledFiles files = FindInstalledFiles(root);
+  TRegistrations registrations = LoadRegistrations(files, root);
   for (const std::string& problem : files.problems) Log(ILogger::kError, problem);
   setup.problems = files.problems;
-  setup.classes = LoadClasses(files, root, setup.problems);
+  const std::vector<std::string>& read = registrations.GetFiles();
+  const bool hasPegasus = std::any_of(read.begin(), read.end(), IsMofName);
+  setup.classes = LoadClasses(files, root, hasPegasus, setup.problems);
   setup.operations =
-      std::make_shared<TCMPIOperations>(setup.classes, LoadRegistrations(files), nameSpace);
+      std::make_shared<TCMPIOperations>(setup.classes, std::move(registrations), nameSpace);
   setup.operations->OpenLibraries();
   return setup;
 }

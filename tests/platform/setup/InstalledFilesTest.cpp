@@ -23,12 +23,16 @@ TEST(InstalledFilesTest, AreFoundByFolderAndEndingInOrderOfTheirNames) {
   root.Write("schema/notes.txt", "");
   const std::string vendorSchema = root.Write("providers/acme/acme.mof", "");
   const std::string registration = root.Write("providers/acme/acme.registration", "");
+  const std::string inner = root.Write("providers/acme/mof/more.MOF", "");
   root.Write("providers/stray.registration", "");
+  root.Write("providers/.acme.tmp-1/acme.mof", "");
   const TInstalledFiles files = FindInstalledFiles(root.GetPath());
   EXPECT_THAT(files.schema, ElementsAre(first, second));
-  EXPECT_THAT(files.providerSchema, ElementsAre(vendorSchema));
+  EXPECT_THAT(files.providerSchema, ElementsAre(vendorSchema, inner));
   EXPECT_THAT(files.providerFolders, ElementsAre(root.GetPath() + "/providers/acme"));
-  EXPECT_THAT(files.registrations, ElementsAre(registration));
+  ASSERT_EQ(files.vendors.size(), 1U);
+  EXPECT_EQ(files.vendors[0].path, root.GetPath() + "/providers/acme");
+  EXPECT_THAT(files.vendors[0].files, ElementsAre(vendorSchema, registration, inner));
   EXPECT_THAT(files.problems, IsEmpty());
 }
 
@@ -64,11 +68,11 @@ TEST(InstalledFilesTest, FoldersInFoldersAreReadOnlySoDeep) {
   EXPECT_EQ(FindInstalledFiles(root.GetPath()).schema.size(), 9U);
 }
 
-TEST(InstalledFilesTest, AnEmptyRootHasNoSchemaAndNoProvider) {
+TEST(InstalledFilesTest, AnEmptyRootHasNoSchema) {
   const TTemporaryRoot root;
   const TInstalledFiles files = FindInstalledFiles(root.GetPath());
-  EXPECT_THAT(files.problems, ElementsAre(HasSubstr("/schema: holds no class declarations"),
-                                          HasSubstr("/providers: holds no provider")));
+  EXPECT_THAT(files.problems, ElementsAre(HasSubstr("/schema: holds no class declarations")));
+  EXPECT_THAT(files.vendors, IsEmpty());
 }
 
 TEST(InstalledFilesTest, AFileInThePlaceOfAFolderIsNamed) {

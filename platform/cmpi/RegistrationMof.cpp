@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: Apache-2.0
+// The form of OpenPegasus: instances of PG_ProviderModule, PG_Provider, PG_ProviderCapabilities.
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <utility>
+
+#include "platform/cmpi/PegasusClasses.h"
+#include "platform/cmpi/TRegistrationTaker.h"
+#include "platform/contract/TQELException.h"
+#include "platform/schema/TClassRepository.h"
+
+namespace NZEPQEL20 {
+
+namespace {
+
+constexpr char kRule[] = "R12";
+
+std::string GetText(const TCIMInstanceData& instance, const char* name) {
+  const TCIMPropertyData* property = instance.Find(name);
+  return property == nullptr ? std::string() : Trim(property->value.ToString(10));
+}
+
+/// The elements of an array property; a scalar counts as one.
+std::vector<std::string> GetTexts(const TCIMInstanceData& instance, const char* name) {
+  std::vector<std::string> texts;
+  const TCIMPropertyData* property = instance.Find(name);
+  if (property == nullptr || property->value.IsNull()) return texts;
+  if (!property->value.IsArray()) return {property->value.ToString(10)};
+  for (const TCIMValue& element : static_cast<std::vector<TCIMValue>>(property->value)) {
+    if (!element.IsNull()) texts.push_back(Trim(element.ToString(10)));
+  }
+  return texts;
+}
+
+/// The instances of one vendor's MOF files, put together.
+class TPegasusReader {
+ public:
+  TPegasusReader(std::string file, TRegistrationTaker& taker)
+      : m_file(std::move(file)), m_taker(taker) {}
+
+  void Read(const std::vector<TCIMInstanceData>& instances) {
+    for (const TCIMInstanceData& instance : instances) {
+      const std::string& className = instance.path.GetClassName();
+      if (IsSameName(className, "PG_ProviderModule")) {
+        m_modules[GetText(instance, "Name")] = &instance;
+      } else if (IsSameName(className, "PG_Provider")) {
+        m_providers[{GetText(instance, "ProviderModuleName"), GetText(instance, "Name")}] = false;
+      } else if (IsSameName(className, "PG_ProviderCapabilities")) {
+        m_capabilities.push_back(&instance);
+      }
+    }
+    for (const TCIMInstanceData* capabilities : m_capabilities) Take(*capabilities);
+    for (const auto& [provider, isUsed] : m_providers) {
+      if (isUsed) continue;
+      m_taker.Warn(m_file + ": PG_Provider \"" + provider.second + "\" serves no class",
+                   "add a PG_ProviderCapabilities instance for it", kRule);
+    }
+  }
+
+ private:
+  void Take(const TCIMInstanceData& capabilities) {
+    TRegistration entry;
+    entry.className = GetText(capabilities, "ClassName");
+    entry.providerName = GetText(capabilities, "ProviderName");
+    m_module = GetText(capabilities, "ProviderModuleName");
+    entry.source = m_file + ": PG_ProviderCapabilities \"" + GetText(capabilities, "CapabilityID") +
+                   "\" of class " + entry.className;
+    const auto provider = m_providers.find({m_module, entry.providerName});
+    if (provider != m_providers.end()) provider->second = true;
+    if (!HasNames(entry) || !HasModule(entry) || !MarkTypes(entry, capabilities)) return;
+    AddAll(entry, capabilities);
+  }
+
+  void Fail(const TRegistration& entry, const std::string& reason, const std::string& remedy) {
+    m_taker.Fail(entry.source + ": " + reason, remedy, kRule);
+  }
+
+  bool HasNames(const TRegistration& entry) {
+    if (!IsPlainName(entry.className)) {
+      Fail(entry, "\"" + entry.className + "\" is not a class name", "set ClassName");
+      return false;
+    }
+    if (IsPlainName(entry.providerName)) return true;
+    Fail(entry, "\"" + entry.providerName + "\" is not a provider name", "set ProviderName");
+    return false;
+  }
+
+  bool HasModule(const TRegistration& entry) {
+    if (m_providers.find({m_module, entry.providerName}) == m_providers.end()) {
+      Fail(entry,
+           "there is no PG_Provider \"" + entry.providerName + "\" of module \"" + m_module + "\"",
+           "add the instance, or mend ProviderModuleName and ProviderName");
+      return false;
+    }
+    const auto module = m_modules.find(m_module);
+    if (module == m_modules.end()) {
+      Fail(entry, "there is no PG_ProviderModule \"" + m_module + "\"",
+           "add the instance, or mend ProviderModuleName");
+      return false;
+    }
+    const std::string interfaceType = GetText(*module->second, "InterfaceType");
+    if (!IsSameName(interfaceType, "CMPI")) {
+      Fail(entry,
+           "module \"" + m_module + "\" has the interface \"" + interfaceType +
+               "\", and only CMPI is hosted",
+           "ship a CMPI provider");
+      return false;
+    }
+    if (!GetText(*module->second, "Location").empty()) return true;
+    Fail(entry, "module \"" + m_module + "\" has no Location", "set it to the library's name");
+    return false;
+  }
+
+  bool MarkTypes(TRegistration& entry, const TCIMInstanceData& capabilities) {
+    const std::map<std::string, const char*> known = {
+        {"2", "instance"}, {"3", "association"}, {"4", "indication"}, {"5", "method"}};
+    const std::vector<std::string> types = GetTexts(capabilities, "ProviderType");
+    if (types.empty()) {
+      Fail(entry, "has no ProviderType", "set it to 2, 3, 4 or 5");
+      return false;
+    }
+    bool isDriven = false;
+    for (const std::string& type : types) {
+      const auto word = known.find(type);
+      if (word != known.end()) {
+        isDriven = MarkType(entry, word->second);
+      } else if (type == "6" || type == "7") {
+        m_taker.Warn(entry.source + ": ProviderType " + type + " is not driven",
+                     "leave it out where it is not needed", kRule);
+      } else {
+        Fail(entry, "unknown ProviderType " + type, "set it to 2, 3, 4 or 5");
+        return false;
+      }
+    }
+    return isDriven;
+  }
+
+  void AddAll(TRegistration entry, const TCIMInstanceData& capabilities) {
+    const std::vector<std::string> nameSpaces = GetTexts(capabilities, "Namespaces");
+    if (nameSpaces.empty()) return Fail(entry, "has no Namespaces", "name at least one");
+    const std::string location = GetText(*m_modules[m_module], "Location");
+    for (const std::string& nameSpace : nameSpaces) {
+      entry.nameSpace = nameSpace;
+      m_taker.Add(entry, location, m_file);
+    }
+  }
+
+  const std::string m_file;
+  TRegistrationTaker& m_taker;
+  std::map<std::string, const TCIMInstanceData*> m_modules;
+  std::map<std::pair<std::string, std::string>, bool> m_providers;  ///< Whether it serves a class.
+  std::vector<const TCIMInstanceData*> m_capabilities;
+  std::string m_module;
+};
+
+}  // namespace
+
+std::vector<std::string> ReadRegistrationMof(const std::vector<std::string>& files,
+                                             TRegistrationTaker& taker) {
+  if (files.empty()) return {};
+  TClassRepository classes;
+  classes.LoadText(kPegasusClasses, "PG_Provider.mof");
+  std::vector<std::string> mixed;
+  const auto report = [&](const std::vector<TMofError>& errors) {
+    for (const TMofError& error : errors) {
+      if (!error.isWarning) taker.Fail(error.ToString(), "mend the MOF", kRule);
+    }
+  };
+  for (const std::string& file : files) {
+    const std::size_t before = classes.GetCount();
+    const std::vector<TMofError> errors = classes.Load(file);
+    if (classes.GetCount() > before) {
+      // Whoever loads the classes reports what is wrong in the file.
+      mixed.push_back(file);
+    } else {
+      report(errors);
+    }
+  }
+  if (mixed.empty()) report(classes.Check());
+  TPegasusReader(files.front(), taker).Read(classes.GetInstances());
+  return mixed;
+}
+
+}  // namespace NZEPQEL20

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/cmpi/TLibraryFinder.h"
+
+#include <algorithm>
+
+#include "platform/cmpi/TElfFile.h"
+#include "platform/cmpi/VendorFiles.h"
+
+namespace NZEPQEL20 {
+
+namespace {
+
+std::string GetName(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+std::string GetFolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "." : path.substr(0, slash);
+}
+
+bool StartsWith(const std::string& text, const std::string& start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
+/// The file names that `location` may stand for, the likeliest first.
+std::vector<std::string> GetNames(const std::string& location) {
+  const std::string base = GetName(location);
+  if (IsLibraryName(base)) return {base, "lib" + base};
+  return {"lib" + base + ".so", base + ".so"};
+}
+
+/// The first that this machine can load stands for all; those are named.
+TFoundLibrary Choose(const std::vector<std::string>& libraries) {
+  std::vector<std::string> fit;
+  if (libraries.size() > 1) {
+    std::copy_if(libraries.begin(), libraries.end(), std::back_inserter(fit),
+                 [](const std::string& library) { return TElfFile(library).GetFault().empty(); });
+  }
+  const std::vector<std::string>& best = fit.empty() ? libraries : fit;
+  TFoundLibrary found = {best.front(), true, ""};
+  for (std::size_t i = 1; i < best.size(); ++i) {
+    found.doubt += (i == 1 ? best.front() + " is taken, not " : " or ") + best[i];
+  }
+  return found;
+}
+
+}  // namespace
+
+TLibraryFinder::TLibraryFinder(std::string folder, const std::vector<std::string>& files)
+    : m_folder(std::move(folder)) {
+  std::copy_if(files.begin(), files.end(), std::back_inserter(m_libraries), IsLibraryName);
+}
+
+std::vector<std::string> TLibraryFinder::Collect(const std::string& location) const {
+  for (const std::string& name : GetNames(location)) {
+    for (const bool isVersioned : {false, true}) {
+      std::vector<std::string> found;
+      for (const std::string& library : m_libraries) {
+        const std::string other = GetName(library);
+        if (isVersioned ? StartsWith(other, name + '.') : other == name) found.push_back(library);
+      }
+      if (!found.empty()) return found;
+    }
+  }
+  return {};
+}
+
+TFoundLibrary TLibraryFinder::Find(const std::string& location,
+                                   const std::string& registrationFolder) const {
+  const std::vector<std::string> found = Collect(location);
+  if (found.empty()) {
+    return {registrationFolder + '/' + GetNames(location).front(), false, ""};
+  }
+  for (const std::string& library : found) {
+    if (GetFolderOf(library) == registrationFolder) return {library, true, ""};
+  }
+  return Choose(found);
+}
+
+}  // namespace NZEPQEL20

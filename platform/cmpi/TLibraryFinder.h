@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace NZEPQEL20 {
+
+/// The library that a registration means.
+struct TFoundLibrary {
+  std::string path;  ///< Where it is, or where it was expected first.
+  bool isThere = false;
+  std::string doubt;  ///< What the choice was between; empty when there was none.
+};
+
+/// Finds libraries in a vendor's folder by the names that registrations have for them.
+class TLibraryFinder {
+ public:
+  /// `files` is what lies in the folder; what is no library among it is left out.
+  TLibraryFinder(std::string folder, const std::vector<std::string>& files);
+
+  const std::string& GetFolder() const { return m_folder; }
+
+  /// The library for `location` as a registration in `registrationFolder` writes it: "X" stands
+  /// for `libX.so`, beside the registration, else anywhere in the vendor's folder. "libX.so" and a
+  /// path mean the file of that name, never one outside the folder. Without an exact name one
+  /// with a version is taken. Of several, the first for this machine.
+  TFoundLibrary Find(const std::string& location, const std::string& registrationFolder) const;
+
+ private:
+  std::vector<std::string> Collect(const std::string& location) const;
+
+  std::string m_folder;
+  std::vector<std::string> m_libraries;
+};
+
+}  // namespace NZEPQEL20

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace NZEPQEL20::setup {
+
+/// `files` in the order in which they are to be read: those that another one includes behind those
+/// that nobody includes, so that an include finds its file unread. Otherwise the order stays.
+std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files);
+
+/// The files that the MOF file includes by its own words, where they lead from there; what cannot
+/// be read includes nothing.
+std::vector<std::string> FindIncludes(const std::string& file);
+
+}  // namespace NZEPQEL20::setup

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "platform/cmpi/LibraryLoading.h"
+#include "tests/platform/cmpi/registrations/TVendor.h"
+
+namespace NZEPQEL20 {
+namespace {
+
+using ::testing::HasSubstr;
+
+/// A vendor's folder with copies of libraries of the test tree.
+class LibraryLoadingTest : public testing::Test {
+ protected:
+  std::string Take(const std::string& library, const std::string& place) {
+    const std::filesystem::path target = m_vendor.GetPath(place);
+    std::filesystem::create_directories(target.parent_path());
+    std::filesystem::copy_file(std::string(DIAGS_VENDOR_DIR) + "/" + library, target);
+    return target.string();
+  }
+
+  TVendor m_vendor;
+};
+
+TEST_F(LibraryLoadingTest, WithoutItsSiblingALibrarySaysWhatIsMissing) {
+  const std::string path = Take("libneedsnameless.so", "libneedsnameless.so");
+  const TLoadedLibrary loaded = LoadLibrary(path, m_vendor.GetPath());
+  ASSERT_EQ(loaded.handle, nullptr);
+  EXPECT_EQ(loaded.reason,
+            "libvendorNameless.so: cannot open shared object file: No such file or directory");
+  EXPECT_EQ(loaded.remedy,
+            "install what has libvendorNameless.so, or put it into the vendor's folder");
+  EXPECT_EQ(loaded.rule, "R15");
+}
+
+TEST_F(LibraryLoadingTest, ASiblingAnywhereInTheFolderIsFoundThroughItsLink) {
+  const std::string path = Take("libneedscommon.so", "libneedscommon.so");
+  Take("libvendorCommon.so.0", "lib/deep/libvendorCommon.so.0.7");
+  std::filesystem::create_symlink("libvendorCommon.so.0.7",
+                                  m_vendor.GetPath("lib/deep/libvendorCommon.so.0"));
+  const TLoadedLibrary loaded = LoadLibrary(path, m_vendor.GetPath());
+  ASSERT_NE(loaded.handle, nullptr) << loaded.reason;
+  void* symbol = dlsym(loaded.handle, "VendorAnswer");
+  ASSERT_NE(symbol, nullptr);
+  int (*answer)() = nullptr;
+  std::memcpy(&answer, &symbol, sizeof answer);
+  EXPECT_EQ(answer(), 43);
+  // What a library brings is for itself alone.
+  EXPECT_EQ(dlsym(RTLD_DEFAULT, "VendorCommon"), nullptr);
+}
+
+TEST_F(LibraryLoadingTest, ASiblingThatGoesByAnotherNameIsExplained) {
+  const std::string path = Take("libneedsnameless.so", "libneedsnameless.so");
+  Take("libvendorNameless.so", "lib/libvendorNameless.so");
+  const TLoadedLibrary loaded = LoadLibrary(path, m_vendor.GetPath());
+  ASSERT_EQ(loaded.handle, nullptr);
+  EXPECT_THAT(loaded.reason, HasSubstr("libvendorNameless.so: cannot open shared object file"));
+  EXPECT_THAT(loaded.remedy, HasSubstr("with the soname libvendorNameless.so"));
+}
+
+TEST_F(LibraryLoadingTest, ASiblingThatIsNoLibraryHasTheLoadersWords) {
+  const std::string path = Take("libneedsnameless.so", "libneedsnameless.so");
+  m_vendor.Write("libvendorNameless.so", "text");
+  const TLoadedLibrary loaded = LoadLibrary(path, m_vendor.GetPath());
+  ASSERT_EQ(loaded.handle, nullptr);
+  EXPECT_THAT(loaded.reason, HasSubstr("libvendorNameless.so: "));
+  EXPECT_THAT(loaded.reason, ::testing::Not(HasSubstr("No such file")));
+}
+
+TEST_F(LibraryLoadingTest, AFileThatIsNotThereOrNoLibraryHasItsRule) {
+  EXPECT_EQ(LoadLibrary("/no/such/libx.so", "/no/such").rule, "R13");
+  const TLoadedLibrary text = LoadLibrary(m_vendor.Write("libx.so", "text"), m_vendor.GetPath());
+  EXPECT_EQ(text.rule, "R14");
+  EXPECT_THAT(text.remedy, HasSubstr("is no library (no ELF header)"));
+}
+
+TEST_F(LibraryLoadingTest, TheMissingLibraryIsReadFromTheLoadersWords) {
+  EXPECT_EQ(FindMissing("libx.so.1: cannot open shared object file: No such file"), "libx.so.1");
+  EXPECT_EQ(FindMissing("/a/libx.so: undefined symbol: y"), "");
+}
+
+TEST_F(LibraryLoadingTest, EntryPointsOfALibraryWithoutAnyAreSaidToBeMissing) {
+  EXPECT_EQ(DescribeFactories(std::string(DIAGS_VENDOR_DIR) + "/libneedscommon.so"),
+            " (it exports no entry point at all)");
+}
+
+}  // namespace
+}  // namespace NZEPQEL20

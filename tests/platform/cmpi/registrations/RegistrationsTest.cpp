@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/platform/cmpi/registrations/TVendor.h"
+
+namespace NZEPQEL20 {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+TRegistrations Read(const std::string& text) {
+  return ReadText(text, "acme.registration");
+}
+
+TEST(RegistrationsTest, ALineNamesClassNamespaceProviderLibraryAndTypes) {
+  const TVendor vendor;
+  vendor.Write("acme.registration",
+               "# comment\n\nA_B root/x P lib1 instance method # more\n"
+               "A_C root/x P lib1 Association PROPERTY indication#more\n");
+  const auto read = vendor.Read();
+  EXPECT_THAT(read.GetFindings(), IsEmpty());
+  EXPECT_EQ(ShowAll(read), "A_B root/x P liblib1.so IM, A_C root/x P liblib1.so APN");
+  EXPECT_EQ(read.GetEntries()[0].library, vendor.GetPath("liblib1.so"));
+  EXPECT_EQ(read.GetEntries()[0].folder, vendor.GetPath());
+  EXPECT_EQ(read.GetEntries()[0].source, vendor.GetPath("acme.registration:3"));
+  EXPECT_FALSE(read.GetEntries()[0].hasLibrary);
+}
+
+TEST(RegistrationsTest, LinesForTheSameClassAndProviderAddTheirTypes) {
+  EXPECT_EQ(ShowAll(Read("A root/x P l instance\na ROOT/X P l association property\n")),
+            "A root/x P libl.so IAP");
+}
+
+struct TBadLine {
+  const char* name;
+  std::string line;
+  const char* reason;
+};
+void PrintTo(const TBadLine& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class BadRegistrationTest : public testing::TestWithParam<TBadLine> {};
+
+TEST_P(BadRegistrationTest, IsReportedInOneLineWithItsPlaceAndTheOthersCount) {
+  const auto read = Read(GetParam().line + "\nA root/x P l instance\n");
+  ASSERT_THAT(read.GetProblems(), SizeIs(1));
+  EXPECT_THAT(read.GetProblems()[0], HasSubstr(".registration:1: "));
+  EXPECT_THAT(read.GetProblems()[0], HasSubstr(GetParam().reason));
+  EXPECT_THAT(read.GetProblems()[0], ::testing::EndsWith("; see rule R2"));
+  EXPECT_EQ(read.GetProblems()[0].find('\n'), std::string::npos);
+  EXPECT_EQ(ShowAll(read), "A root/x P libl.so I");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, BadRegistrationTest,
+    testing::Values(TBadLine{"FewWords", "A root/x P l", "found 4 words"},
+                    TBadLine{"UnknownType", "A root/x P l instanse", "type \"instanse\""},
+                    TBadLine{"ClassName", "A-B root/x P l instance", "not a class name"},
+                    TBadLine{"ProviderName", "A root/x P! l instance", "not a provider name"},
+                    TBadLine{"NulByte", std::string("A root/x P l\0 instance", 22),
+                             "a NUL byte in column 13"},
+                    TBadLine{"LongLine", std::string(70'000, 'x'), "longer than 65536 bytes"}),
+    [](const auto& row) { return row.param.name; });
+
+struct TOddText {
+  const char* name;
+  std::string text;
+};
+void PrintTo(const TOddText& row, std::ostream* out) {
+  *out << row.name;
+}
+
+std::string ToUtf16(const std::string& text) {
+  std::string wide = "\xFF\xFE";
+  for (const char c : text) (wide += c) += '\0';
+  return wide;
+}
+
+class OddTextTest : public testing::TestWithParam<TOddText> {};
+
+TEST_P(OddTextTest, IsReadAllTheSame) {
+  const auto read = Read(GetParam().text);
+  EXPECT_EQ(ShowFindings(read), "");
+  EXPECT_EQ(ShowAll(read), "A root/x P libl.so I");
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, OddTextTest,
+                         testing::Values(TOddText{"DosLineEnds",
+                                                  "# one\r\nA root/x P l instance\r\n"},
+                                         TOddText{"LoneReturns", "# one\rA root/x P l instance\r"},
+                                         TOddText{"ByteOrderMark",
+                                                  "\xEF\xBB\xBF"
+                                                  "A root/x P l instance\n"},
+                                         TOddText{"Utf16", ToUtf16("A root/x P l instance\n")},
+                                         TOddText{"Tabs", "\tA\troot/x\tP\tl\tinstance\t"},
+                                         TOddText{"NoLineEnd", "A root/x P l instance"},
+                                         TOddText{"LongComment", '#' + std::string(60'000, 'x') +
+                                                                     "\nA root/x P l instance\n"}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(RegistrationsTest, TheContentTellsTheFormWhateverTheName) {
+  EXPECT_EQ(ShowAll(ReadText("A root/x P l instance\n", "a.reg")), "A root/x P libl.so I");
+  EXPECT_EQ(ShowAll(ReadText("# x\n[A]\nprovider: P\nlocation: l\ntype: method\nnamespace: root/x",
+                             "a.registration")),
+            "A root/x P libl.so M");
+}
+
+TEST(RegistrationsTest, FilesOfAllFormsCountOnceWhereTheySayTheSame) {
+  const TVendor vendor;
+  vendor.Write("a.registration", "A root/x P l instance method\n");
+  vendor.Write("b.REG",
+               "[A]\nprovider: P\nlocation: l\ntype: instance method\nnamespace: root/x\n");
+  vendor.Write("sub/c.Mof", R"(
+      instance of PG_ProviderModule { Name = "M"; InterfaceType = "CMPI"; Location = "l"; };
+      instance of PG_Provider { ProviderModuleName = "M"; Name = "P"; };
+      instance of PG_ProviderCapabilities { ProviderModuleName = "M"; ProviderName = "P";
+        CapabilityID = "1"; ClassName = "A"; Namespaces = {"root/x"}; ProviderType = {2, 5}; };)");
+  vendor.Write("libl.so", "");
+  vendor.Write("classes.mof", "class A { [Key] string InstanceID; };");
+  vendor.Write("README", "[A]");
+  const auto read = vendor.Read();
+  EXPECT_EQ(ShowFindings(read), "");
+  EXPECT_EQ(ShowAll(read), "A root/x P libl.so IM");
+  EXPECT_THAT(read.GetFiles(), SizeIs(3));
+  EXPECT_THAT(read.GetPureFiles(), ::testing::ElementsAre(vendor.GetPath("sub/c.Mof")));
+}
+
+TEST(RegistrationsTest, AFileThatIsNotThereOrADirectoryIsAProblem) {
+  TRegistrations registrations;
+  registrations.Load("/nowhere/at.all");
+  registrations.Load("/");
+  ASSERT_THAT(registrations.GetProblems(), SizeIs(2));
+  EXPECT_THAT(registrations.GetProblems()[0],
+              HasSubstr("/nowhere/at.all: cannot be read: No such"));
+  EXPECT_THAT(registrations.GetProblems()[1], HasSubstr("/: cannot be read: is a directory"));
+}
+
+}  // namespace
+}  // namespace NZEPQEL20

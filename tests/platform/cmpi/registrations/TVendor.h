@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <sstream>
+#include <string>
+
+#include "platform/cmpi/TRegistrations.h"
+#include "platform/cmpi/VendorFiles.h"
+#include "tests/support/TTemporaryFolder.h"
+
+namespace NZEPQEL20 {
+
+/// A vendor's folder of a test's own, and what its registrations say.
+class TVendor : public TTemporaryFolder {
+ public:
+  TRegistrations Read() const {
+    TRegistrations registrations;
+    registrations.LoadFolder(GetPath(), ListVendorFiles(GetPath()).files);
+    return registrations;
+  }
+};
+
+/// Reads `text` as a vendor's only registration file.
+inline TRegistrations ReadText(const std::string& text, const std::string& name) {
+  const TVendor vendor;
+  vendor.Write(name, text);
+  return vendor.Read();
+}
+
+/// An entry in one line: class, namespace, provider, library's name, first letters of the types.
+inline std::string Show(const TRegistration& entry) {
+  std::ostringstream out;
+  out << entry.className << ' ' << entry.nameSpace << ' ' << entry.providerName << ' '
+      << entry.library.substr(entry.library.rfind('/') + 1) << ' ';
+  out << (entry.isInstance ? "I" : "") << (entry.isAssociation ? "A" : "")
+      << (entry.isMethod ? "M" : "") << (entry.isProperty ? "P" : "")
+      << (entry.isIndication ? "N" : "");
+  return out.str();
+}
+
+inline std::string ShowAll(const TRegistrations& registrations) {
+  std::string text;
+  for (const TRegistration& entry : registrations.GetEntries()) {
+    text += (text.empty() ? "" : ", ") + Show(entry);
+  }
+  return text;
+}
+
+/// All findings, one line each; a warning starts with "warning: ".
+inline std::string ShowFindings(const TRegistrations& registrations) {
+  std::string text;
+  for (const TRegistrationProblem& finding : registrations.GetFindings()) {
+    text += (finding.isWarning ? "warning: " : "") + finding.ToString() + '\n';
+  }
+  return text;
+}
+
+}  // namespace NZEPQEL20

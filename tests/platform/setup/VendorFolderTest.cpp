@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: Apache-2.0
+// Vendors' folders as they are shipped, read at set-up.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/setup/ProviderSetup.h"
+#include "platform/setup/VendorSchema.h"
+#include "tests/platform/setup/TTemporaryRoot.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
+
+constexpr char kBase[] = "class A_Base { [Key] string InstanceID; };\n";
+
+constexpr char kPegasus[] = R"(
+  instance of PG_ProviderModule { Name = "M"; InterfaceType = "CMPI"; Location = "acme"; };
+  instance of PG_Provider { ProviderModuleName = "M"; Name = "P"; };
+  instance of PG_ProviderCapabilities { ProviderModuleName = "M"; ProviderName = "P";
+    CapabilityID = "1"; ClassName = "A_Base"; Namespaces = {"root/x"}; ProviderType = {2}; };
+)";
+
+class VendorFolderTest : public ::testing::Test {
+ protected:
+  VendorFolderTest() { m_root.Write("schema/base.mof", kBase); }
+
+  TProviderSetup Open() const { return OpenProviders(m_root.GetPath(), "root/cimv2"); }
+
+  /// What was wrong while reading, without what the libraries have to say.
+  std::vector<std::string> GetAllProblems() const {
+    const TProviderSetup setup = Open();
+    std::vector<std::string> problems = setup.problems;
+    for (const std::string& problem : setup.operations->GetProblems()) {
+      if (problem.find("cannot be loaded") == std::string::npos) problems.push_back(problem);
+    }
+    return problems;
+  }
+
+  TTemporaryRoot m_root;
+};
+
+TEST_F(VendorFolderTest, ClassesAndRegistrationsAreReadFromFoldersBelow) {
+  m_root.Write("providers/acme/mof/classes/acme.mof", "class A_Acme : A_Base { };\n");
+  m_root.Write("providers/acme/reg/acme.reg",
+               "[A_Acme]\nprovider: P\nlocation: acme\ntype: instance\nnamespace: root/acme\n");
+  m_root.Write("providers/acme/lib/libacme.so", "");
+  const TProviderSetup setup = Open();
+  EXPECT_THAT(setup.problems, IsEmpty());
+  EXPECT_THAT(setup.operations->GetNamespaces(), ElementsAre("root/cimv2", "root/acme"));
+  EXPECT_EQ(setup.operations->GetClass("root/acme", "A_Acme")->superclass, "A_Base");
+  EXPECT_THAT(setup.operations->GetProblems(),
+              ElementsAre(HasSubstr("provider library " + m_root.GetPath() +
+                                    "/providers/acme/lib/libacme.so cannot be loaded: ")));
+}
+
+TEST_F(VendorFolderTest, ARegistrationInMofIsNoPartOfTheSchema) {
+  m_root.Write("providers/acme/acmeR.mof", kPegasus);
+  EXPECT_THAT(GetAllProblems(), IsEmpty());
+  EXPECT_THAT(Open().classes->GetInstances(), IsEmpty());
+  EXPECT_THAT(Open().operations->GetNamespaces(), ElementsAre("root/cimv2", "root/x"));
+}
+
+TEST_F(VendorFolderTest, ARegistrationBesideClassesInOneFileIsReadForBoth) {
+  m_root.Write("providers/acme/acme.mof", std::string("class A_More : A_Base { };\n") + kPegasus);
+  EXPECT_THAT(GetAllProblems(), IsEmpty());
+  EXPECT_NE(Open().classes->Find("A_More"), nullptr);
+  EXPECT_THAT(Open().operations->GetNamespaces(), ElementsAre("root/cimv2", "root/x"));
+}
+
+TEST_F(VendorFolderTest, AFileThatAnotherIncludesIsReadOnceAndThere) {
+  // Read by itself first, the instance would be in no namespace.
+  m_root.Write("providers/acme/a_part.mof", "instance of A_Base { InstanceID = \"1\"; };\n");
+  m_root.Write("providers/acme/z_all.mof",
+               "#pragma namespace (\"root/acme\")\n# Pragma include(\"A_Part.mof\")\n"
+               "#pragma include (\"a_part.mof\")\n");
+  const TProviderSetup setup = Open();
+  const std::vector<TCIMInstanceData> instances = setup.classes->GetInstances();
+  ASSERT_EQ(instances.size(), 1U);
+  EXPECT_EQ(instances[0].path.GetNamespaceName(), "root/acme");
+}
+
+TEST_F(VendorFolderTest, ALibraryThatIsNotThereIsOneProblemWithItsRule) {
+  m_root.Write("providers/acme/acme.registration",
+               "A_Base root/x P gone instance\nA_Base root/y P gone instance\n");
+  const TProviderSetup setup = Open();
+  EXPECT_THAT(
+      setup.operations->GetProblems(),
+      ElementsAre(::testing::AllOf(HasSubstr("/providers/acme/libgone.so cannot be loaded: "),
+                                   HasSubstr("No such file or directory; "),
+                                   ::testing::EndsWith("; see rule R13"))));
+}
+
+TEST_F(VendorFolderTest, WithoutAnyRegistrationThereIsNoProvider) {
+  m_root.Write("providers/acme/acme.mof", "");
+  EXPECT_THAT(Open().problems, ElementsAre(HasSubstr("/providers: holds no provider; ")));
+}
+
+TEST_F(VendorFolderTest, EveryProblemIsOneLineThatCitesARule) {
+  m_root.Write("providers/a/a.registration", "half a line\nA_Nowhere root/x P l instance\n");
+  m_root.Write("providers/b/b.reg", "[A_Base]\ncolour: red\n");
+  m_root.Write("providers/c/c.mof",
+               "instance of PG_ProviderCapabilities { ClassName = \"A_Base\"; "
+               "ProviderName = \"P\"; };\n");
+  const TProviderSetup setup = Open();
+  const std::vector<std::string> problems = setup.operations->GetProblems();
+  EXPECT_EQ(problems.size(), 5U);
+  for (const std::string& problem : problems) {
+    EXPECT_THAT(problem, HasSubstr("; see rule R"));
+    EXPECT_EQ(problem.find('\n'), std::string::npos) << problem;
+  }
+}
+
+TEST_F(VendorFolderTest, IncludesAreFoundWhereverTheyLead) {
+  const std::string inner = m_root.Write("m/Inner/B.mof", "");
+  const std::string file = m_root.Write(
+      "m/a.mof",
+      "  #  PRAGMA\tInclude ( \"inner\\b.mof\" )\r\n#pragma locale (\"en_US\")\n"
+      "#pragma include (\"gone.mof\")\n//#pragma include (\"x.mof\")\n#pragma include");
+  EXPECT_THAT(FindIncludes(file), ElementsAre(inner, m_root.GetPath() + "/m/gone.mof"));
+  EXPECT_THAT(FindIncludes("/no/such.mof"), IsEmpty());
+  EXPECT_THAT(OrderByIncludes({inner, file}), ElementsAre(file, inner));
+}
+
+}  // namespace
+}  // namespace NZEPQEL20::setup
