@@ -38,6 +38,7 @@ struct TXmlParser::TTokeniser {
   void Guard(const TCall& call) noexcept;
   void Stop();
   void Refuse(const char* message);
+  bool AreDefaultsModest(const XML_Char** given);
 
   static TTokeniser& Of(void* self) { return *static_cast<TTokeniser*>(self); }
   static void XMLCALL OnStart(void* self, const XML_Char* name, const XML_Char** attributes);
@@ -61,6 +62,7 @@ struct TXmlParser::TTokeniser {
   bool isStopped = false;     // By an exception or a limit.
   unsigned int depth = 0;     // Of open elements.
   unsigned int entities = 0;  // Declared so far.
+  std::size_t filledIn = 0;   // Bytes of attributes that the DTD gave.
   std::string text;           // Since the last tag.
   TXmlAttributes attributes;  // Of the tag under way.
   const XML_Char** pairs = nullptr;
@@ -107,11 +109,24 @@ void TXmlParser::TTokeniser::Refuse(const char* message) {
   owner.FatalError(message);
 }
 
+// Expat holds entities to a limit, but not attributes that a declaration fills in: few bytes of
+// tags could bring any amount of them.
+bool TXmlParser::TTokeniser::AreDefaultsModest(const XML_Char** given) {
+  const XML_Char** pair = given + XML_GetSpecifiedAttributeCount(handle.get());
+  for (; *pair != nullptr; pair += 2) filledIn += std::strlen(pair[0]) + std::strlen(pair[1]);
+  if (filledIn <= kFreeExpansionBytes) return true;
+  const auto read = static_cast<double>(XML_GetCurrentByteIndex(handle.get()));
+  return static_cast<double>(filledIn) <= read * static_cast<double>(kMaxAmplification);
+}
+
 void XMLCALL TXmlParser::TTokeniser::OnStart(void* self, const XML_Char* name,
                                              const XML_Char** attributes) {
   TTokeniser& me = Of(self);
   me.Guard([&me, name, attributes] {
     if (++me.depth > kMaxDepth) return me.Refuse("nested too deeply");
+    if (!me.AreDefaultsModest(attributes)) {
+      return me.Refuse("attributes that the DTD fills in expand it too far");
+    }
     me.owner.ParseCharData();
     me.pairs = attributes;
     me.owner.GetAttributeNValue();

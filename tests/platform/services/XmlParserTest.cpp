@@ -196,6 +196,24 @@ TEST(XmlLimitsTest, StopsOneLongEntityUsedOftenInAttributes) {
             "!1:limit on input amplification factor (from DTD and entities) breached");
 }
 
+std::string MakeDefaults(std::size_t bytes, unsigned int elements) {
+  return "<!DOCTYPE a [<!ATTLIST b k CDATA '" + std::string(bytes, 'x') + "'>]><a>" +
+         Repeat("<b/>", elements) + "</a>";
+}
+
+TEST(XmlLimitsTest, StopsALongDefaultOfAnAttributeThatManyElementsHave) {
+  const std::vector<std::string> events = Read(MakeDefaults(10000, 1000));
+  EXPECT_EQ(events.back(), "!1:attributes that the DTD fills in expand it too far");
+  // 256 KiB are free, and so many tags do not fill more.
+  EXPECT_EQ(events.size(), 1U + 2 * 26U + 1U);
+}
+
+TEST(XmlLimitsTest, FillsAttributesInThatAreDeclaredWithReason) {
+  const std::vector<std::string> events = Read(MakeDefaults(10, 3));
+  EXPECT_EQ(events[1], "<b k=xxxxxxxxxx>");
+  EXPECT_EQ(events.size(), 8U);
+}
+
 TEST(XmlLimitsTest, ExpandsAFewEntitiesOfReasonableSize) {
   const std::vector<std::string> events = Read(MakeLaughs(3));
   ASSERT_EQ(events.size(), 3U);
