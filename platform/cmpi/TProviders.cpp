@@ -177,8 +177,9 @@ void TProviders::OpenLibraries() {
 void TProviders::Report(const std::string& problem) {
   {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_reported.insert(problem).second) return;
-    m_problems.push_back(problem);
+    if (m_problems.size() > kMaxProblems || !m_reported.insert(problem).second) return;
+    const bool isLast = m_problems.size() == kMaxProblems;
+    m_problems.push_back(isLast ? "there are more problems; they are not told" : problem);
   }
   Log(problem);
 }

@@ -33,6 +33,9 @@ class TProviders : public IBrokerHost {
   };
   using TServices = std::vector<TService>;
 
+  /// How many problems are kept: a provider may word each of its failures anew.
+  static constexpr std::size_t kMaxProblems = 1000;
+
   TProviders(std::shared_ptr<const TClassRepository> classes, TRegistrations registrations,
              ICIMOperations& operations);
   /// Ends every provider.
@@ -72,7 +75,7 @@ class TProviders : public IBrokerHost {
 
   /// Opens every library, so that what cannot be loaded is known.
   void OpenLibraries();
-  /// Keeps and logs `problem` unless that was done before.
+  /// Keeps and logs `problem` unless that was done before, or too many are kept.
   void Report(const std::string& problem);
   std::vector<std::string> GetProblems() const;
 

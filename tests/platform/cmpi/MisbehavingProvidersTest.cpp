@@ -245,6 +245,19 @@ TEST_F(MisbehavingProvidersTest, ACleanupThatFailsOrThrowsEndsNothingElse) {
   }
 }
 
+TEST_F(MisbehavingProvidersTest, FailuresThatAreEachWordedAnewDoNotFillTheMemory) {
+  Host("codes");
+  TCIMReference path = TCIMReference::Parse("root/cimv2:BAD_Object.InstanceID=\"one\"");
+  for (int i = 0; i < 1100; ++i) {
+    path.SetKey("InstanceID", TCIMValue(std::to_string(i)));
+    EXPECT_THROW(m_operations->ReferenceNames(path, {}), TQELException);
+  }
+  const std::vector<std::string> problems = m_operations->GetProblems();
+  ASSERT_EQ(problems.size(), 1001U);
+  EXPECT_THAT(problems[999], testing::HasSubstr("InstanceID=\"999\""));
+  EXPECT_EQ(problems[1000], "there are more problems; they are not told");
+}
+
 TEST_F(MisbehavingProvidersTest, PointersThatAreKeptBeyondTheirCallAreRefused) {
   Host("keeps");
   Enumerate();
