@@ -2,13 +2,16 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/contract/TCIMClassDeclaration.h"
 #include "platform/contract/TCIMInstanceData.h"
+#include "platform/schema/ISchemaClasses.h"
 #include "platform/schema/TMofError.h"
+#include "platform/schema/TSchemaSources.h"
 
 namespace NZEPQEL20 {
 
@@ -24,10 +27,17 @@ class TClassRepository {
   /// Deepest chain of superclasses that is followed.
   static constexpr unsigned int kMaxInheritance = 64;
 
+  using TClassesPtr = std::shared_ptr<const ISchemaClasses>;
+
   TClassRepository();
   ~TClassRepository();
   TClassRepository(const TClassRepository&) = delete;
   TClassRepository& operator=(const TClassRepository&) = delete;
+
+  /// A repository of what `stored` holds. Should that fail, `reload` is asked once for the same
+  /// from the files, and holds from then on.
+  static std::shared_ptr<const TClassRepository> FromStore(TClassesPtr stored,
+                                                           std::function<TClassesPtr()> reload);
 
   /// Reads `file` and what it includes. A file that was read before, also as an include, is not
   /// read again. Answers with what is wrong in them, in reading order; a file that cannot be
@@ -54,6 +64,9 @@ class TClassRepository {
   /// counts, too.
   bool IsA(const std::string& name, const std::string& super) const;
 
+  /// Whether the class and all its superclasses are known: nothing that it inherits is lacking.
+  bool IsComplete(const std::string& name) const;
+
   /// Names of the direct subclasses of `name`, in order of declaration; `deep` adds those below,
   /// each behind its superclass. An empty name stands for the top: classes without a superclass,
   /// or whose superclass is missing.
@@ -66,6 +79,12 @@ class TClassRepository {
 
   /// Number of known classes.
   std::size_t GetCount() const;
+
+  /// The declarations as they were read, for whoever stores them.
+  TClassesPtr GetDeclarations() const;
+
+  /// All that Load() and Check() have looked at on disk.
+  const TSchemaSources& GetSources() const;
 
  private:
   struct TParts;

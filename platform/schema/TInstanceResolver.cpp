@@ -114,11 +114,11 @@ void TInstanceResolver::AddUnlessSame(TCIMInstanceData&& instance, const TMofIns
 bool TInstanceResolver::ResolveInstance(const TMofInstance& source, unsigned int embedded,
                                         TCIMInstanceData& result) {
   const TClassPtr declaration = m_classes.Find(source.className);
-  if (declaration == nullptr) {
+  if (declaration == nullptr && m_unknown.insert(FoldName(source.className)).second) {
     m_problems.AddWarning(source.file, source.position,
                           "class " + source.className +
-                              " of the instance is not known; it has no keys, and types are "
-                              "guessed from the values");
+                              " of the instance is not known; its instances have no keys, and "
+                              "types are guessed from the values");
   }
   bool isGood = true;
   for (const TMofInstanceProperty& property : source.properties) {
@@ -141,7 +141,8 @@ bool TInstanceResolver::ResolveProperty(const TMofInstance& source,
                                         TCIMInstanceData& result) {
   const TCIMPropertyDeclaration* type =
       declaration == nullptr ? nullptr : declaration->FindProperty(property.name);
-  if (declaration != nullptr && type == nullptr) {
+  // What a missing superclass would declare cannot be told from what nobody declares.
+  if (declaration != nullptr && type == nullptr && m_classes.IsComplete(declaration->name)) {
     m_problems.AddError(source.file, property.position,
                         "class " + source.className + " has no property " + property.name);
     return false;

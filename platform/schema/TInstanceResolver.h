@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/contract/TCIMInstanceData.h"
@@ -58,6 +59,7 @@ class TInstanceResolver {
   std::unordered_map<std::string, std::size_t> m_aliases;
   std::unordered_map<std::size_t, TCIMReference> m_paths;
   std::unordered_map<std::string, std::size_t> m_places;  ///< Of instances that have keys, by path.
+  std::unordered_set<std::string> m_unknown;  ///< Classes reported already, in folded form.
   unsigned int m_aliasDepth = 0;
 };
 

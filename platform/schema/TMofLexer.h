@@ -42,6 +42,7 @@ class TMofLexer {
   void ReadNumber(TMofToken& token);
   void ReadString(TMofToken& token);
   void ReadChar(TMofToken& token);
+  bool ReadHexChar(TMofToken& token);
   void ReadBadBytes(TMofToken& token);
   void ReadEscape(std::string& out, bool& isKnown);
   unsigned int ReadHexDigits(std::size_t& count);

@@ -200,8 +200,27 @@ void TMofLexer::ReadString(TMofToken& token) {
   token.value = "string is not closed by '\"' on its line";
 }
 
+bool TMofLexer::ReadHexChar(TMofToken& token) {
+  std::size_t count = 0;
+  const std::size_t before = m_next;
+  m_next += 2;
+  const unsigned int unit = ReadHexDigits(count);
+  if (count == 0 || At() != '\'') {
+    m_next = before;
+    return false;
+  }
+  ++m_next;
+  token.kind = EMofToken::kChar;
+  token.magnitude = unit;
+  return true;
+}
+
 void TMofLexer::ReadChar(TMofToken& token) {
   ++m_next;
+  // Half of a surrogate pair is a unit, and no character of a text.
+  if (At() == '\\' && (At(1) == 'x' || At(1) == 'X') && ReadHexChar(token)) {
+    return;
+  }
   std::string content;
   bool isKnown = true;
   while (!IsEnd() && At() != '\'' && At() != '\n' && At() != '\r' && content.size() <= 4) {

@@ -19,7 +19,25 @@ void TMofLoader::Begin() {
 bool TMofLoader::Open(const std::string& path) {
   std::error_code error;
   const std::filesystem::path canonical = std::filesystem::canonical(path, error);
-  return error || m_opened.insert(canonical.string()).second;
+  if (error || m_opened.insert(canonical.string()).second) {
+    return true;
+  }
+  m_sources.AddSameFile(path);
+  return false;
+}
+
+std::string TMofLoader::Read(const std::string& path) {
+  try {
+    Parse(TMofSource::ReadFile(path, &m_sources));
+    return {};
+  } catch (const TQELException& exception) {
+    if (exception.GetStatusCode() == TQELStatusCode::kNotFound) {
+      m_sources.AddAbsent(path);
+    } else {
+      m_sources.Spoil();
+    }
+    return exception.what();
+  }
 }
 
 void TMofLoader::LoadFile(const std::string& path) {
@@ -27,10 +45,9 @@ void TMofLoader::LoadFile(const std::string& path) {
   if (!Open(path)) {
     return;
   }
-  try {
-    Parse(TMofSource::ReadFile(path));
-  } catch (const TQELException& exception) {
-    m_problems.AddError(path, {}, std::string("cannot be read: ") + exception.what());
+  const std::string reason = Read(path);
+  if (!reason.empty()) {
+    m_problems.AddError(path, {}, "cannot be read: " + reason);
   }
 }
 
@@ -51,15 +68,14 @@ void TMofLoader::OnInclude(const std::string& file, TMofPosition position,
     m_problems.AddError(file, position, shown + "nested deeper than 64 files");
     return;
   }
-  const std::string target = ResolveMofPath(path, file);
+  const std::string target = ResolveMofPath(path, file, &m_sources);
   if (!Open(target)) {
     return;
   }
   ++m_depth;
-  try {
-    Parse(TMofSource::ReadFile(target));
-  } catch (const TQELException& exception) {
-    m_problems.AddError(file, position, shown + exception.what());
+  const std::string reason = Read(target);
+  if (!reason.empty()) {
+    m_problems.AddError(file, position, shown + reason);
   }
   --m_depth;
 }

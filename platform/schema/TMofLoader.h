@@ -22,8 +22,12 @@ class TMofLoader : public IMofSink {
   /// CIM schema has about a million.
   static constexpr std::size_t kMaxPieces = 8'000'000;
 
-  TMofLoader(TSchemaStore& store, TMofProblems& problems)
-      : m_store(store), m_problems(problems), m_compiler(m_qualifiers, problems) {}
+  /// `sources` is given everything that is looked at on disk.
+  TMofLoader(TSchemaStore& store, TMofProblems& problems, TSchemaSources& sources)
+      : m_store(store),
+        m_problems(problems),
+        m_sources(sources),
+        m_compiler(m_qualifiers, problems) {}
 
   /// Nothing happens when the file was read before.
   void LoadFile(const std::string& path);
@@ -41,9 +45,12 @@ class TMofLoader : public IMofSink {
   void Parse(const TMofSource& source);
   /// False when the file was read before.
   bool Open(const std::string& path);
+  /// Reads and parses; answers with the reason why the file cannot be read, or an empty text.
+  std::string Read(const std::string& path);
 
   TSchemaStore& m_store;
   TMofProblems& m_problems;
+  TSchemaSources& m_sources;
   TMofQualifierTable m_qualifiers;
   TMofCompiler m_compiler;
   std::unordered_set<std::string> m_opened;  ///< Canonical paths.

@@ -152,6 +152,8 @@ void TMofParser::ParseDeclaration() {
     ParseQualifierDeclaration();
   } else if (IsSymbol('#')) {
     ParsePragma();
+  } else if (IsSymbol(';')) {
+    Warn(Take().position, "';' without a declaration");
   } else {
     Fail("a class, instance, qualifier or pragma");
   }

@@ -124,7 +124,8 @@ void TMofParser::ParseQualifierDeclaration() {
     Expect('(', "after Flavor");
     do {
       ParseFlavor(declaration.flavors);
-    } while (TakeSymbol(','));
+      // Some write blanks here, as on the use of a qualifier.
+    } while (TakeSymbol(',') || Peek().kind == EMofToken::kIdentifier);
     Expect(')', "after the flavors");
   }
   Expect(';', "after qualifier " + declaration.name);

@@ -13,6 +13,8 @@
 
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/contract/TQELException.h"
+#include "platform/schema/SchemaHash.h"
+#include "platform/schema/TDescriptor.h"
 #include "platform/schema/TMofLexer.h"
 
 namespace NZEPQEL20 {
@@ -21,19 +23,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Closes a file descriptor at the end of its scope.
-struct TDescriptor {
-  explicit TDescriptor(int number) : fd(number) {}
-  TDescriptor(const TDescriptor&) = delete;
-  TDescriptor& operator=(const TDescriptor&) = delete;
-  ~TDescriptor() {
-    if (fd >= 0) {
-      close(fd);
-    }
-  }
-  int fd;
-};
-
 [[noreturn]] void ThrowErrno(int error) {
   const unsigned int status = error == ENOENT   ? TQELStatusCode::kNotFound
                               : error == EACCES ? TQELStatusCode::kAccessDenied
@@ -41,7 +30,7 @@ struct TDescriptor {
   throw TQELException(status, std::generic_category().message(error));
 }
 
-void CheckKind(int fd) {
+void CheckKind(int fd, TFileStamp& stamp) {
   struct stat info = {};
   if (fstat(fd, &info) != 0) {
     ThrowErrno(errno);
@@ -55,29 +44,7 @@ void CheckKind(int fd) {
   if (static_cast<std::size_t>(info.st_size) > TMofSource::kMaxSize) {
     throw TQELException(TQELStatusCode::kInvalidArgument, "larger than 256 MiB");
   }
-}
-
-std::string ReadBytes(const std::string& path) {
-  // Not blocking, so that a pipe in the place of a file cannot hold the host up.
-  const TDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (file.fd < 0) {
-    ThrowErrno(errno);
-  }
-  CheckKind(file.fd);
-  std::string bytes;
-  char block[65536];
-  while (bytes.size() <= TMofSource::kMaxSize) {
-    const ssize_t count = read(file.fd, block, sizeof(block));
-    if (count == 0) {
-      return bytes;
-    }
-    if (count < 0 && errno != EINTR) {
-      ThrowErrno(errno);
-    }
-    bytes.append(block, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-  }
-  // The file grew while it was read.
-  throw TQELException(TQELStatusCode::kInvalidArgument, "larger than 256 MiB");
+  stamp.Take(info);
 }
 
 /// Length of the valid UTF-8 sequence at `i`, 0 when there is none.
@@ -149,8 +116,42 @@ std::string ConvertUtf16(const std::string& bytes, bool isBigEndian) {
 
 }  // namespace
 
-TMofSource TMofSource::ReadFile(const std::string& path) {
-  return FromText(path, ReadBytes(path));
+std::string ReadMofBytes(const std::string& path, TFileStamp& stamp) {
+  // Not blocking, so that a pipe in the place of a file cannot hold the host up.
+  const TDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (!file.IsOpen()) {
+    ThrowErrno(errno);
+  }
+  CheckKind(file.Get(), stamp);
+  std::string bytes;
+  // One byte more, so that the end shows without another read of a whole block.
+  std::size_t room = static_cast<std::size_t>(stamp.size) + 1;
+  while (bytes.size() <= TMofSource::kMaxSize) {
+    const std::size_t before = bytes.size();
+    bytes.resize(before + room);
+    const ssize_t count = read(file.Get(), bytes.data() + before, room);
+    if (count < 0 && errno != EINTR) {
+      ThrowErrno(errno);
+    }
+    bytes.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    if (count == 0) {
+      return bytes;
+    }
+    constexpr std::size_t kBlock = 65536;
+    room = bytes.size() > stamp.size ? kBlock
+                                     : static_cast<std::size_t>(stamp.size) + 1 - bytes.size();
+  }
+  // The file grew while it was read.
+  throw TQELException(TQELStatusCode::kInvalidArgument, "larger than 256 MiB");
+}
+
+TMofSource TMofSource::ReadFile(const std::string& path, TSchemaSources* sources) {
+  TFileStamp stamp;
+  std::string bytes = ReadMofBytes(path, stamp);
+  if (sources != nullptr) {
+    sources->AddFile(path, stamp, bytes);
+  }
+  return FromText(path, std::move(bytes));
 }
 
 TMofSource TMofSource::FromText(const std::string& name, std::string bytes) {
@@ -163,19 +164,65 @@ TMofSource TMofSource::FromText(const std::string& name, std::string bytes) {
   return {name, MendUtf8(std::move(bytes))};
 }
 
-std::string FindWithoutCase(const std::string& folder, const std::string& name) {
-  std::error_code error;
+namespace {
+
+/// Calls `take` with each name in the folder; false when the folder cannot be read to its end.
+template <typename TTake>
+bool ReadNames(const std::string& folder, TFileStamp& stamp, int& problem, const TTake& take) {
   const fs::path place = folder.empty() ? fs::path(".") : fs::path(folder);
-  for (fs::directory_iterator entry(place, error), end; !error && entry != end;
-       entry.increment(error)) {
-    if (IsSameName(entry->path().filename().string(), name)) {
-      return (fs::path(folder) / entry->path().filename()).string();
-    }
+  if (!stamp.Read(place.string(), problem)) {
+    return false;
   }
-  return {};
+  std::error_code error;
+  fs::directory_iterator entry(place, error);
+  for (const fs::directory_iterator end; !error && entry != end; entry.increment(error)) {
+    take(entry->path().filename().string());
+  }
+  problem = error.value();
+  return !error;
 }
 
-std::string ResolveMofPath(const std::string& path, const std::string& includingFile) {
+/// The same whatever the order.
+void AddName(std::uint64_t& hash, const std::string& name) {
+  hash += HashBytes(name);
+}
+
+}  // namespace
+
+bool HashFolder(const std::string& folder, TFileStamp& stamp, std::uint64_t& hash) {
+  int problem = 0;
+  hash = 0;
+  return ReadNames(folder, stamp, problem,
+                   [&hash](const std::string& name) { AddName(hash, name); });
+}
+
+std::string FindWithoutCase(const std::string& folder, const std::string& name,
+                            TSchemaSources* sources) {
+  TFileStamp stamp;
+  int problem = 0;
+  std::uint64_t hash = 0;
+  std::string found;
+  const bool isWhole = ReadNames(folder, stamp, problem, [&](const std::string& other) {
+    AddName(hash, other);
+    // Of several the first in the order of bytes: folders have none of their own.
+    if (IsSameName(other, name) && (found.empty() || other < found)) {
+      found = other;
+    }
+  });
+  if (sources != nullptr) {
+    if (isWhole) {
+      sources->AddFolder(folder, stamp, hash);
+    } else if (problem == ENOENT || problem == ENOTDIR) {
+      sources->AddAbsent(folder);
+    } else {
+      sources->Spoil();
+    }
+  }
+  return found.empty() ? found : (fs::path(folder) / found).string();
+}
+
+std::string ResolveMofPath(const std::string& path, const std::string& includingFile,
+                           TSchemaSources* sources) {
   std::string plain = path;
   std::replace(plain.begin(), plain.end(), '\\', '/');
   const fs::path wanted = fs::path(includingFile).parent_path() / plain;
@@ -187,8 +234,9 @@ std::string ResolveMofPath(const std::string& path, const std::string& including
   fs::path found;
   for (const fs::path& part : wanted) {
     const fs::path exact = found / part;
-    const std::string similar =
-        fs::exists(exact, error) ? exact.string() : FindWithoutCase(found.string(), part.string());
+    const std::string similar = fs::exists(exact, error)
+                                    ? exact.string()
+                                    : FindWithoutCase(found.string(), part.string(), sources);
     if (similar.empty()) {
       return wanted.string();
     }

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
+
+#include "platform/schema/TSchemaSources.h"
 
 namespace NZEPQEL20 {
 
@@ -13,8 +16,9 @@ struct TMofSource {
 
   /// Reads a regular file.
   /// Errors: TQELException with the reason alone ("No such file or directory", "is a directory",
-  /// "larger than 256 MiB"), for the caller to put beside the file's name.
-  static TMofSource ReadFile(const std::string& path);
+  /// "larger than 256 MiB"), for the caller to put beside the file's name. A file that was read
+  /// is added to `sources`.
+  static TMofSource ReadFile(const std::string& path, TSchemaSources* sources = nullptr);
 
   /// Takes `bytes` as they come: a byte order mark is dropped, UTF-16 with one is converted, and
   /// each byte that is not UTF-8 counts as Latin-1.
@@ -24,13 +28,23 @@ struct TMofSource {
   std::string text;
 };
 
+/// The bytes of a regular file as they are; `stamp` is from before the first of them was read.
+/// Errors: like TMofSource::ReadFile().
+std::string ReadMofBytes(const std::string& path, TFileStamp& stamp);
+
+/// A hash over the names in a folder, and its stamp from before they were read. False when it
+/// cannot be read.
+bool HashFolder(const std::string& folder, TFileStamp& stamp, std::uint64_t& hash);
+
 /// The file that `path` means, seen from the folder of `includingFile`: `\` separates like `/`,
 /// and a name that is not there is looked for without case. A path that leads to nothing comes
-/// back in its plain form.
-std::string ResolveMofPath(const std::string& path, const std::string& includingFile);
+/// back in its plain form. Folders that were searched are added to `sources`.
+std::string ResolveMofPath(const std::string& path, const std::string& includingFile,
+                           TSchemaSources* sources = nullptr);
 
 /// `folder`/`name` with the spelling that the folder has for it in any case; empty when there is
-/// none.
-std::string FindWithoutCase(const std::string& folder, const std::string& name);
+/// none. The folder is added to `sources`.
+std::string FindWithoutCase(const std::string& folder, const std::string& name,
+                            TSchemaSources* sources = nullptr);
 
 }  // namespace NZEPQEL20

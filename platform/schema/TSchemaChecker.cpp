@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/contract/TCIMInstanceData.h"
 #include "platform/schema/TClassRepository.h"
 #include "platform/schema/TMofQualifierTable.h"
 
@@ -25,11 +26,11 @@ bool HasOwnKey(const TSchemaClass& declaration) {
 }  // namespace
 
 void TSchemaChecker::Check() {
-  for (const TSchemaClass* top : m_store.GetTops()) {
-    CheckTop(*top);
+  for (const std::size_t top : m_tree.GetTops()) {
+    CheckTop(m_store.At(top));
   }
   ReportMissing();
-  if (m_visited < m_store.GetClasses().size()) {
+  if (m_visited < m_tree.GetCount()) {
     CheckLoops();
   }
 }
@@ -58,8 +59,9 @@ void TSchemaChecker::ReportMissing() {
 
 void TSchemaChecker::CheckLoops() {
   // A class that no top leads to is below a loop, or below one that was found too deep.
-  for (const TSchemaClass& declaration : m_store.GetClasses()) {
-    if (m_store.GetChain(declaration.name).end == TSchemaChain::EEnd::kLoop) {
+  for (std::size_t place = 0; place < m_tree.GetCount(); ++place) {
+    const TSchemaClass& declaration = m_store.At(place);
+    if (m_tree.GetChain(declaration.name).end == TClassChain::EEnd::kLoop) {
       m_problems.AddError(declaration.file, declaration.position,
                           "the superclasses of class " + declaration.name + " form a loop");
     }
@@ -85,8 +87,8 @@ void TSchemaChecker::CheckTree(const TSchemaClass& declaration, TScope scope) {
   }
   scope.hasKeys = scope.hasKeys || HasOwnKey(declaration);
   ++scope.depth;
-  for (const TSchemaClass* child : m_store.GetChildren(declaration.name)) {
-    CheckTree(*child, scope);
+  for (const std::size_t child : m_tree.GetChildren(declaration.name)) {
+    CheckTree(m_store.At(child), scope);
   }
   for (const TSchemaProperty& property : declaration.properties) {
     m_inherited[FoldName(property.name)].pop_back();
@@ -128,14 +130,13 @@ void TSchemaChecker::CheckOverride(const TSchemaClass& declaration, const TSchem
     return;
   }
   if (property.type == ECIMType::kReference) {
-    const TSchemaChain chain = m_store.GetChain(property.referenceClass);
+    const TClassChain chain = m_tree.GetChain(property.referenceClass);
     const bool isNarrower =
-        chain.end != TSchemaChain::EEnd::kRoot ||
-        std::any_of(chain.classes.begin(), chain.classes.end(),
-                    [&inherited](const TSchemaClass* super) {
-                      return FoldName(super->name) == FoldName(inherited.referenceClass);
-                    });
-    if (!isNarrower && !chain.classes.empty()) {
+        chain.end != TClassChain::EEnd::kRoot ||
+        std::any_of(chain.places.begin(), chain.places.end(), [&](std::size_t super) {
+          return IsSameName(m_tree.GetName(super), inherited.referenceClass);
+        });
+    if (!isNarrower && !chain.places.empty()) {
       m_problems.AddWarning(declaration.file, property.position,
                             what + " refers to " + property.referenceClass + ", which is not a " +
                                 inherited.referenceClass);

@@ -16,7 +16,7 @@ namespace NZEPQEL20 {
 class TSchemaChecker {
  public:
   TSchemaChecker(const TSchemaStore& store, TMofProblems& problems)
-      : m_store(store), m_problems(problems) {}
+      : m_store(store), m_tree(store.GetTree()), m_problems(problems) {}
 
   void Check();
 
@@ -38,6 +38,7 @@ class TSchemaChecker {
   void ReportMissing();
 
   const TSchemaStore& m_store;
+  const TClassTree& m_tree;
   TMofProblems& m_problems;
   std::size_t m_visited = 0;
 

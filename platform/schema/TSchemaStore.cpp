@@ -1,27 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/schema/TSchemaStore.h"
 
-#include <algorithm>
-#include <utility>
-
-#include "platform/schema/TClassRepository.h"
-#include "platform/schema/TMofQualifierTable.h"
+#include "platform/schema/TInstanceResolver.h"
 
 namespace NZEPQEL20 {
 
 void TSchemaStore::Add(TSchemaClass&& declaration) {
-  const std::string super = FoldName(declaration.superclass);
-  const auto [place, isNew] = m_places.emplace(FoldName(declaration.name), m_classes.size());
-  const std::size_t index = place->second;
+  const auto [place, isNew] = m_tree.Add(declaration.name, declaration.superclass);
   if (isNew) {
     m_classes.push_back(std::move(declaration));
-  } else if (!IsSameClass(m_classes[index], declaration)) {
-    const TSchemaClass& earlier = m_classes[index];
-    NoteChange(declaration, earlier);
-    m_children[FoldName(earlier.superclass)].erase(index);
-    m_classes[index] = std::move(declaration);
+  } else if (!IsSameClass(m_classes[place], declaration)) {
+    NoteChange(declaration, m_classes[place]);
+    m_tree.Change(place, declaration.name, declaration.superclass);
+    m_classes[place] = std::move(declaration);
   }
-  m_children[super].insert(index);
 }
 
 void TSchemaStore::NoteChange(const TSchemaClass& declaration, const TSchemaClass& earlier) {
@@ -48,51 +40,14 @@ void TSchemaStore::ReportChanges(TMofProblems& problems) {
   m_changeCount = 0;
 }
 
-const TSchemaClass* TSchemaStore::Find(const std::string& name) const {
-  const auto found = m_places.find(FoldName(name));
-  return found == m_places.end() ? nullptr : &m_classes[found->second];
+std::shared_ptr<const TSchemaClass> TSchemaStore::GetClass(std::size_t place) const {
+  // Held by the store, not by the handle.
+  return {std::shared_ptr<const TSchemaClass>(), &m_classes[place]};
 }
 
-TSchemaChain TSchemaStore::GetChain(const std::string& name) const {
-  TSchemaChain chain;
-  const TSchemaClass* next = Find(name);
-  while (next != nullptr) {
-    if (std::find(chain.classes.begin(), chain.classes.end(), next) != chain.classes.end()) {
-      chain.end = TSchemaChain::EEnd::kLoop;
-      return chain;
-    }
-    if (chain.classes.size() == TClassRepository::kMaxInheritance) {
-      chain.end = TSchemaChain::EEnd::kTooDeep;
-      return chain;
-    }
-    chain.classes.push_back(next);
-    next = next->superclass.empty() ? nullptr : Find(next->superclass);
-  }
-  if (!chain.classes.empty() && !chain.classes.back()->superclass.empty()) {
-    chain.end = TSchemaChain::EEnd::kMissing;
-  }
-  return chain;
-}
-
-std::vector<const TSchemaClass*> TSchemaStore::GetChildren(const std::string& name) const {
-  std::vector<const TSchemaClass*> children;
-  const auto found = m_children.find(FoldName(name));
-  if (found != m_children.end()) {
-    for (const std::size_t index : found->second) {
-      children.push_back(&m_classes[index]);
-    }
-  }
-  return children;
-}
-
-std::vector<const TSchemaClass*> TSchemaStore::GetTops() const {
-  std::vector<const TSchemaClass*> tops;
-  for (const TSchemaClass& declaration : m_classes) {
-    if (declaration.superclass.empty() || Find(declaration.superclass) == nullptr) {
-      tops.push_back(&declaration);
-    }
-  }
-  return tops;
+std::vector<TCIMInstanceData> TSchemaStore::GetInstances(const TClassRepository& classes) const {
+  TMofProblems unused;
+  return TInstanceResolver(classes, m_instances, unused).Resolve();
 }
 
 }  // namespace NZEPQEL20

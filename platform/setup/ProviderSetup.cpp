@@ -10,6 +10,7 @@
 #include "platform/contract/ILogger.h"
 #include "platform/contract/TRootObject.h"
 #include "platform/setup/InstalledFiles.h"
+#include "platform/setup/SchemaCachePlace.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -30,15 +31,18 @@ void TakeErrors(const std::vector<TMofError>& errors, std::vector<std::string>& 
 std::shared_ptr<const TClassRepository> LoadClasses(const TInstalledFiles& files,
                                                     const std::string& root, bool hasPegasus,
                                                     std::vector<std::string>& problems) {
-  auto classes = std::make_shared<TClassRepository>();
-  classes->AddSearchPath(root + "/schema");
-  for (const std::string& folder : files.providerFolders) classes->AddSearchPath(folder);
-  for (const std::string& file : files.schema) TakeErrors(classes->Load(file), problems);
+  TSchemaInputs inputs;
+  inputs.folders = {root + "/schema"};
+  inputs.folders.insert(inputs.folders.end(), files.providerFolders.begin(),
+                        files.providerFolders.end());
+  inputs.files = files.schema;
   // A vendor's classes and registrations may be in one file, or include each other.
-  if (hasPegasus) classes->LoadText(kPegasusClasses, "PG_Provider.mof");
-  for (const std::string& file : files.providerSchema) TakeErrors(classes->Load(file), problems);
-  TakeErrors(classes->Check(), problems);
-  return classes;
+  if (hasPegasus) inputs.texts.push_back({"PG_Provider.mof", kPegasusClasses, inputs.files.size()});
+  inputs.files.insert(inputs.files.end(), files.providerSchema.begin(), files.providerSchema.end());
+  const TLoadedSchema schema = LoadSchema(inputs, ChooseSchemaCache(root));
+  for (const std::string& note : schema.notes) Log(ILogger::kTrace, note);
+  TakeErrors(schema.problems, problems);
+  return schema.classes;
 }
 
 // Takes the files out that hold nothing but registrations.

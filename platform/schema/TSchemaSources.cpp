@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/schema/TSchemaSources.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/contract/TQELException.h"
+#include "platform/schema/SchemaHash.h"
+#include "platform/schema/TMofSource.h"
+
+namespace NZEPQEL20 {
+
+namespace {
+
+bool IsAbsent(int error) {
+  return error == ENOENT || error == ENOTDIR;
+}
+
+/// Whoever wrote the cache may have been allowed to read what we are not.
+bool IsReadable(const TSchemaSource& source, const TFileStamp& now) {
+  const int need = source.kind == TSchemaSource::EKind::kFolder ? R_OK | X_OK : R_OK;
+  return now.isPublic || faccessat(AT_FDCWD, source.path.c_str(), need, AT_EACCESS) == 0;
+}
+
+bool HasSameContent(const TSchemaSource& source) {
+  TFileStamp stamp;
+  if (source.kind == TSchemaSource::EKind::kFolder) {
+    std::uint64_t hash = 0;
+    return HashFolder(source.path, stamp, hash) && hash == source.hash;
+  }
+  try {
+    return HashBytes(ReadMofBytes(source.path, stamp)) == source.hash;
+  } catch (const TQELException&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+ESourceState CheckSource(const TSchemaSource& source, std::int64_t trustedBefore) {
+  using EKind = TSchemaSource::EKind;
+  TFileStamp now;
+  int error = 0;
+  if (!now.Read(source.path, error)) {
+    return source.kind == EKind::kAbsent && IsAbsent(error) ? ESourceState::kSame
+                                                            : ESourceState::kChanged;
+  }
+  if (source.kind == EKind::kSameFile) {
+    return now.IsSameFile(source.stamp) ? ESourceState::kSame : ESourceState::kChanged;
+  }
+  if (source.kind == EKind::kAbsent || !(now == source.stamp) || !IsReadable(source, now)) {
+    return ESourceState::kChanged;
+  }
+  if (std::max(now.modified, now.changed) < trustedBefore) {
+    return ESourceState::kSame;
+  }
+  return HasSameContent(source) ? ESourceState::kSameByContent : ESourceState::kChanged;
+}
+
+bool TSchemaSources::Begin(TSchemaSource::EKind kind, const std::string& path) {
+  if (!m_seen.insert(path).second) {
+    return false;
+  }
+  TSchemaSource source;
+  source.kind = kind;
+  source.path = path;
+  m_sources.push_back(std::move(source));
+  return true;
+}
+
+void TSchemaSources::AddFile(const std::string& path, const TFileStamp& stamp,
+                             std::string_view bytes) {
+  if (Begin(TSchemaSource::EKind::kFile, path)) {
+    m_sources.back().stamp = stamp;
+    m_sources.back().hash = HashBytes(bytes);
+    m_size += bytes.size();
+  }
+}
+
+void TSchemaSources::AddSameFile(const std::string& path) {
+  int error = 0;
+  if (Begin(TSchemaSource::EKind::kSameFile, path) && !m_sources.back().stamp.Read(path, error)) {
+    Spoil();
+  }
+}
+
+void TSchemaSources::AddFolder(const std::string& path, const TFileStamp& stamp,
+                               std::uint64_t namesHash) {
+  if (Begin(TSchemaSource::EKind::kFolder, path)) {
+    m_sources.back().stamp = stamp;
+    m_sources.back().hash = namesHash;
+  }
+}
+
+void TSchemaSources::AddAbsent(const std::string& path) {
+  Begin(TSchemaSource::EKind::kAbsent, path);
+}
+
+}  // namespace NZEPQEL20

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <optional>
+
+#include "platform/setup/ProviderSetup.h"
+#include "platform/setup/SchemaCachePlace.h"
+#include "tests/platform/setup/TTemporaryRoot.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+using ::testing::ElementsAreArray;
+
+// Sets environment variables, and what they were before at the end.
+class TEnvironment {
+ public:
+  void Set(const std::string& name, const char* value) {
+    const char* const before = std::getenv(name.c_str());
+    m_before.emplace(name, before == nullptr ? std::nullopt : std::optional<std::string>(before));
+    Put(name, value);
+  }
+  TEnvironment() = default;
+  TEnvironment(const TEnvironment&) = delete;
+  TEnvironment& operator=(const TEnvironment&) = delete;
+  ~TEnvironment() {
+    for (const auto& [name, value] : m_before) Put(name, value ? value->c_str() : nullptr);
+  }
+
+ private:
+  static void Put(const std::string& name, const char* value) {
+    if (value == nullptr) {
+      unsetenv(name.c_str());
+    } else {
+      setenv(name.c_str(), value, 1);
+    }
+  }
+  std::map<std::string, std::optional<std::string>> m_before;
+};
+
+struct TPlaceRow {
+  const char* name;
+  const char* chosen;
+  const char* caches;
+  const char* home;
+  std::vector<std::string> folders;
+};
+void PrintTo(const TPlaceRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class SchemaCachePlaceTest : public ::testing::TestWithParam<TPlaceRow> {};
+
+TEST_P(SchemaCachePlaceTest, FollowsTheEnvironment) {
+  TEnvironment environment;
+  environment.Set("DIAGSRUNNER_SCHEMA_CACHE", GetParam().chosen);
+  environment.Set("XDG_CACHE_HOME", GetParam().caches);
+  environment.Set("HOME", GetParam().home);
+  EXPECT_THAT(ChooseSchemaCache("/opt/x").folders, ElementsAreArray(GetParam().folders));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, SchemaCachePlaceTest,
+    ::testing::Values(
+        TPlaceRow{"Home", nullptr, nullptr, "/h", {"/opt/x/cache", "/h/.cache/diagsrunner"}},
+        TPlaceRow{"Xdg", "", "/c", "/h", {"/opt/x/cache", "/c/diagsrunner"}},
+        TPlaceRow{"RelativeXdg", nullptr, "c", "/h", {"/opt/x/cache", "/h/.cache/diagsrunner"}},
+        TPlaceRow{"NoHome", nullptr, nullptr, nullptr, {"/opt/x/cache"}},
+        TPlaceRow{"RelativeHome", nullptr, nullptr, "h", {"/opt/x/cache"}},
+        TPlaceRow{"Chosen", "/own", "/c", "/h", {"/own"}},
+        TPlaceRow{"RelativeChosen", "own", nullptr, nullptr, {"/opt/x/cache"}},
+        TPlaceRow{"Off", "off", "/c", "/h", {}}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(SchemaCacheNameTest, EachRootHasAFileOfItsOwn) {
+  const std::string one = ChooseSchemaCache("/opt/x").fileName;
+  EXPECT_EQ(one, ChooseSchemaCache("/opt/x").fileName);
+  EXPECT_NE(one, ChooseSchemaCache("/opt/y").fileName);
+  EXPECT_EQ(one.size(), std::string("schema-0123456789abcdef.cache").size());
+}
+
+// A root with a schema that is large enough to be stored.
+void WriteSchema(const TTemporaryRoot& root) {
+  std::string mof;
+  for (int i = 0; mof.size() < 400'000; ++i) {
+    mof += "[Description(\"" + std::string(500, 'x') + "\")] class B_" + std::to_string(i) +
+           " { [Key] uint8 k; };\n";
+  }
+  root.Write("schema/big.mof", mof);
+}
+
+TEST(SchemaCacheUseTest, TheSecondStartOfARootUsesTheCacheBelowIt) {
+  TEnvironment environment;
+  environment.Set("DIAGSRUNNER_SCHEMA_CACHE", nullptr);
+  const TTemporaryRoot root;
+  WriteSchema(root);
+  const std::size_t count = OpenProviders(root.GetPath(), "root/x").classes->GetCount();
+  const std::string file = root.GetPath() + "/cache/" + ChooseSchemaCache(root.GetPath()).fileName;
+  ASSERT_TRUE(std::filesystem::exists(file));
+  EXPECT_EQ(OpenProviders(root.GetPath(), "root/x").classes->GetCount(), count);
+  root.Write("providers/acme/acme.mof", "class C_C { };");
+  EXPECT_EQ(OpenProviders(root.GetPath(), "root/x").classes->GetCount(), count + 1);
+}
+
+TEST(SchemaCacheUseTest, NothingIsWrittenWhenItIsOff) {
+  TEnvironment environment;
+  environment.Set("DIAGSRUNNER_SCHEMA_CACHE", "off");
+  const TTemporaryRoot root;
+  WriteSchema(root);
+  OpenProviders(root.GetPath(), "root/x");
+  EXPECT_FALSE(std::filesystem::exists(root.GetPath() + "/cache"));
+}
+
+}  // namespace
+}  // namespace NZEPQEL20::setup
