@@ -64,8 +64,8 @@ std::unique_ptr<IReport> TCommand::MakeReport(std::ostream& out) const {
 
 // Shows those that have come since the last call, and keeps them all for the report.
 void TCommand::ShowProblems(std::vector<std::string>& shown) {
-  for (std::string problem : m_diagnostics.GetProblems()) {
-    if (!m_server.empty()) problem = AddRemedy(problem);
+  for (const std::string& told : m_diagnostics.GetProblems()) {
+    std::string problem = AddRemedy(told);
     if (std::find(shown.begin(), shown.end(), problem) != shown.end()) continue;
     Complain(problem);
     shown.push_back(std::move(problem));

@@ -42,6 +42,14 @@ bool IsThere(const std::string& path) {
   return isFound || error;
 }
 
+// The last name of a path; the path itself when it has none, like "..".
+std::string GetLastPart(const std::string& path) {
+  const std::size_t end = path.find_last_not_of('/');
+  const std::string name = path.substr(0, end + 1);
+  const std::string last = name.substr(name.rfind('/') + 1);
+  return last.find_first_not_of('.') == std::string::npos ? path : last;
+}
+
 // One command about providers at work.
 class TProviderCommand {
  public:
@@ -97,7 +105,7 @@ TCheckedProvider TProviderCommand::ReadTarget(const TPackages& installed,
     return {m_store.Read(target), {}};
   } catch (const TQELException& e) {
     TCheckedProvider provider;
-    provider.package.name = target;
+    provider.package.name = GetLastPart(target);
     provider.findings.push_back({false, {}, e.what(), {}});
     return provider;
   }

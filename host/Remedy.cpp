@@ -12,8 +12,12 @@ struct TRemedy {
   const char* suffix;
 };
 
+constexpr char kMendRegistration[] =
+    "; export it, or mend the provider's name or types in the registration";
+constexpr char kMendFactory[] = "; mend the factory, or what it needs";
+
 // The first phrase that is found counts.
-constexpr std::array<TRemedy, 19> kRemedies{{
+constexpr std::array<TRemedy, 26> kRemedies{{
     {"; give the file of its certificate authority", " (--ca FILE, or --insecure)"},
     {"; it was not issued by an authority in ", " (--ca FILE, or --insecure)"},
     {", or ask for insecure mode", " (--insecure)"},
@@ -34,6 +38,13 @@ constexpr std::array<TRemedy, 19> kRemedies{{
     {"the server does not speak TLS on this port", " (--server http://...)"},
     {"name another root", " (--root DIR)"},
     {"; remove it first, or replace it", " (--replace)"},
+    {" functions have no entry point", kMendRegistration},
+    {" functions were refused", kMendFactory},
+    {" functions were not made", kMendFactory},
+    {" functions have no function table", kMendFactory},
+    {": the provider threw an exception", "; its vendor is to catch it; see rule R7"},
+    {".so): CIM_ERR_NOT_SUPPORTED", "; fill the function in, or mend the types; see rule R6"},
+    {" failed in provider ", "; its vendor is to look into it"},
 }};
 
 bool Holds(const std::string& text, const char* part) {
@@ -47,7 +58,9 @@ std::string AddRemedy(const std::string& text) {
     return Holds(text, remedy.phrase);
   });
   if (found == kRemedies.end() || Holds(text, found->suffix)) return text;
-  return text + found->suffix;
+  // The number of a rule stays last.
+  std::string helped = text;
+  return helped.insert(std::min(text.rfind("; see rule "), text.size()), found->suffix);
 }
 
 }  // namespace host

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -158,11 +159,17 @@ TEST_F(ProviderCommandsTest, CheckTakesNamesAndPathsInTheirOrder) {
 
 TEST_F(ProviderCommandsTest, WhatCannotBeReadIsAFindingAndTheOthersAreChecked) {
   m_store.installed = {MakePackage("zeta")};
-  EXPECT_EQ(Check({m_source.GetPath(), "zeta"}), 2);
-  EXPECT_EQ(m_out.str(), m_source.GetPath() + ": error: " + m_source.GetPath() +
-                             ": cannot be read\n" + m_source.GetPath() +
-                             ": 1 error\n"
-                             "zeta: ok, 2 classes in 1 library\n");
+  const std::string path = m_source.GetPath("acme");
+  std::filesystem::create_directory(path);
+  EXPECT_EQ(Check({path + "/", "zeta", path + "/..", "/"}), 2);
+  EXPECT_EQ(m_out.str(), "acme: error: " + path +
+                             "/: cannot be read\n"
+                             "acme: 1 error\n"
+                             "zeta: ok, 2 classes in 1 library\n" +
+                             path + "/..: error: " + path + "/..: cannot be read\n" + path +
+                             "/..: 1 error\n"
+                             "/: error: /: cannot be read\n"
+                             "/: 1 error\n");
 }
 
 TEST_F(ProviderCommandsTest, CheckChecksNothingWhenOneTargetIsUnknown) {

@@ -83,7 +83,48 @@ INSTANTIATE_TEST_SUITE_P(
         TFailure{"ReadOnly", "the installation root is read-only, name another root or remount it",
                  " (--root DIR)"},
         TFailure{"TakenName", "/r/providers/acme: is there already; remove it first, or replace it",
-                 " (--replace)"}),
+                 " (--replace)"},
+        TFailure{"Thrown",
+                 "EnumerateInstances of root/cimv2:A failed in provider P (/r/libp.so): the "
+                 "provider threw an exception: out of luck",
+                 "; its vendor is to catch it; see rule R7"},
+        TFailure{"EmptySlot",
+                 "EnumerateInstances of root/cimv2:A failed in provider P (/r/libp.so): "
+                 "CIM_ERR_NOT_SUPPORTED",
+                 "; fill the function in, or mend the types; see rule R6"},
+        TFailure{
+            "ProvidersOwnAnswer",
+            "EnumerateInstances of root/cimv2:A failed in provider P (/r/libp.so): not for you",
+            "; its vendor is to look into it"}),
+    [](const auto& row) { return row.param.name; });
+
+struct TRuleRow {
+  const char* name;
+  const char* fault;
+  const char* remedy;
+};
+void PrintTo(const TRuleRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class RuleRemedyTest : public ::testing::TestWithParam<TRuleRow> {};
+
+TEST_P(RuleRemedyTest, IsBeforeTheRuleThatTheTextEndsWith) {
+  const std::string text = std::string("provider P in /r/libp.so: its Instance functions ");
+  const std::string helped = AddRemedy(text + GetParam().fault + "; see rule R4");
+  EXPECT_EQ(helped, text + GetParam().fault + "; " + GetParam().remedy + "; see rule R4");
+  EXPECT_EQ(AddRemedy(helped), helped);
+}
+INSTANTIATE_TEST_SUITE_P(
+    All, RuleRemedyTest,
+    ::testing::Values(
+        TRuleRow{"NoEntry", "have no entry point: neither A nor B (it has C)",
+                 "export it, or mend the provider's name or types in the registration"},
+        TRuleRow{"Refused", "were refused: no hardware here", "mend the factory, or what it needs"},
+        TRuleRow{"Thrown", "were refused: the provider threw an exception: on strike",
+                 "mend the factory, or what it needs"},
+        TRuleRow{"NotMade", "were not made", "mend the factory, or what it needs"},
+        TRuleRow{"NoTable", "have no function table", "mend the factory, or what it needs"}),
     [](const auto& row) { return row.param.name; });
 
 TEST(NoRemedyTest, ATextThatNoOptionHelpsStaysAsItIs) {
