@@ -12,6 +12,8 @@
 #include "platform/cmpi/TBrokerPath.h"
 #include "platform/cmpi/TBrokerPropertyList.h"
 #include "platform/cmpi/TBrokerResult.h"
+#include "platform/cmpi/TBrokerSelectCond.h"
+#include "platform/cmpi/TBrokerSelectExp.h"
 #include "platform/cmpi/TBrokerString.h"
 #include "platform/cmpi/THostLease.h"
 #include "platform/cmpi/Values.h"
@@ -87,11 +89,20 @@ CMPIDateTime* NewDateTimeFromChars(const CMPIBroker*, const char* text, CMPIStat
   });
 }
 
-CMPISelectExp* NewSelectExp(const CMPIBroker*, const char*, const char*, CMPIArray** projection,
-                            CMPIStatus* rc) noexcept {
+/// The names of `properties` for a provider; NULL for all.
+CMPIArray* MakeProjection(const std::vector<std::string>& properties) {
+  if (properties.empty()) return nullptr;
+  TCIMValue::TArray names(properties.begin(), properties.end());
+  return Make<TBrokerArray>(ECIMType::kString, std::move(names));
+}
+
+CMPISelectExp* NewSelectExp(const CMPIBroker*, const char* query, const char* language,
+                            CMPIArray** projection, CMPIStatus* rc) noexcept {
   return Answer(rc, [&]() -> CMPISelectExp* {
     if (projection != nullptr) *projection = nullptr;
-    throw TBrokerFault(CMPI_RC_ERR_NOT_SUPPORTED, "no query language");
+    auto read = ReadQuery(query, language);
+    if (projection != nullptr) *projection = MakeProjection(read->GetProperties());
+    return Make<TBrokerSelectExp>(std::move(read));
   });
 }
 
@@ -130,6 +141,12 @@ const TTypeEntry kTypes[] = {
     {"CMPIError", &TBrokerError::kTable, CastTo<TBrokerError, CMPIError>},
     {"CMPIPropertyList", &TBrokerPropertyList::kTable,
      CastTo<TBrokerPropertyList, CMPIPropertyList>},
+    {"CMPISelectExp", &TBrokerSelectExp::kTable, CastTo<TBrokerSelectExp, CMPISelectExp>},
+    {"CMPISelectCond", &TBrokerSelectCond::kTable, CastTo<TBrokerSelectCond, CMPISelectCond>},
+    {"CMPISubCond", &TBrokerSubCond::kTable, CastTo<TBrokerSubCond, CMPISubCond>},
+    {"CMPIPredicate", &TBrokerPredicate::kTable, CastTo<TBrokerPredicate, CMPIPredicate>},
+    {"CMPIEnumerationFilter", &TBrokerEnumerationFilter::kTable,
+     CastTo<TBrokerEnumerationFilter, CMPIEnumerationFilter>},
 };
 
 /// All encapsulated types start with the same two pointers.
@@ -272,10 +289,10 @@ CMPIString* NewStringCP(const CMPIBroker*, const char*, const CMPICodepageID,
   });
 }
 
-CMPIEnumerationFilter* NewEnumerationFilter(const CMPIBroker*, const char*, const char*,
-                                            CMPIStatus* rc) noexcept {
-  return Answer(rc, []() -> CMPIEnumerationFilter* {
-    throw TBrokerFault(CMPI_RC_ERR_NOT_SUPPORTED, "no query language");
+CMPIEnumerationFilter* NewEnumerationFilter(const CMPIBroker*, const char* language,
+                                            const char* query, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&]() -> CMPIEnumerationFilter* {
+    return Make<TBrokerEnumerationFilter>(ReadQuery(query, language));
   });
 }
 

@@ -8,6 +8,7 @@
 #include "platform/cmpi/TBrokerDateTime.h"
 #include "platform/cmpi/TBrokerInstance.h"
 #include "platform/cmpi/TBrokerPath.h"
+#include "platform/cmpi/TBrokerSelectExp.h"
 #include "platform/cmpi/TBrokerString.h"
 
 namespace NZEPQEL20::cmpi {
@@ -58,9 +59,6 @@ void FreeObject(const CMPIBroker*, TCMPI* object) noexcept {
   TObject::Release(object);
 }
 
-/// No expression is ever made.
-void FreeSelectExp(const CMPIBroker*, CMPISelectExp*) noexcept {}
-
 void FreeChars(const CMPIBroker* mb, char* text) noexcept {
   Free(mb, text);
 }
@@ -81,7 +79,7 @@ const CMPIBrokerMemFT kBrokerMemTable = {kBrokerVersion,
                                          FreeObject<TBrokerString, CMPIString>,
                                          FreeObject<TBrokerArray, CMPIArray>,
                                          FreeObject<TBrokerDateTime, CMPIDateTime>,
-                                         FreeSelectExp,
+                                         FreeObject<TBrokerSelectExp, CMPISelectExp>,
                                          FreeChars};
 
 }  // namespace NZEPQEL20::cmpi

@@ -3,10 +3,12 @@
 #include <memory>
 #include <utility>
 
+#include "platform/cmpi/QueryObjects.h"
 #include "platform/cmpi/TBrokerArgs.h"
 #include "platform/cmpi/TBrokerEnumeration.h"
 #include "platform/cmpi/TBrokerInstance.h"
 #include "platform/cmpi/TBrokerPath.h"
+#include "platform/cmpi/TBrokerSelectExp.h"
 #include "platform/cmpi/TBrokerString.h"
 #include "platform/cmpi/THostLease.h"
 #include "platform/cmpi/TWantedProperties.h"
@@ -45,13 +47,16 @@ void Project(TCIMInstanceData& data, const char** properties) {
   data.properties = std::move(content.properties);
 }
 
-/// Gathers instances for an enumeration.
+/// Gathers instances for an enumeration, those that match where there is a query.
 class TGatherer {
  public:
   explicit TGatherer(const char** properties) : m_properties(properties) {}
+  TGatherer(const char** properties, const TQuery* query, const IBrokerHost& host)
+      : m_properties(properties), m_query(query), m_host(&host) {}
 
   ICIMOperations::TInstanceSink Sink() {
     return [this](TCIMInstanceData&& data) {
+      if (!Passes(data)) return true;
       Project(data, m_properties);
       m_elements.push_back(
           TCIMValue::Instance(std::make_shared<TCIMInstanceData>(std::move(data))));
@@ -63,7 +68,14 @@ class TGatherer {
   }
 
  private:
+  bool Passes(const TCIMInstanceData& data) const {
+    return m_query == nullptr ||
+           m_query->Matches(TQueriedInstance(data.path.GetClassName(), data.properties, m_host));
+  }
+
   const char** m_properties;
+  const TQuery* m_query = nullptr;
+  const IBrokerHost* m_host = nullptr;
   TCIMValue::TArray m_elements;
 };
 
@@ -147,13 +159,6 @@ CMPIStatus DeleteInstance(const CMPIBroker* mb, const CMPIContext*,
   return AnswerStatus([&] {
     const TUpcall call(mb, path);
     call.Operations().DeleteInstance(call.Target());
-  });
-}
-
-CMPIEnumeration* ExecQuery(const CMPIBroker*, const CMPIContext*, const CMPIObjectPath*,
-                           const char*, const char*, CMPIStatus* rc) noexcept {
-  return Answer(rc, []() -> CMPIEnumeration* {
-    throw TBrokerFault(CMPI_RC_ERR_NOT_SUPPORTED, "no query language");
   });
 }
 
@@ -275,31 +280,83 @@ CMPIData GetProperty(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectP
   });
 }
 
-CMPIEnumeration* RefuseQuery(CMPIStatus* rc) noexcept {
-  return ExecQuery(nullptr, nullptr, nullptr, nullptr, nullptr, rc);
+/// `names` as providers take them; valid as long as `names`.
+std::vector<const char*> Pointers(const std::vector<std::string>& names) {
+  std::vector<const char*> pointers;
+  for (const std::string& name : names) pointers.push_back(name.c_str());
+  pointers.push_back(nullptr);
+  return pointers;
 }
 
-CMPIEnumeration* EnumerateInstancesFiltered(const CMPIBroker*, const CMPIContext*,
-                                            const CMPIObjectPath*, const char**, const char*,
-                                            const char*, CMPIStatus* rc) noexcept {
-  return RefuseQuery(rc);
+/// A filter that need not be given.
+std::shared_ptr<const TQuery> ReadFilter(const char* query, const char* language) {
+  return query == nullptr || *query == '\0' ? nullptr : ReadQuery(query, language);
 }
 
-CMPIEnumeration* AssociatorsFiltered(const CMPIBroker*, const CMPIContext*, const CMPIObjectPath*,
-                                     const char*, const char*, const char*, const char*,
-                                     const char**, const char*, const char*,
+CMPIEnumeration* ExecQuery(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
+                           const char* query, const char* language, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const auto read = ReadQuery(query, language);
+    TPathContent about = TBrokerPath::From(path).GetContent();
+    if (!read->GetClassName().empty()) about.className = read->GetClassName();
+    const TPassedPath target(std::move(about));
+    const TUpcall call(mb, target.Get());
+    std::vector<const char*> selected = Pointers(read->GetProperties());
+    TGatherer gatherer(read->SelectsAll() ? nullptr : selected.data(), read.get(), call.Host());
+    call.Operations().EnumerateInstances(call.NameSpace(), call.Target().GetClassName(),
+                                         gatherer.Sink());
+    return gatherer.Finish();
+  });
+}
+
+CMPIEnumeration* EnumerateInstancesFiltered(const CMPIBroker* mb, const CMPIContext*,
+                                            const CMPIObjectPath* path, const char** properties,
+                                            const char* language, const char* query,
+                                            CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const auto filter = ReadFilter(query, language);
+    const TUpcall call(mb, path);
+    TGatherer gatherer(properties, filter.get(), call.Host());
+    call.Operations().EnumerateInstances(call.NameSpace(), call.Target().GetClassName(),
+                                         gatherer.Sink());
+    return gatherer.Finish();
+  });
+}
+
+CMPIEnumeration* AssociatorsFiltered(const CMPIBroker* mb, const CMPIContext*,
+                                     const CMPIObjectPath* path, const char* associationClass,
+                                     const char* resultClass, const char* role,
+                                     const char* resultRole, const char** properties,
+                                     const char* language, const char* query,
                                      CMPIStatus* rc) noexcept {
-  return RefuseQuery(rc);
+  return Answer(rc, [&] {
+    const auto filter = ReadFilter(query, language);
+    const TUpcall call(mb, path);
+    TGatherer gatherer(properties, filter.get(), call.Host());
+    call.Operations().Associators(call.Target(),
+                                  MakeFilter(associationClass, resultClass, role, resultRole),
+                                  gatherer.Sink());
+    return gatherer.Finish();
+  });
 }
 
-CMPIEnumeration* ReferencesFiltered(const CMPIBroker*, const CMPIContext*, const CMPIObjectPath*,
-                                    const char*, const char*, const char**, const char*,
-                                    const char*, CMPIStatus* rc) noexcept {
-  return RefuseQuery(rc);
+CMPIEnumeration* ReferencesFiltered(const CMPIBroker* mb, const CMPIContext*,
+                                    const CMPIObjectPath* path, const char* resultClass,
+                                    const char* role, const char** properties, const char* language,
+                                    const char* query, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const auto filter = ReadFilter(query, language);
+    const TUpcall call(mb, path);
+    TGatherer gatherer(properties, filter.get(), call.Host());
+    call.Operations().References(call.Target(), MakeFilter(nullptr, resultClass, role, nullptr),
+                                 gatherer.Sink());
+    return gatherer.Finish();
+  });
 }
 
 constexpr unsigned int kCapabilities =
-    CMPI_MB_InstanceManipulation | CMPI_MB_AssociationTraversal | CMPI_MB_OSEncapsulationSupport |
+    CMPI_MB_InstanceManipulation | CMPI_MB_AssociationTraversal | CMPI_MB_QueryExecution |
+    CMPI_MB_QueryNormalization | CMPI_MB_PropertyFiltering | CMPI_MB_OSEncapsulationSupport |
     CMPI_MB_Supports_MemEnhancements | CMPI_MB_Supports_Extended_Error | CMPI_MB_Logging |
     CMPI_MB_Tracing;
 

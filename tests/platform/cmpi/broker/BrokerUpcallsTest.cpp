@@ -215,23 +215,6 @@ TEST_F(BrokerUpcallsTest, AssociationUpcallsCarryTheAnswerOfTheOperations) {
   EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_NOT_SUPPORTED);
 }
 
-TEST_F(BrokerUpcallsTest, QueriesAreNotOffered) {
-  const CMPIObjectPath* path = NewPath();
-  EXPECT_EQ(Bft().execQuery(m_broker, nullptr, path, "q", "l", &m_rc), nullptr);
-  EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_NOT_SUPPORTED);
-  EXPECT_EQ(Bft().enumerateInstancesFiltered(m_broker, nullptr, path, nullptr, "l", "q", &m_rc),
-            nullptr);
-  EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_NOT_SUPPORTED);
-  EXPECT_EQ(Bft().associatorsFiltered(m_broker, nullptr, path, nullptr, nullptr, nullptr, nullptr,
-                                      nullptr, "l", "q", &m_rc),
-            nullptr);
-  EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_NOT_SUPPORTED);
-  EXPECT_EQ(
-      Bft().referencesFiltered(m_broker, nullptr, path, nullptr, nullptr, nullptr, "l", "q", &m_rc),
-      nullptr);
-  EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_NOT_SUPPORTED);
-}
-
 TEST_F(BrokerUpcallsTest, AnIndicationThatNobodyListensToIsDelivered) {
   EXPECT_EQ(Bft().deliverIndication(m_broker, nullptr, "root/test", NewInstance()).rc, CMPI_RC_OK);
   EXPECT_EQ(Bft().deliverIndication(nullptr, nullptr, nullptr, NewInstance()).rc, CMPI_RC_OK);

@@ -126,5 +126,23 @@ TEST_F(DepotUpcallsTest, OnePropertyComesFromTheProviderOfPropertiesElseFromTheI
   EXPECT_EQ(StatusOf([&] { ask("set", "Number", "5"); }), 7U) << "nor can the instance be changed";
 }
 
+TEST_F(DepotUpcallsTest, QueriesAndFiltersAreAnsweredOverAnyProvider) {
+  const auto ask = [&](const char* what, const char* query, const char* language) {
+    return Ask({{"What", TCIMValue(what)},
+                {"Class", TCIMValue("D_Shelf")},
+                {"Id", TCIMValue("S1")},
+                {"Place", TCIMValue("root/cimv2")},
+                {"Query", TCIMValue(query)},
+                {"Language", TCIMValue(language)}});
+  };
+  EXPECT_EQ(ask("query", "SELECT * FROM D_Box WHERE Number >= 2", "WQL"),
+            "D_Box:B3(all) D_Crate:B2(all)");
+  EXPECT_EQ(ask("query", "SELECT Asked FROM D_Remote", "DMTF:CQL"), "root/far:D_Remote:R1(all)");
+  EXPECT_EQ(ask("filter", "Number = 2", "DMTF:FQL"), "D_Crate:B2(all)");
+  EXPECT_EQ(ask("filter", "", ""), "D_Box:B1(all) D_Crate:B2(all)");
+  EXPECT_EQ(StatusOf([&] { ask("filter", "Number = ", "DMTF:FQL"); }), 15U);
+  EXPECT_EQ(StatusOf([&] { ask("query", "SELECT * FROM D_Box", "XQL"); }), 14U);
+}
+
 }  // namespace
 }  // namespace NZEPQEL20
