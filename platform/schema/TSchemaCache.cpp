@@ -18,7 +18,6 @@ namespace NZEPQEL20 {
 namespace {
 
 constexpr std::string_view kMagic = "DIAGSMOF";
-constexpr std::size_t kHeaderSize = 56;
 // More than any schema needs; what a file can make us hold is bounded by this.
 constexpr std::uint64_t kMaxSize = std::uint64_t{512} * 1024 * 1024;
 constexpr std::size_t kLeastText = 4;
@@ -143,18 +142,26 @@ std::string TSchemaCache::EncodeIndex(const TContent& content,
 }
 
 std::string TSchemaCache::Encode(const TContent& content) {
-  std::string bytes(kHeaderSize, '\0');
+  std::string bytes;
   std::vector<TRecord> records;
-  const auto put = [&bytes](const std::string& record) {
-    const TRecord place = {bytes.size(), record.size(), HashBytes(record)};
+  const auto put = [&](const std::string& record) {
+    records.push_back({kHeaderSize + bytes.size(), record.size(), HashBytes(record)});
     bytes += record;
-    return place;
   };
   for (std::size_t place = 0; place < content.classes.GetTree().GetCount(); ++place) {
-    records.push_back(put(EncodeClass(*content.classes.GetClass(place))));
+    put(EncodeClass(*content.classes.GetClass(place)));
   }
-  records.push_back(put(EncodeInstances(content.instances)));
-  EncodeHeader(bytes, put(EncodeIndex(content, records)), content.trustedBefore);
+  put(EncodeInstances(content.instances));
+  return Assemble(bytes, EncodeIndex(content, records), content.trustedBefore);
+}
+
+std::string TSchemaCache::Assemble(const std::string& records, const std::string& index,
+                                   std::int64_t trustedBefore) {
+  std::string bytes(kHeaderSize, '\0');
+  bytes += records;
+  const TRecord place = {bytes.size(), index.size(), HashBytes(index)};
+  bytes += index;
+  EncodeHeader(bytes, place, trustedBefore);
   return bytes;
 }
 

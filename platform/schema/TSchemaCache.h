@@ -50,6 +50,12 @@ class TSchemaCache : public ISchemaClasses {
   /// The bytes of a file.
   static std::string Encode(const TContent& content);
 
+  /// The bytes of a file of `records` and the index of them. The records begin behind a header of
+  /// kHeaderSize bytes, which is made here.
+  static std::string Assemble(const std::string& records, const std::string& index,
+                              std::int64_t trustedBefore);
+  static constexpr std::size_t kHeaderSize = 56;
+
   /// Reads the index of `file`.
   /// Errors: TQELException for a file that was not written by this build, or is damaged.
   explicit TSchemaCache(TDescriptor file);

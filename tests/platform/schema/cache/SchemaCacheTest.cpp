@@ -49,6 +49,41 @@ TEST(SchemaCacheTest, AFullSchemaComesWholeFromTheCache) {
   EXPECT_GE(second.classes->Find(fullschema::GetClassName(kCount - 1))->properties.size(), 10U);
 }
 
+TEST(SchemaCacheTest, WhatAMasterFileIncludesIsNotReadAgainByItsOwnName) {
+  const schematest::TFolder folder;
+  constexpr std::size_t kCount = 30;
+  TSchemaInputs inputs;
+  inputs.files = {fullschema::Write(folder.GetPath(), kCount),
+                  folder.GetPath() + "/qualifiers.mof"};
+  std::size_t size = 0;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    inputs.files.push_back(folder.GetPath() + "/" + fullschema::GetFileName(i));
+  }
+  for (const std::string& file : inputs.files) size += fs::file_size(file);
+  const TLoadedSchema loaded = LoadSchema(inputs, {});
+  EXPECT_THAT(loaded.problems, IsEmpty());
+  EXPECT_EQ(loaded.classes->GetCount(), kCount);
+  EXPECT_EQ(loaded.classes->GetSources().Get().size(), kCount + 2);
+  EXPECT_EQ(loaded.classes->GetSources().GetSize(), size);
+}
+
+TEST(SchemaCacheTest, AWholeSchemaHoldsOverAReducedOneWithOneWarning) {
+  const schematest::TFolder folder;
+  constexpr std::size_t kCount = 30;
+  std::string reduced;
+  for (std::size_t i = 0; i < kCount; i += 2) {
+    reduced += "class " + fullschema::GetClassName(i) + " { };\n";
+  }
+  TSchemaInputs inputs;
+  inputs.files = {folder.Write("cim.mof", reduced), fullschema::Write(folder.GetPath(), kCount)};
+  const TLoadedSchema loaded = LoadSchema(inputs, {});
+  ASSERT_EQ(loaded.problems.size(), 1U);
+  EXPECT_TRUE(loaded.problems[0].isWarning);
+  EXPECT_THAT(loaded.problems[0].text, HasSubstr("later declarations of 14 more classes"));
+  EXPECT_NE(loaded.classes->Find("CIM_Gen0")->FindProperty("InstanceID"), nullptr);
+  EXPECT_TRUE(loaded.classes->IsA("CIM_Gen28", "CIM_Gen0"));
+}
+
 struct TChange {
   const char* name;
   std::function<void(TCacheWorld&)> make;
