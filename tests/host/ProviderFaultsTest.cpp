@@ -17,6 +17,112 @@ using ::testing::HasSubstr;
 
 class ProviderFaultsTest : public TProviderFixture {};
 
+// `text` with every "%" replaced.
+std::string Fill(std::string text, const std::string& words) {
+  for (std::size_t at = text.find('%'); at != std::string::npos;
+       at = text.find('%', at + words.size())) {
+    text.replace(at, 1, words);
+  }
+  return text;
+}
+
+struct TFaultRow {
+  const char* word;  // The library is `lib<word>.so`.
+  const char* line;  // What `list` says of it, "%" standing for its path.
+};
+void PrintTo(const TFaultRow& row, std::ostream* out) {
+  *out << row.word;
+}
+
+class FaultyLibraryTest : public TProviderFixture,
+                          public ::testing::WithParamInterface<TFaultRow> {};
+
+TEST_P(FaultyLibraryTest, IsOneLineWhileTheTestsOfOthersAreListedAndRun) {
+  InstallAcme();
+  ASSERT_EQ(Do({"provider", "add", MakeBad(GetParam().word), "--force"}).status, 0);
+  const std::string library = GetInstalled("bad") + "/lib" + GetParam().word + ".so";
+  const std::string problem = Fill(GetParam().line, library);
+  const TFinished listed = Do({"list"});
+  EXPECT_EQ(listed.status, 0);
+  EXPECT_EQ(listed.err, "diagsrun: " + problem + "\n");
+  const json document = json::parse(Do({"list", "--json"}).out);
+  EXPECT_EQ(document["problems"], json::array({problem}));
+  EXPECT_TRUE(ListsAcme());
+  EXPECT_TRUE(RunsAcme());
+  EXPECT_EQ(Do({"provider", "remove", "bad"}).status, 0);
+  EXPECT_EQ(Do({"list"}).err, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Libraries, FaultyLibraryTest,
+    ::testing::Values(
+        TFaultRow{"missing",
+                  "provider library % cannot be loaded: %: cannot open shared object file: No such "
+                  "file or directory; put the library there, or mend the registration; see rule "
+                  "R13"},
+        TFaultRow{"notalibrary",
+                  "provider library % cannot be loaded: %: file too short; the file is no library "
+                  "(no ELF header); ship a library for this machine; see rule R14"},
+        TFaultRow{"unresolved",
+                  "provider library % cannot be loaded: %: undefined symbol: "
+                  "DiagsSymbolThatNobodyHas; link it with everything that it uses; see rule R5"},
+        TFaultRow{"noentry",
+                  "provider Bad in %: its Instance functions have no entry point: neither "
+                  "Bad_Create_InstanceMI nor _Generic_Create_InstanceMI (it exports no entry point "
+                  "at all); export it, or mend the provider's name or types in the registration; "
+                  "see rule R4"},
+        TFaultRow{"nulltable",
+                  "provider Bad in %: its Instance functions have no function table; mend the "
+                  "factory, or what it needs; see rule R4"},
+        TFaultRow{"factorynull",
+                  "provider Bad in %: its Instance functions were not made; mend the factory, or "
+                  "what it needs; see rule R4"},
+        TFaultRow{"factoryrefuses",
+                  "provider Bad in %: its Instance functions were refused: no hardware here; mend "
+                  "the factory, or what it needs; see rule R4"},
+        TFaultRow{"factorythrows",
+                  "provider Bad in %: its Instance functions were refused: the provider threw an "
+                  "exception: factory on strike; mend the factory, or what it needs; see rule R4"},
+        TFaultRow{"throws",
+                  "EnumerateInstances of root/cimv2:CIM_AvailableDiagnosticService failed in "
+                  "provider Bad (%): the provider threw an exception: out of luck; its vendor is "
+                  "to catch it; see rule R7"},
+        TFaultRow{"throwsall",
+                  "EnumerateInstances of root/cimv2:CIM_AvailableDiagnosticService failed in "
+                  "provider Bad (%): the provider threw an exception: out of luck in "
+                  "enumerateInstances; its vendor is to catch it; see rule R7"},
+        TFaultRow{"nullslots",
+                  "EnumerateInstances of root/cimv2:CIM_AvailableDiagnosticService failed in "
+                  "provider Bad (%): CIM_ERR_NOT_SUPPORTED; fill the function in, or mend the "
+                  "types; see rule R6"},
+        TFaultRow{"code",
+                  "EnumerateInstances of root/cimv2:CIM_AvailableDiagnosticService failed in "
+                  "provider Bad (%): not for you; its vendor is to look into it"},
+        TFaultRow{"codes",
+                  "EnumerateInstances of root/cimv2:CIM_AvailableDiagnosticService failed in "
+                  "provider Bad (%): not for you: enumerateInstances; its vendor is to look into "
+                  "it"},
+        TFaultRow{"oddcode",
+                  "EnumerateInstances of root/cimv2:CIM_AvailableDiagnosticService failed in "
+                  "provider Bad (%): CMPI status 4711; its vendor is to look into it"}),
+    [](const auto& row) { return std::string(row.param.word); });
+
+class OddLibraryTest : public TProviderFixture,
+                       public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(OddLibraryTest, IsBorneWithoutAWord) {
+  InstallAcme();
+  ASSERT_EQ(Do({"provider", "add", MakeBad(GetParam()), "--force"}).status, 0);
+  EXPECT_EQ(Do({"list"}).err, "");
+  EXPECT_TRUE(ListsAcme());
+  EXPECT_TRUE(RunsAcme());
+}
+INSTANTIATE_TEST_SUITE_P(Libraries, OddLibraryTest,
+                         ::testing::Values("generic", "oldtable", "notfound", "nodone", "twice",
+                                           "releases", "threads", "garbage", "badtext", "late",
+                                           "others", "keeps"),
+                         [](const auto& row) { return std::string(row.param); });
+
 TEST_F(ProviderFaultsTest, WordsOfALibraryNeverGetIntoADocument) {
   InstallAcme();
   const std::string vendor = MakeBad("stdout");

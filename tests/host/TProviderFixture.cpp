@@ -167,7 +167,8 @@ std::string TProviderFixture::MakeAcme() const {
 }
 
 std::string TProviderFixture::MakeBad(const std::string& word) const {
-  CopyFile(std::string(DIAGS_BAD_DIR) + "/lib" + word + ".so", GetVendor("bad"));
+  const std::string library = std::string(DIAGS_BAD_DIR) + "/lib" + word + ".so";
+  if (fs::exists(library)) CopyFile(library, GetVendor("bad"));
   Write("vendor/bad/bad.mof", kBadClasses);
   Write("vendor/bad/bad.registration",
         "BAD_AvailableDiagnosticService root/cimv2 Bad " + word + " instance\n");

@@ -22,8 +22,8 @@ class TProviderFixture : public THostFixture {
   std::string MakeAcme(const std::string& name, const std::string& text) const;
   /// The same with the registration that the test provider comes with.
   std::string MakeAcme() const;
-  /// A vendor's folder "bad" whose only library is `lib<word>.so` of those that misbehave; what
-  /// discovery asks for first is registered for it.
+  /// A vendor's folder "bad" whose only library is `lib<word>.so` of those that misbehave, or none
+  /// when there is no such; what discovery asks for first is registered for it.
   std::string MakeBad(const std::string& word) const;
 
   /// Installs the test provider as "acme".
