@@ -22,6 +22,9 @@ install(DIRECTORY platform/cmpi/abi
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/platform/cmpi COMPONENT development
         FILES_MATCHING PATTERN "*.h")
 
+# What the messages about providers cite.
+install(FILES docs/provider-rules.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
+
 install(DIRECTORY data/ DESTINATION ${DIAGSRUNNER_ROOT_DIR} COMPONENT runtime)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/diagsrunner)

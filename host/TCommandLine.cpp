@@ -34,6 +34,10 @@ const std::map<std::string, EProgress>& GetProgressModes() {
 constexpr char kGlobals[] =
     "The options of every command (see diagsrun --help) may stand behind this one as well.\n\n";
 
+constexpr char kRules[] =
+    "The rules that a line names are in share/doc/diagsrunner/provider-rules.md below the install "
+    "prefix.\n\n";
+
 std::string MakeFooter() {
   std::string footer = "Exit status:";
   for (const TExitStatusText& text : GetExitStatusTexts()) {
@@ -151,7 +155,9 @@ TCommandLine::TCommandLine()
   m_app->footer(footer);
   for (CLI::App* command : m_app->get_subcommands({})) {
     command->footer(kGlobals + footer);
-    for (CLI::App* action : command->get_subcommands({})) action->footer(kGlobals + footer);
+    for (CLI::App* action : command->get_subcommands({})) {
+      action->footer(std::string(kRules) + kGlobals + footer);
+    }
   }
 }
 

@@ -24,3 +24,8 @@ c++ -std=c++17 "$source/tests/build/consumer/main.cpp" -o "$work/by-pkg-config" 
   -Wl,-rpath,"$work/prefix/$libdir"
 "$work/by-pkg-config" >"$work/tests2.txt"
 diff "$work/tests.txt" "$work/tests2.txt"
+
+# The installed command has its providers and the rules that it cites.
+test -f "$work/prefix/share/doc/diagsrunner/provider-rules.md"
+env -u DIAGSRUNNER_ROOT "$work/prefix/bin/diagsrun" provider check | tee "$work/check.txt"
+grep -Eqx 'hardware: ok, [0-9]+ classes in 1 library' "$work/check.txt"

@@ -94,6 +94,14 @@ TEST(DocumentsTest, HelpAndManualTellWhereAUrlLeadsAndWhatALogIs) {
   EXPECT_THAT(manual, HasSubstr("a path left out is /cimom"));
 }
 
+TEST(DocumentsTest, HelpAndManualTellWhereTheRulesAre) {
+  const char* const place = "share/doc/diagsrunner/provider-rules.md";
+  EXPECT_THAT(ReadManual(), HasSubstr(place));
+  for (const char* command : {"provider add", "provider check", "provider list"}) {
+    EXPECT_THAT(TCommandLine().GetHelp(command), HasSubstr(place));
+  }
+}
+
 TEST(DocumentsTest, TheManualHasEveryJsonKey) {
   const std::string manual = ReadManual();
   for (const char* key :
