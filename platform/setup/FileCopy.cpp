@@ -19,7 +19,7 @@ constexpr std::size_t kPiece = 65536;
 [[noreturn]] void Refuse(const std::string& file, const std::string& what, int error) {
   const bool isDenied = error == EACCES || error == EPERM || error == EROFS;
   throw TQELException(isDenied ? TQELStatusCode::kAccessDenied : TQELStatusCode::kFailed,
-                      file + ": " + what + ": " + std::generic_category().message(error));
+                      file + ": " + what + ": " + DescribeWriteFault(error));
 }
 
 /// An open file.
@@ -71,6 +71,23 @@ class TFile {
 };
 
 }  // namespace
+
+std::string DescribeWriteFault(int error) {
+  const std::string reason = std::generic_category().message(error);
+  switch (error) {
+    case EACCES:
+    case EPERM:
+      return reason + "; run the command as the owner of the file or folder";
+    case EROFS:
+      return reason + "; the installation root is read-only, name another one or remount it";
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return reason + "; make room there and try again, nothing was changed";
+    default:
+      return reason;
+  }
+}
 
 void CopyFile(const std::string& from, const std::string& to) {
   // Without waiting: a pipe without a writer would hold us up before we see that it is one.

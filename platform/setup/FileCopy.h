@@ -5,6 +5,9 @@
 
 namespace NZEPQEL20::setup {
 
+/// The system's reason for a failure at a place that is to be written, with what would help.
+std::string DescribeWriteFault(int error);
+
 /// Copies a regular file to a new one and has it on the disk. Whoever may read it may read the
 /// copy, only its owner may write it; it can be executed when the original can.
 /// Errors: TQELException naming the file at fault and the system's reason.

@@ -32,15 +32,7 @@ constexpr mode_t kFolderMode = 0755;
 
 /// For a failure of the system at a place below the root.
 [[noreturn]] void RefusePlace(const std::string& place, const std::string& what, int error) {
-  std::string text = place + ": " + what + ": " + std::generic_category().message(error);
-  if (error == EACCES || error == EPERM) {
-    text += "; run the command as the owner of the installation root, or name another root";
-  } else if (error == EROFS) {
-    text += "; the installation root is read-only, name another root or remount it";
-  } else if (error == ENOSPC || error == EDQUOT) {
-    text += "; make room there and try again, nothing was changed";
-  }
-  Refuse(text, error);
+  Refuse(place + ": " + what + ": " + DescribeWriteFault(error), error);
 }
 
 void MakeFolder(const fs::path& folder) {

@@ -1,26 +1,125 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/setup/ProviderCheck.h"
 
-#include "platform/cmpi/TRegistrations.h"
+#include <algorithm>
+#include <iterator>
+#include <set>
+
+#include "platform/cmpi/TProviders.h"
+#include "platform/cmpi/VendorFiles.h"
+#include "platform/contract/TCIMInstanceData.h"
+#include "platform/setup/ClassCheck.h"
+#include "platform/setup/LibraryProbe.h"
 
 namespace NZEPQEL20::setup {
+namespace {
 
-std::vector<TProviderFinding> CheckProvider(const std::string& /*root*/,
-                                            const TProviderPackage& package) {
-  std::vector<TProviderFinding> findings;
-  TRegistrations registrations;
-  for (const std::string& file : package.registrations) registrations.Load(file);
-  for (const std::string& problem : registrations.GetProblems()) {
-    findings.push_back({false, "R2", problem, "mend the line"});
+using TFindings = std::vector<TProviderFinding>;
+
+void Append(TFindings& findings, TFindings more) {
+  std::move(more.begin(), more.end(), std::back_inserter(findings));
+}
+
+TFindings CheckRegistrations(const TProviderPackage& package, const TRegistrations& registrations) {
+  TFindings findings;
+  for (const TRegistrationProblem& problem : registrations.GetFindings()) {
+    findings.push_back({problem.isWarning, problem.rule, problem.text, problem.remedy});
   }
-  for (const TProviderService& service : package.services) {
-    if (!service.library.empty()) continue;
-    findings.push_back({false, "R1",
-                        "provider " + service.providerName + " of class " + service.className +
-                            ": its library is not in " + package.folder,
-                        "put it there"});
+  if (package.registrations.empty()) {
+    findings.push_back({false, "R1", package.folder + ": holds no registration",
+                        "add a .registration or .reg file"});
+  } else if (registrations.GetEntries().empty() && findings.empty()) {
+    findings.push_back({false, "R1", package.registrations.front() + ": registers no class",
+                        "name the classes that the library serves"});
   }
   return findings;
+}
+
+TFindings CheckUnusedLibraries(const TProviderPackage& package,
+                               const TRegistrations& registrations) {
+  TFindings findings;
+  const std::vector<std::string> used = FindUsed(package.libraries, registrations);
+  for (const std::string& library : package.libraries) {
+    if (std::find(used.begin(), used.end(), library) != used.end()) continue;
+    findings.push_back({true, "R18",
+                        library + ": no registration names it, and no library needs it",
+                        "leave it out, or register what it serves"});
+  }
+  return findings;
+}
+
+bool IsSameService(const TProviderService& left, const TProviderService& right) {
+  return IsSameName(left.className, right.className) &&
+         (left.nameSpace == "*" || right.nameSpace == "*" ||
+          cmpi::IsSameNamespace(left.nameSpace, right.nameSpace));
+}
+
+TFindings CheckOthers(const TProviderPackage& package,
+                      const std::vector<TProviderPackage>& installed) {
+  TFindings findings;
+  for (const TProviderPackage& other : installed) {
+    if (other.name == package.name || other.folder == package.folder) continue;
+    for (const TProviderService& service : package.services) {
+      const bool isTwice = std::any_of(
+          other.services.begin(), other.services.end(),
+          [&](const TProviderService& served) { return IsSameService(service, served); });
+      if (!isTwice) continue;
+      findings.push_back({true, "R21",
+                          "class " + service.className + " in " + service.nameSpace +
+                              " is served by " + other.folder + ", too",
+                          "remove one of the two"});
+    }
+  }
+  return findings;
+}
+
+/// A library, a MOF file or a provider may have put anything into its words.
+std::string MakeOneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(),
+      [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, ' ');
+  return text;
+}
+
+/// Errors first, each finding once.
+TFindings Arrange(TFindings findings) {
+  std::set<std::string> seen;
+  TFindings arranged;
+  for (TProviderFinding& finding : findings) {
+    finding.text = MakeOneLine(std::move(finding.text));
+    if (seen.insert(finding.rule + finding.text).second) arranged.push_back(std::move(finding));
+  }
+  std::stable_partition(arranged.begin(), arranged.end(),
+                        [](const TProviderFinding& finding) { return !finding.isWarning; });
+  return arranged;
+}
+
+}  // namespace
+
+TRegistrations ReadRegistrations(const TProviderPackage& package) {
+  std::vector<std::string> files = package.libraries;
+  files.insert(files.end(), package.registrations.begin(), package.registrations.end());
+  TRegistrations registrations;
+  registrations.LoadFolder(package.folder, files);
+  return registrations;
+}
+
+std::vector<TProviderFinding> CheckProvider(const std::string& root,
+                                            const TProviderPackage& package,
+                                            const std::vector<TProviderPackage>& installed) {
+  TFindings findings;
+  for (const std::string& problem : ListVendorFiles(package.folder).problems) {
+    findings.push_back({true, "R1", problem, "keep the folder small and readable"});
+  }
+  const TRegistrations registrations = ReadRegistrations(package);
+  Append(findings, CheckRegistrations(package, registrations));
+  TPackageClasses loaded = LoadPackageClasses(root, package);
+  Append(findings, std::move(loaded.findings));
+  Append(findings, CheckClasses(*loaded.classes, registrations));
+  Append(findings, ProbeLibraries(loaded.classes, registrations));
+  Append(findings, CheckUnusedLibraries(package, registrations));
+  Append(findings, CheckOthers(package, installed));
+  return Arrange(std::move(findings));
 }
 
 }  // namespace NZEPQEL20::setup

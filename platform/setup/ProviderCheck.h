@@ -4,13 +4,18 @@
 #include <string>
 #include <vector>
 
+#include "platform/cmpi/TRegistrations.h"
 #include "platform/setup/TProviderStore.h"
 
 namespace NZEPQEL20::setup {
 
-/// Everything wrong with a vendor's folder that is, or is to be, installed below `root`; errors
-/// first.
+/// What the registrations of a package say.
+TRegistrations ReadRegistrations(const TProviderPackage& package);
+
+/// Everything wrong with a vendor's folder that is, or is to be, installed below `root` beside
+/// `installed`; errors first, each once.
 std::vector<TProviderFinding> CheckProvider(const std::string& root,
-                                            const TProviderPackage& package);
+                                            const TProviderPackage& package,
+                                            const std::vector<TProviderPackage>& installed);
 
 }  // namespace NZEPQEL20::setup

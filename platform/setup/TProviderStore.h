@@ -34,6 +34,7 @@ struct TProviderPackage {
   std::vector<std::string> schema;
   std::vector<std::string> registrations;
   std::vector<TProviderService> services;
+  std::vector<std::string> others;  ///< What goes with it: included MOF, configuration, texts.
 };
 
 /// The vendors' folders below an installation root: reads, checks, installs and removes them.

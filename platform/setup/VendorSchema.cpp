@@ -60,6 +60,24 @@ std::vector<std::string> FindIncludes(const std::string& file) {
   return found;
 }
 
+std::vector<std::string> FindAllIncludes(const std::vector<std::string>& files) {
+  std::vector<std::string> found;
+  std::vector<std::string> open = files;
+  std::set<std::string> seen;
+  while (!open.empty()) {
+    const std::string file = open.back();
+    open.pop_back();
+    if (!seen.insert(MakeCanonical(file)).second) continue;
+    for (const std::string& other : FindIncludes(file)) {
+      std::error_code error;
+      if (!fs::exists(other, error)) continue;
+      found.push_back(fs::path(other).lexically_normal().string());
+      open.push_back(other);
+    }
+  }
+  return found;
+}
+
 std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files) {
   if (files.size() < 2) return files;
   std::set<std::string> included;

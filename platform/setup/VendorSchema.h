@@ -14,4 +14,7 @@ std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files);
 /// be read includes nothing.
 std::vector<std::string> FindIncludes(const std::string& file);
 
+/// The files that `files` include, and those that these include; only such as are there.
+std::vector<std::string> FindAllIncludes(const std::vector<std::string>& files);
+
 }  // namespace NZEPQEL20::setup

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/cmpi/TRegistrations.h"
+#include "platform/schema/TClassRepository.h"
+#include "platform/setup/TProviderStore.h"
+
+namespace NZEPQEL20::setup {
+
+/// The classes that a vendor's folder has, together with those of the installation.
+struct TPackageClasses {
+  std::shared_ptr<const TClassRepository> classes;
+  std::vector<TProviderFinding> findings;  ///< What is wrong with the MOF of the folder.
+};
+
+/// Loads the schema of the installation `root` and the MOF of the folder.
+TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPackage& package);
+
+/// What is wrong with the classes that are registered: not declared, a superclass missing, no key.
+std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
+                                           const TRegistrations& registrations);
+
+}  // namespace NZEPQEL20::setup

@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/setup/LibraryProbe.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <sstream>
+#include <system_error>
+
+#include "platform/cmpi/LibraryLoading.h"
+#include "platform/cmpi/TCMPIOperations.h"
+#include "platform/cmpi/TElfFile.h"
+#include "platform/cmpi/TProviders.h"
+#include "platform/contract/TRootObject.h"
+#include "platform/setup/ChildRun.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+namespace fs = std::filesystem;
+using cmpi::TProviders;
+
+constexpr CMPIVersion kOldestTable = 100;
+constexpr char kSeparator = '\x1F';
+
+using TMake = CMPIVersion (*)(cmpi::TProvider&, cmpi::TBroker&);
+
+/// A type that registrations name, and the functions that belong to it.
+struct TKind {
+  const char* word;
+  const char* kind;
+  bool TRegistration::*mark;
+  TMake make;  ///< Null for a type that is not driven.
+};
+
+const TKind kKinds[] = {
+    {"instance", "Instance", &TRegistration::isInstance,
+     [](auto& provider, auto& broker) { return provider.GetInstanceMI(broker).ft->ftVersion; }},
+    {"association", "Association", &TRegistration::isAssociation,
+     [](auto& provider, auto& broker) { return provider.GetAssociationMI(broker).ft->ftVersion; }},
+    {"method", "Method", &TRegistration::isMethod,
+     [](auto& provider, auto& broker) { return provider.GetMethodMI(broker).ft->ftVersion; }},
+    {"property", "Property", &TRegistration::isProperty,
+     [](auto& provider, auto& broker) { return provider.GetPropertyMI(broker).ft->ftVersion; }},
+    {"indication", "Indication", &TRegistration::isIndication, nullptr},
+};
+
+/// A failure of the run time without the rule behind it, which a finding has by itself.
+std::string WithoutRule(std::string text) {
+  const std::size_t place = text.rfind("; see rule ");
+  return place == std::string::npos ? text : text.substr(0, place);
+}
+
+std::string Pack(const TProviderFinding& finding) {
+  return finding.rule + kSeparator + (finding.isWarning ? "1" : "0") + kSeparator + finding.text +
+         kSeparator + finding.remedy;
+}
+
+/// A record of the child as a finding; false for one that is none.
+bool Unpack(const std::string& record, TProviderFinding& finding) {
+  std::vector<std::string> fields;
+  std::istringstream in(record);
+  for (std::string field; std::getline(in, field, kSeparator);) fields.push_back(field);
+  if (fields.size() != 4) return false;
+  finding = {fields[1] == "1", fields[0], fields[2], fields[3]};
+  return true;
+}
+
+/// Looks at the libraries one by one.
+class TProbe {
+ public:
+  TProbe(const std::shared_ptr<const TClassRepository>& classes,
+         const TRegistrations& registrations, std::chrono::milliseconds limit)
+      : m_classes(classes), m_registrations(registrations), m_limit(limit) {}
+
+  std::vector<TProviderFinding> Run() {
+    for (const TRegistration& entry : m_registrations.GetEntries()) {
+      m_entries[entry.library].push_back(&entry);
+    }
+    for (const auto& [library, entries] : m_entries) ProbeLibrary(library, entries);
+    return std::move(m_findings);
+  }
+
+ private:
+  using TEntries = std::vector<const TRegistration*>;
+
+  void Fail(const std::string& rule, const std::string& text, const std::string& remedy) {
+    m_findings.push_back({false, rule, text, remedy});
+  }
+
+  void ProbeLibrary(const std::string& library, const TEntries& entries) {
+    if (!entries.front()->hasLibrary) {
+      Fail("R13", entries.front()->source + ": the library " + library + " is not there",
+           "put it into the folder, or mend the registration");
+      return;
+    }
+    const TElfFile elf(library);
+    if (!elf.GetFault().empty()) {
+      Fail("R14", library + ": " + elf.GetFault(), "ship a library for this machine");
+      return;
+    }
+    if (!Load(library, entries.front()->folder)) return;
+    std::set<std::string> names;
+    for (const TRegistration* entry : entries) names.insert(entry->providerName);
+    for (const std::string& name : names) ProbeProvider(library, name, entries);
+    CheckUnregistered(library, entries, elf);
+  }
+
+  /// False when there is no use in going on with the library.
+  bool Load(const std::string& library, const std::string& folder) {
+    const std::size_t before = m_findings.size();
+    Follow(library + ": loading it", [&](const TTell& tell) {
+      const TLoadedLibrary loaded = LoadLibrary(library, folder);
+      if (loaded.handle != nullptr) return;
+      tell(Pack(
+          {false, loaded.rule, library + " cannot be loaded: " + loaded.reason, loaded.remedy}));
+    });
+    return m_findings.size() == before;
+  }
+
+  /// Does `work` in a child; what it tells, or how it ended instead, are findings.
+  void Follow(const std::string& what, const std::function<void(const TTell&)>& work) {
+    const auto quiet = [&work](const TTell& tell) {
+      TRootObject::SetCoreLogger(nullptr);
+      work(tell);
+    };
+    const TChildOutcome outcome = RunInChild(quiet, m_limit);
+    for (const std::string& record : outcome.records) {
+      TProviderFinding finding;
+      if (Unpack(record, finding)) m_findings.push_back(std::move(finding));
+    }
+    if (outcome.ending.empty()) return;
+    const bool isLate = outcome.ending.compare(0, 3, "did") == 0;
+    Fail(isLate ? "R19" : "R7", what + " " + outcome.ending,
+         isLate ? "do what takes time in the functions, not before"
+                : "mend the library; it would end whoever uses it");
+  }
+
+  void ProbeProvider(const std::string& library, const std::string& name, const TEntries& entries) {
+    for (const TKind& kind : kKinds) {
+      const bool isRegistered =
+          std::any_of(entries.begin(), entries.end(), [&](const TRegistration* entry) {
+            return entry->providerName == name && entry->*kind.mark;
+          });
+      if (!isRegistered || kind.make == nullptr) continue;
+      Follow(library + ": making the " + kind.word + " functions of provider " + name,
+             [&](const TTell& tell) { Make(library, name, kind, tell); });
+    }
+  }
+
+  /// In the child: has the provider make its functions, and end them.
+  void Make(const std::string& library, const std::string& name, const TKind& kind,
+            const TTell& tell) const {
+    TCMPIOperations upcalls(m_classes, m_registrations);
+    TProviders providers(m_classes, m_registrations, upcalls);
+    for (const TProviders::TService& service : providers.GetServices()) {
+      const TRegistration& entry = *service.registration;
+      if (entry.library != library || entry.providerName != name) continue;
+      try {
+        const CMPIVersion version = kind.make(*service.provider, providers.GetBroker());
+        if (version >= kOldestTable) return;
+        tell(Pack({true, "R6",
+                   library + ": the " + kind.word + " functions of provider " + name +
+                       " have the table version " + std::to_string(version),
+                   "build it with a header that sets ftVersion to 100, 200 or 210"}));
+      } catch (const TQELException& failure) {
+        const bool isMissing = failure.GetStatusCode() == TQELStatusCode::kNotFound;
+        tell(Pack({false, "R4", WithoutRule(failure.what()),
+                   isMissing ? "export it, or mend the provider's name or types in the registration"
+                             : "mend the factory, or what it needs"}));
+      }
+      return;
+    }
+  }
+
+  /// Entry points that nobody will ever call.
+  void CheckUnregistered(const std::string& library, const TEntries& entries, const TElfFile& elf) {
+    for (const std::string& symbol : FindFactories(elf.GetSymbols())) {
+      for (const TKind& kind : kKinds) {
+        const std::string ending = std::string("_Create_") + kind.kind + "MI";
+        if (symbol.size() <= ending.size() || symbol.compare(0, 2, "_Z") == 0 ||
+            symbol.compare(symbol.size() - ending.size(), ending.size(), ending) != 0) {
+          continue;
+        }
+        const std::string name = symbol.substr(0, symbol.size() - ending.size());
+        const bool isUsed =
+            name == "_Generic" ||
+            std::any_of(entries.begin(), entries.end(), [&](const TRegistration* entry) {
+              return entry->providerName == name && entry->*kind.mark;
+            });
+        if (isUsed) continue;
+        m_findings.push_back(
+            {true, "R18",
+             library + " has " + symbol + ", and no class is registered for " + kind.word +
+                 " of provider " + name,
+             std::string("add the type ") + kind.word + " to the registration if it is wanted"});
+      }
+    }
+  }
+
+  const std::shared_ptr<const TClassRepository>& m_classes;
+  const TRegistrations& m_registrations;
+  const std::chrono::milliseconds m_limit;
+  std::map<std::string, TEntries> m_entries;
+  std::vector<TProviderFinding> m_findings;
+};
+
+std::string MakeCanonical(const std::string& file) {
+  std::error_code error;
+  const fs::path real = fs::canonical(file, error);
+  return error ? file : real.string();
+}
+
+}  // namespace
+
+std::vector<TProviderFinding> ProbeLibraries(const std::shared_ptr<const TClassRepository>& classes,
+                                             const TRegistrations& registrations,
+                                             std::chrono::milliseconds limit) {
+  return TProbe(classes, registrations, limit).Run();
+}
+
+std::vector<std::string> FindUsed(const std::vector<std::string>& libraries,
+                                  const TRegistrations& registrations) {
+  std::vector<std::string> open;
+  for (const TRegistration& entry : registrations.GetEntries()) {
+    if (entry.hasLibrary) open.push_back(entry.library);
+  }
+  std::set<std::string> used;  // Canonical: a library and the links to it are one.
+  while (!open.empty()) {
+    const std::string library = MakeCanonical(open.back());
+    open.pop_back();
+    if (!used.insert(library).second) continue;
+    const TElfFile elf(library);
+    for (const std::string& name : elf.GetNeeded()) {
+      for (const std::string& other : libraries) {
+        if (other.compare(other.rfind('/') + 1, std::string::npos, name) == 0) {
+          open.push_back(other);
+        }
+      }
+    }
+  }
+  std::vector<std::string> found;
+  std::copy_if(libraries.begin(), libraries.end(), std::back_inserter(found),
+               [&](const std::string& library) { return used.count(MakeCanonical(library)) > 0; });
+  return found;
+}
+
+}  // namespace NZEPQEL20::setup

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/cmpi/TRegistrations.h"
+#include "platform/schema/TClassRepository.h"
+#include "platform/setup/TProviderStore.h"
+
+namespace NZEPQEL20::setup {
+
+/// What a provider may need to find its hardware; rule R19 says so.
+inline constexpr std::chrono::seconds kProbeLimit(10);
+
+/// What is wrong with the libraries of a vendor's folder, as loading them and making their
+/// functions shows. Both happen in child processes, each of which has `limit`.
+std::vector<TProviderFinding> ProbeLibraries(const std::shared_ptr<const TClassRepository>& classes,
+                                             const TRegistrations& registrations,
+                                             std::chrono::milliseconds limit = kProbeLimit);
+
+/// The libraries among `libraries` that are loaded because of `registrations`: those that are
+/// named, and those that one of them needs.
+std::vector<std::string> FindUsed(const std::vector<std::string>& libraries,
+                                  const TRegistrations& registrations);
+
+}  // namespace NZEPQEL20::setup

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include "platform/setup/ChildRun.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+using std::chrono::milliseconds;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr milliseconds kLong(20'000);
+
+TEST(ChildRunTest, HandsTheRecordsOverInTheirOrder) {
+  const TChildOutcome outcome = RunInChild(
+      [](const TTell& tell) {
+        tell("one");
+        tell("");
+        tell(std::string(100'000, 'x'));
+      },
+      kLong);
+  EXPECT_THAT(outcome.records, ElementsAre("one", "", std::string(100'000, 'x')));
+  EXPECT_EQ(outcome.ending, "");
+}
+
+struct TEnding {
+  const char* name;
+  void (*work)(const TTell&);
+  milliseconds limit;
+  const char* ending;
+};
+void PrintTo(const TEnding& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class ChildEndingTest : public testing::TestWithParam<TEnding> {};
+
+TEST_P(ChildEndingTest, IsSaidAndWhatWasToldBeforeIsKept) {
+  const TChildOutcome outcome = RunInChild(
+      [](const TTell& tell) {
+        tell("before");
+        GetParam().work(tell);
+      },
+      GetParam().limit);
+  EXPECT_THAT(outcome.records, ElementsAre("before"));
+  EXPECT_EQ(outcome.ending, GetParam().ending);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Endings, ChildEndingTest,
+    testing::Values(TEnding{"Signal", [](const TTell&) { ::raise(SIGSEGV); }, kLong,
+                            "ended by signal 11 (Segmentation fault)"},
+                    TEnding{"Exit", [](const TTell&) { ::_exit(7); }, kLong,
+                            "ended the process with exit status 7"},
+                    TEnding{"ExitOk", [](const TTell&) { ::_exit(0); }, kLong,
+                            "ended the process with exit status 0"},
+                    TEnding{"Throw", [](const TTell&) { throw std::runtime_error("x"); }, kLong,
+                            "ended the process with exit status 1"},
+                    TEnding{"Hang",
+                            [](const TTell&) {
+                              for (;;) ::pause();
+                            },
+                            milliseconds(100), "did not come back within 100 milliseconds"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(ChildRunTest, AChildReadsNothingAndWritesNowhere) {
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  const TChildOutcome outcome = RunInChild(
+      [](const TTell& tell) {
+        char byte = 0;
+        tell(::read(0, &byte, 1) == 0 ? "nothing to read" : "something to read");
+        tell(::write(1, "out", 3) == 3 && ::write(2, "err", 3) == 3 ? "written" : "not written");
+      },
+      kLong);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_THAT(outcome.records, ElementsAre("nothing to read", "written"));
+}
+
+TEST(ChildRunTest, WhatTheChildStartedEndsWithIt) {
+  const TChildOutcome outcome = RunInChild(
+      [](const TTell& tell) {
+        const pid_t grandchild = ::fork();
+        if (grandchild == 0) {
+          for (;;) ::pause();
+        }
+        tell(std::to_string(grandchild));
+      },
+      kLong);
+  ASSERT_EQ(outcome.records.size(), 1U);
+  const pid_t grandchild = std::atoi(outcome.records[0].c_str());
+  // Its new parent buries it when it comes round to it; a dead process may be seen until then.
+  std::string state = "R";
+  for (int i = 0; i < 500 && ::kill(grandchild, 0) == 0 && state != "Z"; ++i) {
+    std::string path = "/proc/" + outcome.records[0] + "/stat";
+    if (FILE* file = std::fopen(path.c_str(), "r")) {
+      char text[256] = {};
+      const std::size_t count = std::fread(text, 1, sizeof text - 1, file);
+      std::fclose(file);
+      const std::string stat(text, count);
+      const std::size_t place = stat.rfind(") ");
+      if (place != std::string::npos) state = stat.substr(place + 2, 1);
+    }
+    ::usleep(1000);
+  }
+  EXPECT_TRUE(::kill(grandchild, 0) != 0 || state == "Z") << state;
+}
+
+TEST(ChildRunTest, AChildThatWritesWithoutEndIsBounded) {
+  const TChildOutcome outcome = RunInChild(
+      [](const TTell& tell) {
+        for (;;) tell(std::string(65'536, 'x'));
+      },
+      milliseconds(300));
+  EXPECT_THAT(outcome.records.size(), testing::Le(17U));
+  EXPECT_EQ(outcome.ending, "did not come back within 300 milliseconds");
+}
+
+}  // namespace
+}  // namespace NZEPQEL20::setup

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+// Provider libraries that trouble whoever loads them or has them make their functions.
+// DIAGS_PROBED says how; it is a word of the list below, and the library's name.
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "platform/cmpi/abi/cmpi.h"
+
+#define DIAGS_EXPORT extern "C" __attribute__((visibility("default")))
+#define DIAGS_IS(word) (std::string(DIAGS_PROBED) == word)
+
+namespace {
+
+[[noreturn]] void Hang() {
+  for (;;) ::pause();
+}
+
+// Runs while the library is loaded.
+const int theLoading = [] {
+  if (DIAGS_IS("loadcrash")) ::raise(SIGSEGV);
+  if (DIAGS_IS("loadexit")) std::exit(3);
+  if (DIAGS_IS("loadhang")) Hang();
+  if (DIAGS_IS("loadleaves") && ::fork() == 0) Hang();
+  return 0;
+}();
+
+CMPIStatus Cleanup(CMPIInstanceMI*, const CMPIContext*, CMPIBoolean) {
+  return {CMPI_RC_OK, nullptr};
+}
+
+const CMPIInstanceMIFT kTable = {CMPIVersion200, CMPIVersion200, "Probed", Cleanup,
+                                 nullptr,        nullptr,        nullptr,  nullptr,
+                                 nullptr,        nullptr,        nullptr,  nullptr};
+CMPIInstanceMI theMI = {nullptr, &kTable};
+
+CMPIInstanceMI* Create() {
+  if (DIAGS_IS("factorycrash")) ::raise(SIGSEGV);
+  if (DIAGS_IS("factoryabort")) std::abort();
+  if (DIAGS_IS("factoryexit")) ::_exit(0);
+  if (DIAGS_IS("factorywrites")) {
+    std::puts("words on standard output");
+    std::fputs("words on standard error\n", stderr);
+    std::fflush(nullptr);
+    // Whatever is open may be written to.
+    for (int file = 3; file < 64; ++file) {
+      if (::write(file, "\x1ER4\x1Fnonsense\x1E", 13) < 0) continue;
+    }
+  }
+  if (theLoading != 0) return nullptr;
+  return &theMI;
+}
+
+}  // namespace
+
+#ifdef DIAGS_MANGLED
+__attribute__((visibility("default"))) CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker*,
+                                                                                const CMPIContext*,
+                                                                                CMPIStatus*);
+CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker*, const CMPIContext*, CMPIStatus*) {
+  return Create();
+}
+#else
+DIAGS_EXPORT CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker*, const CMPIContext*,
+                                                      CMPIStatus*);
+CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker*, const CMPIContext*, CMPIStatus*) {
+  return Create();
+}
+#endif

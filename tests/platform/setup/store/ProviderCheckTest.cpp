@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "tests/platform/setup/store/TStoreTest.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+using ::testing::SizeIs;
+
+constexpr char kGood[] = DIAGS_PROBED_DIR "/libgood.so";
+
+/// A vendor's folder with a good library; the rest is each test's.
+class ProviderCheckTest : public TStoreTest {
+ protected:
+  ProviderCheckTest() { Take(kGood, "lib/libgood.so"); }
+  void Register(const std::string& className, const std::string& types = "instance") const {
+    m_vendor.Write("x.registration", className + " root/x Probed good " + types + "\n");
+  }
+};
+
+TEST_F(ProviderCheckTest, AGoodFolderHasNoFinding) {
+  Register("A_Acme");
+  m_vendor.Write("mof/acme.mof", "class A_Acme : A_Base { };\n");
+  EXPECT_EQ(ShowAll(Check()), "");
+}
+
+TEST_F(ProviderCheckTest, TheBundledProviderHasNoErrors) {
+  const TProviderStore store(std::filesystem::path(DIAGSRUNNER_SCHEMA_DIR).parent_path().string());
+  for (const TProviderFinding& finding : store.Check(store.Read(DIAGS_HARDWARE_DIR))) {
+    EXPECT_TRUE(finding.isWarning) << Show(finding);
+  }
+}
+
+struct TFault {
+  const char* name;
+  const char* registration;
+  const char* mof;
+  const char* finding;
+};
+void PrintTo(const TFault& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class FolderFaultTest : public ProviderCheckTest, public testing::WithParamInterface<TFault> {};
+
+TEST_P(FolderFaultTest, IsOneFindingWithItsRuleAndRemedy) {
+  m_vendor.Write("x.registration", GetParam().registration);
+  m_vendor.Write("mof/acme.mof", GetParam().mof);
+  const auto findings = Check();
+  ASSERT_THAT(findings, SizeIs(1)) << ShowAll(findings);
+  EXPECT_THAT(Show(findings[0]), MatchesRegex(GetParam().finding));
+  EXPECT_FALSE(findings[0].remedy.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Faults, FolderFaultTest,
+    testing::Values(
+        TFault{"Syntax", "A_Base root/x Probed good instance\nhalf a line\n", "",
+               "error R2: .*/x.registration:2: expected at least 5 words.*"},
+        TFault{"Undeclared", "A_Nowhere root/x Probed good instance\n", "",
+               "error R3: .*/x.registration:1: class A_Nowhere is not declared; .*"},
+        TFault{"NoKey", "A_Keyless root/x Probed good instance\n", "",
+               "error R16: .*class A_Keyless has no key, and inherits none; .*"},
+        TFault{"NoInheritedKey", "A_Sub root/x Probed good instance\n",
+               "class A_Sub : A_Keyless { string More; };\n",
+               "error R16: .*class A_Sub has no key.*"},
+        TFault{"Mof", "A_Base root/x Probed good instance\n", "class A_X { string };\n",
+               "error R17: .*/mof/acme.mof:1:.*"},
+        TFault{"NoLibrary", "A_Base root/x Probed good instance\nA_Base root/y P gone instance\n",
+               "", "error R13: .*/x.registration:2: the library .*/libgone.so is not there; .*"},
+        TFault{"Sections",
+               "[A_Base]\nprovider: Probed\nlocation: good\ntype: instance\n"
+               "namespace: root/x\n[A_Base]\nprovider: Q\n",
+               "", "error R11: .*/x.registration:6: class A_Base: has no location; .*"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(ProviderCheckTest, ARegistrationThatRegistersNothingIsAFinding) {
+  m_vendor.Write("x.registration", "# nothing yet\n");
+  EXPECT_THAT(ShowAll(Check()), HasSubstr("error R1: " + m_vendor.GetPath("x.registration") +
+                                          ": registers no class; "));
+}
+
+TEST_F(ProviderCheckTest, AnIndicationNeedsNoKey) {
+  m_vendor.Write("x.registration",
+                 "A_Base root/x Probed good instance\nA_Keyless root/x Probed good indication\n");
+  EXPECT_EQ(ShowAll(Check()), "");
+}
+
+TEST_F(ProviderCheckTest, AMissingSuperclassIsAWarningAndTheKeyIsNotMissed) {
+  Register("A_Orphan");
+  m_vendor.Write("mof/acme.mof", "class A_Orphan : X_Gone { string Name; };\n");
+  const auto findings = Check();
+  EXPECT_THAT(ShowAll(findings),
+              HasSubstr("class A_Orphan: its superclass X_Gone is not declared; add the MOF"));
+  for (const TProviderFinding& finding : findings) {
+    EXPECT_TRUE(finding.isWarning) << Show(finding);
+    EXPECT_EQ(finding.rule, "R3");
+  }
+}
+
+TEST_F(ProviderCheckTest, FaultsOfTheInstallationAreNotTheFolders) {
+  m_root.Write("schema/broken.mof", "class { };\nclass A_Odd : X_Gone { };\n");
+  Register("A_Base");
+  EXPECT_EQ(ShowAll(Check()), "");
+}
+
+TEST_F(ProviderCheckTest, ALibraryThatNothingRefersToIsAWarningAndANeededOneIsNot) {
+  const std::string vendor = DIAGS_VENDOR_DIR;
+  Take(vendor + "/libneedscommon.so", "lib/libneedscommon.so");
+  Take(vendor + "/libvendorCommon.so.0", "deep/libvendorCommon.so.0.1");
+  std::filesystem::create_symlink("libvendorCommon.so.0.1",
+                                  m_vendor.GetPath("deep/libvendorCommon.so.0"));
+  m_vendor.Write("x.registration", "A_Base root/x P needscommon instance\n");
+  const std::string findings = ShowAll(Check());
+  EXPECT_THAT(findings, HasSubstr("/lib/libgood.so: no registration names it"));
+  EXPECT_THAT(findings, testing::Not(HasSubstr("libvendorCommon")));
+  // It loads with its sibling; what it lacks is an entry point.
+  EXPECT_THAT(findings, HasSubstr("(it exports no entry point at all)"));
+}
+
+TEST_F(ProviderCheckTest, AClassThatAnotherFolderServesIsAWarning) {
+  m_root.Write("providers/other/o.registration", "a_base * P l instance\n");
+  m_root.Write("providers/apart/o.registration", "A_Base root/y P l instance\n");
+  Register("A_Base");
+  const auto findings = Check();
+  ASSERT_THAT(findings, SizeIs(1)) << ShowAll(findings);
+  EXPECT_THAT(Show(findings[0]), MatchesRegex("warning R21: class A_Base in root/x is served by "
+                                              ".*/providers/other, too; .*"));
+}
+
+TEST_F(ProviderCheckTest, ErrorsComeFirstAndNothingTwice) {
+  Take(kGood, "libunused.so");
+  m_vendor.Write("x.registration",
+                 "A_Nowhere root/x Probed good instance\nA_Nowhere root/y Probed good instance\n");
+  const auto findings = Check();
+  ASSERT_THAT(findings, SizeIs(2)) << ShowAll(findings);
+  EXPECT_FALSE(findings[0].isWarning);
+  EXPECT_TRUE(findings[1].isWarning);
+}
+
+TEST_F(ProviderCheckTest, AFolderWithoutARegistrationIsRefusedAndAFinding) {
+  EXPECT_THAT(Failure([&] { m_store.Read(m_vendor.GetPath()); }),
+              HasSubstr(": holds no registration; "));
+  TProviderPackage package;
+  package.folder = m_vendor.GetPath();
+  EXPECT_THAT(ShowAll(m_store.Check(package)), HasSubstr("error R1: "));
+}
+
+}  // namespace
+}  // namespace NZEPQEL20::setup
