@@ -44,7 +44,7 @@ void PrintTo(const TBadLibrary& row, std::ostream* out) {
 class BadLibraryTest : public LibraryProbeTest, public testing::WithParamInterface<TBadLibrary> {};
 
 TEST_P(BadLibraryTest, IsOneFindingInOneLine) {
-  const auto findings =
+  auto findings =
       Probe(std::string(GetParam().folder) + "/lib" + GetParam().name + ".so", GetParam().provider);
   // What the libraries export beyond what is registered here is not the point.
   findings.erase(std::remove_if(findings.begin(), findings.end(),
