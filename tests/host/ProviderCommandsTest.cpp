@@ -157,6 +157,12 @@ TEST_F(ProviderCommandsTest, CheckTakesNamesAndPathsInTheirOrder) {
   EXPECT_THAT(m_store.calls, ElementsAre("check zeta", "check acme"));
 }
 
+TEST_F(ProviderCommandsTest, AnInstalledNameComesBeforeAFolderOfThatName) {
+  m_store.installed = {MakePackage(m_source.GetPath())};
+  EXPECT_EQ(Check({m_source.GetPath()}), 0) << "the folder, which cannot be read";
+  EXPECT_THAT(m_store.calls, ElementsAre("check " + m_source.GetPath()));
+}
+
 TEST_F(ProviderCommandsTest, WhatCannotBeReadIsAFindingAndTheOthersAreChecked) {
   m_store.installed = {MakePackage("zeta")};
   const std::string path = m_source.GetPath("acme");

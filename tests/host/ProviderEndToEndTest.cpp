@@ -80,7 +80,9 @@ TEST_P(RegistrationFormTest, IsListedWithWhatItSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, RegistrationFormTest,
-                         ::testing::Values(TFormRow{"Lines", "acme.registration", &kLines}),
+                         ::testing::Values(TFormRow{"Lines", "acme.registration", &kLines},
+                                           TFormRow{"Sections", "acme.reg", &kSections},
+                                           TFormRow{"Modules", "acmeR.mof", &kModules}),
                          [](const auto& row) { return row.param.name; });
 
 class ProviderEndToEndTest : public TProviderFixture {};
@@ -133,7 +135,7 @@ TEST_F(ProviderEndToEndTest, ARootThatCannotBeWrittenIsToldWithWhatHelps) {
   EXPECT_EQ(added.status, 2);
   EXPECT_EQ(added.out, "");
   EXPECT_THAT(added.err, HasSubstr("diagsrun: /sys/providers: cannot be made: "));
-  EXPECT_THAT(added.err, HasSubstr("name another root"));
+  EXPECT_THAT(added.err, HasSubstr("name another "));
   EXPECT_THAT(added.err, ::testing::EndsWith(" (--root DIR)\n"));
 }
 

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -25,6 +26,94 @@ std::string Fill(std::string text, const std::string& words) {
   }
   return text;
 }
+
+struct TCheckRow {
+  const char* word;   // The library is `lib<word>.so`.
+  const char* error;  // What is wrong, "%" standing for its path.
+  bool hasOthers;     // It exports functions of other types than the one that is registered.
+};
+void PrintTo(const TCheckRow& row, std::ostream* out) {
+  *out << row.word;
+}
+
+class CheckedLibraryTest : public TProviderFixture,
+                           public ::testing::WithParamInterface<TCheckRow> {
+ protected:
+  // The lines of the check, each with `start`, without the last one.
+  static std::string GetLines(const std::string& library, const std::string& start) {
+    std::string lines = start + "error: " + Fill(GetParam().error, library) + "\n";
+    if (!GetParam().hasOthers) return lines;
+    for (const char* type : {"Association", "Method"}) {
+      std::string word = type;
+      word[0] = word[0] == 'A' ? 'a' : 'm';
+      lines += start + "warning: " + library + " has Bad_Create_" + type +
+               "MI, and no class is registered for " + word + " of provider Bad; add the type " +
+               word + " to the registration if it is wanted; see rule R18\n";
+    }
+    return lines;
+  }
+  static std::string GetCounts() {
+    return std::string("1 error") + (GetParam().hasOthers ? ", 2 warnings" : "");
+  }
+};
+
+TEST_P(CheckedLibraryTest, IsRefusedWithItsReasonInOneLine) {
+  const std::string vendor = MakeBad(GetParam().word);
+  const std::string library = vendor + "/lib" + GetParam().word + ".so";
+  const TFinished checked = Do({"provider", "check", vendor});
+  EXPECT_EQ(checked.status, 2);
+  EXPECT_EQ(checked.out, GetLines(library, "bad: ") + "bad: " + GetCounts() + "\n");
+  EXPECT_EQ(checked.err, "");
+  const TFinished added = Do({"provider", "add", vendor});
+  EXPECT_EQ(added.status, 2);
+  EXPECT_EQ(added.out, "");
+  EXPECT_EQ(added.err, GetLines(library, "diagsrun: bad: ") + "diagsrun: bad: not installed: " +
+                           GetCounts() + "; --force installs it all the same\n");
+  EXPECT_FALSE(std::filesystem::exists(GetInstalled("bad")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Libraries, CheckedLibraryTest,
+    ::testing::Values(
+        TCheckRow{"notalibrary",
+                  "%: is no library (no ELF header); ship a library for this machine; see rule R14",
+                  false},
+        TCheckRow{"unresolved",
+                  "% cannot be loaded: %: undefined symbol: DiagsSymbolThatNobodyHas; link it with "
+                  "everything that it uses; see rule R5",
+                  false},
+        TCheckRow{"noentry",
+                  "provider Bad in %: its Instance functions have no entry point: neither "
+                  "Bad_Create_InstanceMI nor _Generic_Create_InstanceMI (it exports no entry point "
+                  "at all); export it, or mend the provider's name or types in the registration; "
+                  "see rule R4",
+                  false},
+        TCheckRow{"nulltable",
+                  "provider Bad in %: its Instance functions have no function table; mend the "
+                  "factory, or what it needs; see rule R4",
+                  true},
+        TCheckRow{"factorynull",
+                  "provider Bad in %: its Instance functions were not made; mend the factory, or "
+                  "what it needs; see rule R4",
+                  true},
+        TCheckRow{"factoryrefuses",
+                  "provider Bad in %: its Instance functions were refused: no hardware here; mend "
+                  "the factory, or what it needs; see rule R4",
+                  true},
+        TCheckRow{"factorythrows",
+                  "provider Bad in %: its Instance functions were refused: the provider threw an "
+                  "exception: factory on strike; mend the factory, or what it needs; see rule R4",
+                  true},
+        TCheckRow{"factorycrashes",
+                  "%: making the instance functions of provider Bad ended by signal 11 "
+                  "(Segmentation fault); mend the library; it would end whoever uses it; see rule "
+                  "R7",
+                  true},
+        TCheckRow{"factoryexits",
+                  "%: making the instance functions of provider Bad ended the process with exit "
+                  "status 3; mend the library; it would end whoever uses it; see rule R7",
+                  true}),
+    [](const auto& row) { return std::string(row.param.word); });
 
 struct TFaultRow {
   const char* word;  // The library is `lib<word>.so`.
@@ -122,6 +211,15 @@ INSTANTIATE_TEST_SUITE_P(Libraries, OddLibraryTest,
                                            "releases", "threads", "garbage", "badtext", "late",
                                            "others", "keeps"),
                          [](const auto& row) { return std::string(row.param); });
+
+TEST_F(ProviderFaultsTest, AMissingLibraryIsToldByTheLineThatNamesIt) {
+  const std::string vendor = MakeBad("missing");
+  const TFinished checked = Do({"provider", "check", vendor});
+  EXPECT_EQ(checked.status, 2);
+  EXPECT_EQ(checked.out, "bad: error: " + vendor + "/bad.registration:1: the library " + vendor +
+                             "/libmissing.so is not there; put it into the folder, or mend the "
+                             "registration; see rule R13\nbad: 1 error\n");
+}
 
 TEST_F(ProviderFaultsTest, WordsOfALibraryNeverGetIntoADocument) {
   InstallAcme();
