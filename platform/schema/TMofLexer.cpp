@@ -25,7 +25,22 @@ bool IsContinuation(char c) {
 }
 
 bool IsSymbol(char c) {
-  return std::string_view("{}()[],;:=#").find(c) != std::string_view::npos;
+  switch (c) {
+    case '{':
+    case '}':
+    case '(':
+    case ')':
+    case '[':
+    case ']':
+    case ',':
+    case ';':
+    case ':':
+    case '=':
+    case '#':
+      return true;
+    default:
+      return false;
+  }
 }
 
 bool IsBlank(char c) {
@@ -82,7 +97,7 @@ bool TMofLexer::SkipBlanks(TMofToken& token) {
     } else if (IsBlank(c)) {
       ++m_next;
     } else if (c == '/' && At(1) == '/') {
-      while (!IsEnd() && !IsLineEnd(At())) {
+      while (!IsEnd() && !IsLineEnd(m_text[m_next])) {
         ++m_next;
       }
     } else if (c == '/' && At(1) == '*') {

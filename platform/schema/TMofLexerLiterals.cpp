@@ -18,6 +18,11 @@ bool IsLowSurrogate(unsigned int unit) {
   return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
+/// Where the plain part of a string ends. Half of a schema is in strings.
+bool IsStringStop(char c) {
+  return c == '"' || c == '\\' || c == '\n' || c == '\r';
+}
+
 int GetDigit(char c) {
   if (c >= '0' && c <= '9') {
     return c - '0';
@@ -191,10 +196,11 @@ void TMofLexer::ReadString(TMofToken& token) {
       ReadEscape(token.value, isKnown);
       continue;
     }
-    std::size_t end = m_text.find_first_of("\"\\\r\n", m_next + 1);
-    end = end == std::string_view::npos ? m_text.size() : end;
-    token.value.append(m_text.substr(m_next, end - m_next));
-    m_next = end;
+    const std::size_t start = m_next++;
+    while (!IsEnd() && !IsStringStop(m_text[m_next])) {
+      ++m_next;
+    }
+    token.value.append(m_text.substr(start, m_next - start));
   }
   token.kind = EMofToken::kBad;
   token.value = "string is not closed by '\"' on its line";

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
 
 #include "platform/contract/TCIMInstanceData.h"
@@ -39,16 +40,17 @@ TMofParser::TMofParser(const TMofSource& source, IMofSink& sink, TMofProblems& p
       m_lexer(source.text, source.name, problems) {}
 
 const TMofToken& TMofParser::Peek(std::size_t ahead) {
-  while (m_ahead.size() <= ahead) {
-    m_ahead.push_back(m_lexer.Next());
+  for (; m_aheadCount <= ahead; ++m_aheadCount) {
+    m_ahead[(m_first + m_aheadCount) % m_ahead.size()] = m_lexer.Next();
   }
-  return m_ahead[ahead];
+  return m_ahead[(m_first + ahead) % m_ahead.size()];
 }
 
 TMofToken TMofParser::Take() {
   Peek();
-  TMofToken token = std::move(m_ahead.front());
-  m_ahead.pop_front();
+  TMofToken token = std::move(m_ahead[m_first]);
+  m_first = (m_first + 1) % m_ahead.size();
+  --m_aheadCount;
   ++m_taken;
   return token;
 }
@@ -60,7 +62,8 @@ bool TMofParser::IsSymbol(char symbol, std::size_t ahead) {
 
 bool TMofParser::IsWord(const char* word, std::size_t ahead) {
   const TMofToken& token = Peek(ahead);
-  return token.kind == EMofToken::kIdentifier && IsSameName(std::string(token.text), word);
+  return token.kind == EMofToken::kIdentifier && token.text.size() == std::strlen(word) &&
+         IsSameName(std::string(token.text), word);
 }
 
 bool TMofParser::TakeSymbol(char symbol) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <array>
 #include <cstddef>
-#include <deque>
 #include <string>
 #include <vector>
 
@@ -27,6 +27,7 @@ class TMofParser {
   using TQualifiers = std::vector<TMofQualifier>;
 
   // Tokens.
+  /// The token `ahead` (at most 3) behind the next one.
   const TMofToken& Peek(std::size_t ahead = 0);
   TMofToken Take();
   bool IsSymbol(char symbol, std::size_t ahead = 0);
@@ -82,7 +83,10 @@ class TMofParser {
   IMofSink& m_sink;
   TMofProblems& m_problems;
   TMofLexer m_lexer;
-  std::deque<TMofToken> m_ahead;
+  /// Tokens that were read and not taken yet, in a ring: the next one is at `m_first`.
+  std::array<TMofToken, 4> m_ahead;
+  std::size_t m_first = 0;
+  std::size_t m_aheadCount = 0;
   std::size_t m_taken = 0;  ///< Tokens taken so far, to see whether a step made progress.
   std::size_t m_errorCount = 0;
   TQualifiers m_pending;  ///< Qualifiers that were read before their class was recognised.

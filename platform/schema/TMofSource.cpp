@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -80,6 +81,18 @@ std::string MendUtf8(std::string bytes) {
   std::size_t good = 0;
   std::size_t i = 0;
   while (i < bytes.size()) {
+    // Nearly all is ASCII: eight bytes at a time.
+    std::uint64_t word = 0;
+    while (i + sizeof(word) <= bytes.size()) {
+      std::memcpy(&word, bytes.data() + i, sizeof(word));
+      if ((word & 0x8080808080808080U) != 0) {
+        break;
+      }
+      i += sizeof(word);
+    }
+    if (i == bytes.size()) {
+      break;
+    }
     const std::size_t length = GetSequenceLength(bytes, i);
     if (length == 0) {
       mended.append(bytes, good, i - good);
