@@ -10,7 +10,7 @@
 namespace NZEPQEL20::cmpi {
 
 /// The version that every table of the broker announces.
-constexpr CMPIVersion kBrokerVersion = CMPIVersion200;
+constexpr CMPIVersion kBrokerVersion = CMPIVersion210;
 
 /// A refusal on its way to a provider: a return code and words for it.
 class TBrokerFault : public std::exception {

@@ -2,6 +2,7 @@
 // The function table with which providers make objects, and its services over them.
 #include <ctime>
 
+#include "platform/cmpi/CodePages.h"
 #include "platform/cmpi/Messages.h"
 #include "platform/cmpi/TBrokerArgs.h"
 #include "platform/cmpi/TBrokerArray.h"
@@ -23,6 +24,9 @@
 namespace NZEPQEL20::cmpi {
 
 namespace {
+
+/// Elements of an array: a count that a provider never initialised must not take all memory.
+constexpr CMPICount kMaxArray = 16U * 1024U * 1024U;
 
 CMPIInstance* NewInstance(const CMPIBroker*, const CMPIObjectPath* path, CMPIStatus* rc) noexcept {
   return Answer(rc, [&]() -> CMPIInstance* {
@@ -59,6 +63,10 @@ CMPIArray* NewArray(const CMPIBroker*, CMPICount count, CMPIType type, CMPIStatu
     const ECIMType element = FromCMPIType(type);
     if (element == ECIMType::kNone) {
       throw TBrokerFault(CMPI_RC_ERR_INVALID_DATA_TYPE, "an array needs an element type");
+    }
+    if (count > kMaxArray) {
+      throw TBrokerFault(CMPI_RC_ERR_SERVER_LIMITS_EXCEEDED,
+                         "an array has at most " + std::to_string(kMaxArray) + " elements");
     }
     return Make<TBrokerArray>(element, TCIMValue::TArray(count, TCIMValue::Null(element)));
   });
@@ -282,11 +290,9 @@ CMPIPropertyList* NewPropertyList(const CMPIBroker*, const char** names, CMPISta
   });
 }
 
-CMPIString* NewStringCP(const CMPIBroker*, const char*, const CMPICodepageID,
+CMPIString* NewStringCP(const CMPIBroker*, const char* text, const CMPICodepageID page,
                         CMPIStatus* rc) noexcept {
-  return Answer(rc, []() -> CMPIString* {
-    throw TBrokerFault(CMPI_RC_ERR_NOT_SUPPORTED, "no code page conversion");
-  });
+  return Answer(rc, [&] { return MakeString(FromCodePage(text, page)); });
 }
 
 CMPIEnumerationFilter* NewEnumerationFilter(const CMPIBroker*, const char* language,

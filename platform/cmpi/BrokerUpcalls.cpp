@@ -43,7 +43,7 @@ class TUpcall {
 void Project(TCIMInstanceData& data, const char** properties) {
   if (properties == nullptr) return;
   TInstanceContent content = TInstanceContent::From(data);
-  content.SetFilter(ReadNames(properties));
+  content.SetFilter(ReadNames(properties), nullptr);
   data.properties = std::move(content.properties);
 }
 
@@ -137,6 +137,8 @@ CMPIObjectPath* CreateInstance(const CMPIBroker* mb, const CMPIContext*, const C
   return Answer(rc, [&]() -> CMPIObjectPath* {
     const TUpcall call(mb, path);
     TCIMInstanceData data = *TBrokerInstance::From(instance).GetData();
+    // An instance made without keys gets those of the path beside it.
+    if (data.path.GetKeys().empty()) data.path = call.Target();
     data.path.SetClassName(call.Target().GetClassName());
     return Make<TBrokerPath>(
         TPathContent::From(call.Operations().CreateInstance(call.NameSpace(), data)));
@@ -355,10 +357,10 @@ CMPIEnumeration* ReferencesFiltered(const CMPIBroker* mb, const CMPIContext*,
 }
 
 constexpr unsigned int kCapabilities =
-    CMPI_MB_InstanceManipulation | CMPI_MB_AssociationTraversal | CMPI_MB_QueryExecution |
-    CMPI_MB_QueryNormalization | CMPI_MB_PropertyFiltering | CMPI_MB_OSEncapsulationSupport |
-    CMPI_MB_Supports_MemEnhancements | CMPI_MB_Supports_Extended_Error | CMPI_MB_Logging |
-    CMPI_MB_Tracing;
+    CMPI_MB_BasicQualifierSupport | CMPI_MB_CodepageConversion | CMPI_MB_AssociationTraversal |
+    CMPI_MB_QueryExecution | CMPI_MB_QueryNormalization | CMPI_MB_PropertyFiltering |
+    CMPI_MB_OSEncapsulationSupport | CMPI_MB_Supports_MemEnhancements |
+    CMPI_MB_Supports_Extended_Error | CMPI_MB_Logging | CMPI_MB_Tracing;
 
 }  // namespace
 

@@ -37,8 +37,11 @@ TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::st
   const std::string& nameSpace = path.GetNamespaceName();
   const std::string what = "InvokeMethod " + method + " of " + path.GetPath();
   const auto declaration = providers.FindClass(path.GetClassName());
-  const TNamedValues in = ConvertParameters(
-      parameters, declaration == nullptr ? nullptr : declaration->FindMethod(method), what);
+  const TCIMMethodDeclaration* declared =
+      declaration == nullptr ? nullptr : declaration->FindMethod(method);
+  const TNamedValues in = ConvertParameters(parameters, declared, what);
+  // Providers compare names letter by letter.
+  const std::string& name = declared == nullptr ? method : declared->name;
   TKeyMap results;
   const auto ask = [&](const TParts::TService& service) {
     CMPIMethodMI& mi = service.provider->GetMethodMI(providers.GetBroker());
@@ -49,7 +52,7 @@ TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::st
         service, what, nameSpace, TBrokerResult::EKind::kData, [&](auto* ctx, auto* result) {
           return mi.ft->invokeMethod == nullptr
                      ? NoSuchFunction()
-                     : mi.ft->invokeMethod(&mi, ctx, result, target.Get(), method.c_str(),
+                     : mi.ft->invokeMethod(&mi, ctx, result, target.Get(), name.c_str(),
                                            inArgs.Get(), outArgs.Get());
         });
     for (const TCIMPropertyData& out : outArgs.Get()->GetValues()) results[out.name] = out.value;

@@ -80,7 +80,8 @@ CMPIStatus SetPropertyFilter(const CMPIInstance* self, const char** properties,
     // Callers of the first interface name the keys here, because they know of no others.
     std::vector<std::string> names = ReadNames(properties);
     for (std::string& key : ReadNames(keys)) names.push_back(std::move(key));
-    content.SetFilter(std::move(names));
+    const THostLease host(nullptr);
+    content.SetFilter(std::move(names), host.Get());
   });
 }
 

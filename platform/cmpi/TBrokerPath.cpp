@@ -2,6 +2,7 @@
 #include "platform/cmpi/TBrokerPath.h"
 
 #include "platform/cmpi/TBrokerString.h"
+#include "platform/cmpi/THostLease.h"
 #include "platform/cmpi/Values.h"
 
 namespace NZEPQEL20::cmpi {
@@ -44,6 +45,9 @@ CMPIStatus AddKey(const CMPIObjectPath* self, const char* name, const CMPIValue*
     if (given.IsArray() || given.GetType() == ECIMType::kInstance ||
         given.GetType() == ECIMType::kNone) {
       throw TBrokerFault(CMPI_RC_ERR_INVALID_DATA_TYPE, "no type for a key: " + key);
+    }
+    if (given.IsNull()) {
+      throw TBrokerFault(CMPI_RC_ERR_INVALID_PARAMETER, "a key without a value: " + key);
     }
     SetNamed(content.keys, key, given);
   });
@@ -100,25 +104,69 @@ CMPIStatus SetHostAndNameSpaceFrom(const CMPIObjectPath* self,
   });
 }
 
-CMPIData RefuseQualifier(const CMPIObjectPath* self, CMPIStatus* rc) noexcept {
-  return Answer(rc, [&]() -> CMPIData {
-    TBrokerPath::From(self);
-    throw TBrokerFault(CMPI_RC_ERR_NOT_SUPPORTED, "no access to qualifiers");
+using TDeclaration = std::shared_ptr<const TCIMClassDeclaration>;
+
+/// The declared class of a path.
+/// Errors: TBrokerFault (CMPI_RC_ERR_INVALID_CLASS) for one that is not known.
+TDeclaration RequireClass(const CMPIObjectPath* self) {
+  const std::string& className = TBrokerPath::From(self).GetContent().className;
+  const THostLease host(nullptr);
+  TDeclaration declaration = host.Require().FindClass(className);
+  if (declaration == nullptr) {
+    throw TBrokerFault(CMPI_RC_ERR_INVALID_CLASS, "no class " + className);
+  }
+  return declaration;
+}
+
+/// The element called `name` of a class or a method.
+/// Errors: TBrokerFault with `code` when there is none.
+template <class TElement>
+const TElement& RequireElement(const std::vector<TElement>& elements, const char* name,
+                               CMPIrc code) {
+  const std::string wanted = RequireName(name, "element name");
+  for (const TElement& element : elements) {
+    if (IsSameName(element.name, wanted)) return element;
+  }
+  throw TBrokerFault(code, "nothing is called " + wanted);
+}
+
+CMPIData QualifierOf(const std::vector<TCIMQualifier>& qualifiers, const char* name) {
+  return ToCMPI(RequireElement(qualifiers, name, CMPI_RC_ERR_NOT_FOUND).value);
+}
+
+CMPIData GetClassQualifier(const CMPIObjectPath* self, const char* name, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] { return QualifierOf(RequireClass(self)->qualifiers, name); });
+}
+
+CMPIData GetPropertyQualifier(const CMPIObjectPath* self, const char* property, const char* name,
+                              CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TDeclaration declaration = RequireClass(self);
+    const auto& element =
+        RequireElement(declaration->properties, property, CMPI_RC_ERR_NO_SUCH_PROPERTY);
+    return QualifierOf(element.qualifiers, name);
   });
 }
 
-CMPIData GetClassQualifier(const CMPIObjectPath* self, const char*, CMPIStatus* rc) noexcept {
-  return RefuseQualifier(self, rc);
+CMPIData GetMethodQualifier(const CMPIObjectPath* self, const char* method, const char* name,
+                            CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TDeclaration declaration = RequireClass(self);
+    const auto& element =
+        RequireElement(declaration->methods, method, CMPI_RC_ERR_METHOD_NOT_FOUND);
+    return QualifierOf(element.qualifiers, name);
+  });
 }
 
-CMPIData GetPropertyQualifier(const CMPIObjectPath* self, const char*, const char*,
-                              CMPIStatus* rc) noexcept {
-  return RefuseQualifier(self, rc);
-}
-
-CMPIData GetParameterQualifier(const CMPIObjectPath* self, const char*, const char*, const char*,
-                               CMPIStatus* rc) noexcept {
-  return RefuseQualifier(self, rc);
+CMPIData GetParameterQualifier(const CMPIObjectPath* self, const char* method,
+                               const char* parameter, const char* name, CMPIStatus* rc) noexcept {
+  return Answer(rc, [&] {
+    const TDeclaration declaration = RequireClass(self);
+    const auto& owner = RequireElement(declaration->methods, method, CMPI_RC_ERR_METHOD_NOT_FOUND);
+    const auto& element =
+        RequireElement(owner.parameters, parameter, CMPI_RC_ERR_INVALID_PARAMETER);
+    return QualifierOf(element.qualifiers, name);
+  });
 }
 
 CMPIString* ToString(const CMPIObjectPath* self, CMPIStatus* rc) noexcept {
@@ -144,7 +192,7 @@ const CMPIObjectPathFT TBrokerPath::kTable = {kBrokerVersion,
                                               SetHostAndNameSpaceFrom,
                                               GetClassQualifier,
                                               GetPropertyQualifier,
-                                              GetPropertyQualifier,
+                                              GetMethodQualifier,
                                               GetParameterQualifier,
                                               ToString};
 

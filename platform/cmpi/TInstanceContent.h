@@ -17,16 +17,18 @@ struct TInstanceContent {
   TNamedValues properties;
   bool isFiltered = false;
   std::vector<std::string> accepted;  ///< Properties that the filter lets pass.
+  bool acceptsReferences = false;     ///< They may be the keys of a class that is not known.
 
   static TInstanceContent From(const TCIMInstanceData& data);
 
   /// Sets a property unless the filter drops it; a key of the path follows.
   void SetProperty(const std::string& name, const TCIMValue& value);
-  void SetFilter(std::vector<std::string> names);
-  bool Accepts(const std::string& name) const;
+  /// Drops all but the named properties and what may be a key. `host` may be null.
+  void SetFilter(std::vector<std::string> names, const IBrokerHost* host);
+  bool Accepts(const std::string& name, const TCIMValue& value) const;
 
-  /// The path with its keys: those it was given; otherwise the class's keys; for a class that is
-  /// not known, every reference. `host` may be null.
+  /// The path with its keys: those it was given, and the class's; without either, every
+  /// reference. `host` may be null.
   TPathContent GetPath(const IBrokerHost* host) const;
 
   /// Moves the content out.

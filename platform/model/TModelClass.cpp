@@ -3,9 +3,11 @@
 
 #include <boost/make_shared.hpp>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "platform/contract/TCIMInstanceData.h"
+#include "platform/contract/TQELException.h"
 #include "platform/model/TModelInstance.h"
 
 namespace NZEPQEL20 {
@@ -55,9 +57,26 @@ void TModelClass::EnumerateInstances(
     if (other) other->EnumerateInstances(callback, deep, {});
     return;
   }
+  std::optional<TQELException> failed;
+  bool hasSucceeded = false;
+  bool isInCallback = false;
+  const auto marked = [&](const boost::shared_ptr<ICIMInstance>& instance) {
+    isInCallback = true;
+    const bool wantsMore = callback(instance);
+    isInCallback = false;
+    return wantsMore;
+  };
   for (const std::string& nameSpace : m_nameSpaces) {
-    if (!EnumerateIn(nameSpace, callback, deep != 0)) return;
+    try {
+      if (!EnumerateIn(nameSpace, marked, deep != 0)) return;
+      hasSucceeded = true;
+    } catch (const TQELException& failure) {
+      // One namespace that fails costs nothing of the others; what the caller throws is its own.
+      if (isInCallback) throw;
+      if (!failed) failed = failure;
+    }
   }
+  if (failed && !hasSucceeded) throw TQELException(*failed);
 }
 
 }  // namespace NZEPQEL20

@@ -36,6 +36,43 @@ TEST_F(UpcallNamespaceTest, EnumeratesTheInstancesOfAClassWhereItLies) {
   EXPECT_EQ(seen, std::vector<std::string>{"root/other:T_Far.ID=\"f\""});
 }
 
+TEST_F(UpcallNamespaceTest, ANamespaceThatFailsCostsNothingOfTheOthers) {
+  m_operations->AddClass("root/cimv2", *m_operations->GetClass("root/other", "T_Far"));
+  const auto count = [this] {
+    int seen = 0;
+    m_upcall->FindClass("T_Far", {})
+        ->EnumerateInstances(
+            [&seen](const boost::shared_ptr<ICIMInstance>&) {
+              ++seen;
+              return true;
+            },
+            1, {});
+    return seen;
+  };
+  const TQELException broken(TQELStatusCode::kCIMError, "provider crashed", 1);
+  m_operations->Fail("EnumerateInstances", "root/cimv2", broken);
+  EXPECT_EQ(count(), 1);
+  m_operations->Fail("EnumerateInstances", "root/other", broken);
+  EXPECT_NE(WhatIsThrownBy(count).find("provider crashed"), std::string::npos);
+}
+
+TEST_F(UpcallNamespaceTest, WhatTheCallerThrowsIsItsOwn) {
+  m_operations->AddClass("root/cimv2", *m_operations->GetClass("root/other", "T_Far"));
+  m_operations->AddInstance("root/cimv2", MakeInstance("T_Far", "f"));
+  int seen = 0;
+  const std::string thrown = WhatIsThrownBy([&] {
+    m_upcall->FindClass("T_Far", {})
+        ->EnumerateInstances(
+            [&seen](const boost::shared_ptr<ICIMInstance>&) -> bool {
+              ++seen;
+              throw TQELException(TQELStatusCode::kFailed, "enough");
+            },
+            1, {});
+  });
+  EXPECT_EQ(thrown, "enough");
+  EXPECT_EQ(seen, 1);
+}
+
 TEST_F(UpcallNamespaceTest, LooksInThePathsOwnNamespaceFirst) {
   m_operations->AddInstance("root/cimv2", MakeInstance("T_Far", "f"));
   const TCIMReference far("root/other", "T_Far", {{"ID", "f"}});

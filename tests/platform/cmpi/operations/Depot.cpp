@@ -277,6 +277,12 @@ CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext*, const CMPIR
 }
 
 std::string stored;  // What was last set, as one text.
+std::string home;    // What the factory of the properties was told.
+
+std::string EntryOf(const CMPIContext* context, const char* name) {
+  const CMPIData entry = context->ft->getEntry(context, name, nullptr);
+  return entry.type == CMPI_string ? TextOf(entry.value.string) : "(none)";
+}
 
 CMPIStatus SetProperty(CMPIPropertyMI* mi, const CMPIContext*, const CMPIResult*,
                        const CMPIObjectPath* path, const char* name, const CMPIData value) {
@@ -289,13 +295,15 @@ CMPIStatus SetProperty(CMPIPropertyMI* mi, const CMPIContext*, const CMPIResult*
   return {CMPI_RC_OK, nullptr};
 }
 
-CMPIStatus GetProperty(CMPIPropertyMI* mi, const CMPIContext*, const CMPIResult* result,
+CMPIStatus GetProperty(CMPIPropertyMI* mi, const CMPIContext* context, const CMPIResult* result,
                        const CMPIObjectPath* path, const char* name) {
   const CMPIStatus status = Check(mi, 'p');
   if (status.rc != CMPI_RC_OK) return status;
   if (std::strcmp(name, "Number") == 0) return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
   if (std::strcmp(name, "Locked") == 0) return Fail(CMPI_RC_ERR_ACCESS_DENIED, "locked away");
-  const std::string text = std::strcmp(name, "Stored") == 0 ? stored : IdOf(path) + '!' + name;
+  std::string text = std::strcmp(name, "Stored") == 0 ? stored : IdOf(path) + '!' + name;
+  if (std::strcmp(name, "Home") == 0) text = home;
+  if (std::strcmp(name, "Told") == 0) text = EntryOf(context, "sfcbProviderParameters");
   return result->ft->returnData(result, Chars(text), CMPI_chars);
 }
 
@@ -467,9 +475,11 @@ DEPOT_EXPORT CMPIMethodMI* _Generic_Create_MethodMI(const CMPIBroker* mb, const 
   return new CMPIMethodMI{traits->text.c_str(), AtTheEdge(table, sizeof table)};
 }
 
-DEPOT_EXPORT CMPIPropertyMI* _Generic_Create_PropertyMI(const CMPIBroker* mb, const CMPIContext*,
+DEPOT_EXPORT CMPIPropertyMI* _Generic_Create_PropertyMI(const CMPIBroker* mb,
+                                                        const CMPIContext* context,
                                                         const char* name, CMPIStatus*) {
   broker = mb;
+  home = EntryOf(context, CMPIInitNameSpace) + ' ' + EntryOf(context, "sfcbProviderParameters");
   static std::vector<TTraits*> kept;
   const auto* traits = kept.emplace_back(new TTraits(name + std::strlen("Depot_")));
   const CMPIPropertyMIFT table{CMPIVersion100,

@@ -144,5 +144,22 @@ TEST_F(DepotUpcallsTest, QueriesAndFiltersAreAnsweredOverAnyProvider) {
   EXPECT_EQ(StatusOf([&] { ask("query", "SELECT * FROM D_Box", "XQL"); }), 14U);
 }
 
+TEST_F(DerivedInstancesTest, TheParametersOfARegistrationReachItsProvider) {
+  OpenFile("depot.reg",
+           "[D_Shelf]\n  provider: Depot_engm\n  location: depot\n  type: instance method\n"
+           "  namespace: root/cimv2\n"
+           "[D_Box]\n  provider: Depot_engp\n  location: depot\n  type: instance property\n"
+           "  parameters: depth=3 loud\n  namespace: root/boxes\n");
+  const auto ask = [&](const char* property) {
+    return Ask({{"What", TCIMValue("property")},
+                {"Class", TCIMValue("D_Box")},
+                {"Id", TCIMValue("B1")},
+                {"Place", TCIMValue("root/boxes")},
+                {"Property", TCIMValue(property)}});
+  };
+  EXPECT_EQ(ask("Told"), "depth=3 loud");
+  EXPECT_EQ(ask("Home"), "root/boxes depth=3 loud") << "so does the factory";
+}
+
 }  // namespace
 }  // namespace NZEPQEL20

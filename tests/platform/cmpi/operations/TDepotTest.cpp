@@ -35,22 +35,26 @@ TDepotTest::~TDepotTest() {
 }
 
 void TDepotTest::Open(const std::vector<std::string>& lines) {
-  std::string pattern = testing::TempDir() + "depot-XXXXXX";
-  ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-  m_folder = pattern;
-  std::filesystem::create_symlink(WORKSHOP_DIR "/libdepot.so", m_folder + "/libdepot.so");
-  std::ofstream file(m_folder + "/depot.registration");
+  std::string content;
   for (const std::string& line : lines) {
     // The library's name belongs behind the third word.
     std::size_t at = 0;
     for (int word = 0; word < 3; ++word) at = line.find(' ', at) + 1;
-    file << line.substr(0, at) << "depot " << line.substr(at) << '\n';
+    content += line.substr(0, at) + "depot " + line.substr(at) + '\n';
   }
-  file.close();
+  OpenFile("depot.registration", content);
+}
+
+void TDepotTest::OpenFile(const std::string& name, const std::string& content) {
+  std::string pattern = testing::TempDir() + "depot-XXXXXX";
+  ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+  m_folder = pattern;
+  std::filesystem::create_symlink(WORKSHOP_DIR "/libdepot.so", m_folder + "/libdepot.so");
+  std::ofstream(m_folder + '/' + name) << content;
   auto classes = std::make_shared<TClassRepository>();
   ASSERT_TRUE(classes->Load(WORKSHOP_DIR "/depot.mof").empty());
   TRegistrations registrations;
-  registrations.Load(m_folder + "/depot.registration");
+  registrations.Load(m_folder + '/' + name);
   m_operations = std::make_unique<TCMPIOperations>(classes, registrations);
   m_operations->OpenLibraries();
   ASSERT_EQ(m_operations->GetProblems(), std::vector<std::string>());

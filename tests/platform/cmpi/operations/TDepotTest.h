@@ -21,6 +21,8 @@ class TDepotTest : public testing::Test {
 
   /// Registers `lines`, each "Class Namespace Provider types..."; to be called once, first.
   void Open(const std::vector<std::string>& lines);
+  /// The same with a registration file of one's own.
+  void OpenFile(const std::string& name, const std::string& content);
   /// Boxes, crates and shelves by one provider with all functions, and `line`.
   void OpenWith(const std::string& line);
 
