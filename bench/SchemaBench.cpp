@@ -83,7 +83,7 @@ BENCHMARK(BM_CachedAgainstRead)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     // The reference is what takes the time.
-    ->Iterations(5);
+    ->Iterations(3);
 
 // The start and the first look at a class, against the start.
 void BM_CachedWithOneClassAgainstCached(benchmark::State& state) {

@@ -76,13 +76,19 @@ void TSchemaSources::AddFile(const std::string& path, const TFileStamp& stamp,
   if (Begin(TSchemaSource::EKind::kFile, path)) {
     m_sources.back().stamp = stamp;
     m_sources.back().hash = HashBytes(bytes);
+    m_files.emplace(stamp.device, stamp.inode);
     m_size += bytes.size();
   }
 }
 
 void TSchemaSources::AddSameFile(const std::string& path) {
+  if (!Begin(TSchemaSource::EKind::kSameFile, path)) {
+    return;
+  }
   int error = 0;
-  if (Begin(TSchemaSource::EKind::kSameFile, path) && !m_sources.back().stamp.Read(path, error)) {
+  TFileStamp& stamp = m_sources.back().stamp;
+  // It may lead elsewhere since it was found to be the same.
+  if (!stamp.Read(path, error) || m_files.count({stamp.device, stamp.inode}) == 0) {
     Spoil();
   }
 }

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "platform/schema/TFileStamp.h"
@@ -68,6 +70,7 @@ class TSchemaSources {
 
   std::vector<TSchemaSource> m_sources;
   std::unordered_set<std::string> m_seen;
+  std::set<std::pair<std::uint64_t, std::uint64_t>> m_files;  ///< Device and inode.
   std::size_t m_size = 0;
   bool m_isWhole = true;
 };

@@ -25,12 +25,13 @@ namespace fs = std::filesystem;
 }
 
 // What a folder holds, by name; a folder that is not there holds nothing.
-std::vector<fs::path> ReadFolder(const fs::path& folder, std::vector<std::string>& problems) {
-  std::vector<fs::path> found;
+std::vector<fs::directory_entry> ReadFolder(const fs::path& folder,
+                                            std::vector<std::string>& problems) {
+  std::vector<fs::directory_entry> found;
   std::error_code error;
   fs::directory_iterator entries(folder, error);
   while (!error && entries != fs::directory_iterator()) {
-    found.push_back(entries->path());
+    found.push_back(*entries);
     entries.increment(error);
   }
   if (error && error != std::errc::no_such_file_or_directory) {
@@ -58,11 +59,13 @@ class TSchemaTree {
     const fs::path place = fs::canonical(folder, error);
     if (depth > kMaxDepth || (!error && !m_seen.insert(place.string()).second)) return;
     std::vector<fs::path> folders;
-    for (const fs::path& entry : ReadFolder(folder, m_problems)) {
-      if (fs::is_directory(entry, error)) {
+    for (const fs::directory_entry& entry : ReadFolder(folder, m_problems)) {
+      // What archives and version control put beside the files.
+      if (entry.path().filename().string().front() == '.') continue;
+      if (entry.is_directory(error)) {
         folders.push_back(entry);
       } else if (IsMof(entry)) {
-        m_files.push_back(entry.string());
+        m_files.push_back(entry.path().string());
       }
     }
     for (const fs::path& inner : folders) Take(inner, depth + 1);

@@ -42,6 +42,8 @@ TEST(InstalledFilesTest, AWholeSchemaMayLieInFoldersOfItsOwn) {
   const std::string master = root.Write("schema/cim_2.41/cim.MOF", "");
   const std::string device = root.Write("schema/cim_2.41/Device/CIM_B.mof", "");
   root.Write("schema/cim_2.41/Device/notes.txt", "");
+  root.Write("schema/cim_2.41/Device/._CIM_B.mof", "");
+  root.Write("schema/.old/CIM_C.mof", "");
   const std::string own = root.Write("schema/vendor.mof", "");
   const std::string other = root.Write("schema/a/x.mof", "");
   EXPECT_THAT(FindInstalledFiles(root.GetPath()).schema,
