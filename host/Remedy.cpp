@@ -17,7 +17,7 @@ constexpr char kMendRegistration[] =
 constexpr char kMendFactory[] = "; mend the factory, or what it needs";
 
 // The first phrase that is found counts.
-constexpr std::array<TRemedy, 27> kRemedies{{
+constexpr std::array<TRemedy, 28> kRemedies{{
     {"; give the file of its certificate authority", " (--ca FILE, or --insecure)"},
     {"; it was not issued by an authority in ", " (--ca FILE, or --insecure)"},
     {", or ask for insecure mode", " (--insecure)"},
@@ -47,6 +47,7 @@ constexpr std::array<TRemedy, 27> kRemedies{{
     {": the provider threw an exception", "; its vendor is to catch it; see rule R7"},
     {".so): CIM_ERR_NOT_SUPPORTED", "; fill the function in, or mend the types; see rule R6"},
     {" failed in provider ", "; its vendor is to look into it"},
+    {"; see rule R17", "; mend the MOF"},
 }};
 
 bool Holds(const std::string& text, const char* part) {

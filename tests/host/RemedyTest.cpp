@@ -129,6 +129,11 @@ INSTANTIATE_TEST_SUITE_P(
         TRuleRow{"NoTable", "have no function table", "mend the factory, or what it needs"}),
     [](const auto& row) { return row.param.name; });
 
+TEST(MofRemedyTest, AFaultInAMofFileIsToBeMendedThere) {
+  EXPECT_EQ(AddRemedy("/r/providers/acme/a.mof:35:25: expected ';'; see rule R17"),
+            "/r/providers/acme/a.mof:35:25: expected ';'; mend the MOF; see rule R17");
+}
+
 TEST(NoRemedyTest, ATextThatNoOptionHelpsStaysAsItIs) {
   for (const char* text : {"", "http://h: HTTP 500", "h: the connection was lost"}) {
     EXPECT_EQ(AddRemedy(text), text);
