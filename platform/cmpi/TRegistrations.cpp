@@ -17,29 +17,26 @@ namespace {
 
 enum class EForm { kNone, kLines, kSections, kMof };
 
-/// Whether `text` holds an instance of one of the classes that register providers.
+/// Whether an instance declaration stands where `text` has "_" at `place`: "of PG_Provider".
+bool IsProviderInstance(const std::string& text, std::size_t place) {
+  constexpr char kBefore[] = "PG";
+  constexpr char kBehind[] = "_Provider";
+  constexpr std::size_t kLength = sizeof kBefore - 1;
+  if (place < kLength || !IsSameName(text.substr(place - kLength, kLength), kBefore)) return false;
+  if (!IsSameName(text.substr(place, sizeof kBehind - 1), kBehind)) return false;
+  if (place == kLength) return false;
+  const std::size_t end = text.find_last_not_of(" \t\r\n\f", place - kLength - 1);
+  return end != std::string::npos && end > 0 && end + 1 < place - kLength &&
+         IsSameName(text.substr(end - 1, 2), "of");
+}
+
+/// Whether `text` holds an instance of one of the classes that register providers. A vendor's
+/// folder may hold a schema of megabytes, which is looked through at every start.
 bool DeclaresProviders(const std::string& text) {
-  // Searched by hand: a schema of megabytes is looked through at every start.
-  constexpr char kClass[] = "PG_Provider";
-  const auto isSame = [](char left, char right) {
-    return left == right || (left >= 'a' && left <= 'z' && left - 'a' + 'A' == right) ||
-           (left >= 'A' && left <= 'Z' && left - 'A' + 'a' == right);
-  };
-  auto at = text.begin();
-  for (;;) {
-    at = std::search(at, text.end(), kClass, kClass + sizeof kClass - 1, isSame);
-    if (at == text.end()) return false;
-    // "of" and blanks, or a comment, stand before the name in an instance.
-    auto before = at;
-    while (before != text.begin() &&
-           (before[-1] == ' ' || before[-1] == '\t' || before[-1] == '\n' || before[-1] == '\r')) {
-      --before;
-    }
-    const bool isInstance = before != at && before - text.begin() >= 2 && isSame(before[-1], 'f') &&
-                            isSame(before[-2], 'o');
-    if (isInstance) return true;
-    ++at;
+  for (std::size_t at = text.find('_'); at != std::string::npos; at = text.find('_', at + 1)) {
+    if (IsProviderInstance(text, at)) return true;
   }
+  return false;
 }
 
 /// What the first line that is no comment looks like.

@@ -21,18 +21,11 @@ bool IsOfFolder(const TMofError& error, const std::string& folder) {
   return file.compare(0, folder.size() + 1, folder + '/') == 0;
 }
 
-/// A superclass that nobody declares costs what would be inherited, and no more.
-bool IsAboutSuperclass(const TMofError& error) {
-  return error.text.compare(0, 11, "superclass ") == 0;
-}
-
 void Take(const std::vector<TMofError>& errors, const std::string& folder,
           std::vector<TProviderFinding>& findings) {
   for (const TMofError& error : errors) {
     if (error.isWarning || !IsOfFolder(error, folder)) continue;
-    const bool isMild = IsAboutSuperclass(error);
-    findings.push_back({isMild, isMild ? "R3" : "R17", error.ToString(),
-                        isMild ? "add the MOF file that declares it" : "mend the MOF"});
+    findings.push_back({false, kMofRule, error.ToString(), "mend the MOF"});
   }
 }
 

@@ -20,6 +20,9 @@ struct TPackageClasses {
 /// Loads the schema of the installation `root` and the MOF of the folder.
 TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPackage& package);
 
+/// The rule for provider authors that an error in a MOF file is about.
+inline constexpr char kMofRule[] = "R17";
+
 /// What is wrong with the classes that are registered: not declared, a superclass missing, no key.
 std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
                                            const TRegistrations& registrations);

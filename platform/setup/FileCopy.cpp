@@ -16,10 +16,14 @@ namespace {
 
 constexpr std::size_t kPiece = 65536;
 
+constexpr char kCannotBeRead[] = "cannot be read";
+
 [[noreturn]] void Refuse(const std::string& file, const std::string& what, int error) {
   const bool isDenied = error == EACCES || error == EPERM || error == EROFS;
+  const std::string reason =
+      what == kCannotBeRead ? std::generic_category().message(error) : DescribeWriteFault(error);
   throw TQELException(isDenied ? TQELStatusCode::kAccessDenied : TQELStatusCode::kFailed,
-                      file + ": " + what + ": " + DescribeWriteFault(error));
+                      file + ": " + what + ": " + reason);
 }
 
 /// An open file.
@@ -40,7 +44,7 @@ class TFile {
     for (;;) {
       const ssize_t count = ::read(m_number, bytes, size);
       if (count >= 0) return static_cast<std::size_t>(count);
-      if (errno != EINTR) Refuse(m_name, "cannot be read", errno);
+      if (errno != EINTR) Refuse(m_name, kCannotBeRead, errno);
     }
   }
 
@@ -77,9 +81,10 @@ std::string DescribeWriteFault(int error) {
   switch (error) {
     case EACCES:
     case EPERM:
-      return reason + "; run the command as the owner of the file or folder";
+      return reason +
+             "; run the command as the owner of the installation root, or name another root";
     case EROFS:
-      return reason + "; the installation root is read-only, name another one or remount it";
+      return reason + "; the installation root is read-only, name another root or remount it";
     case ENOSPC:
     case EDQUOT:
     case EFBIG:
@@ -91,9 +96,9 @@ std::string DescribeWriteFault(int error) {
 
 void CopyFile(const std::string& from, const std::string& to) {
   // Without waiting: a pipe without a writer would hold us up before we see that it is one.
-  const TFile source(from, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0, "cannot be read");
+  const TFile source(from, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0, kCannotBeRead);
   struct stat status = {};
-  if (::fstat(source.GetNumber(), &status) != 0) Refuse(from, "cannot be read", errno);
+  if (::fstat(source.GetNumber(), &status) != 0) Refuse(from, kCannotBeRead, errno);
   if (!S_ISREG(status.st_mode)) {
     throw TQELException(TQELStatusCode::kFailed,
                         from + ": is not a regular file; take it out of the folder; see rule R20");

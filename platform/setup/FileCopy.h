@@ -5,7 +5,7 @@
 
 namespace NZEPQEL20::setup {
 
-/// The system's reason for a failure at a place that is to be written, with what would help.
+/// The system's reason for a failure to write below the installation root, with what would help.
 std::string DescribeWriteFault(int error);
 
 /// Copies a regular file to a new one and has it on the disk. Whoever may read it may read the

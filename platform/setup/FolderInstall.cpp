@@ -102,11 +102,6 @@ class THiddenFolder {
   std::string m_path;
 };
 
-bool IsBelow(const fs::path& path, const fs::path& folder) {
-  const auto [end, at] = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
-  return end == folder.end() && at != path.end();
-}
-
 /// Copies files of one folder into another.
 class TFolderCopy {
  public:
@@ -127,7 +122,7 @@ class TFolderCopy {
     std::error_code error;
     const fs::path real = fs::canonical(file, error);
     if (error) Refuse(file + ": cannot be copied: " + error.message(), error.value());
-    if (!IsBelow(real, m_real)) {
+    if (!IsBelow(real.string(), m_real.string())) {
       Refuse(file + ": is a link to " + real.string() + ", outside the folder " + m_from.string() +
              "; put the file itself into the folder; see rule R20");
     }
@@ -191,6 +186,11 @@ void Exchange(const std::string& fresh, const std::string& target) {
 }
 
 }  // namespace
+
+bool IsBelow(const std::string& path, const std::string& folder) {
+  const std::string start = folder == "/" ? folder : folder + '/';
+  return path.size() > start.size() && path.compare(0, start.size(), start) == 0;
+}
 
 std::string FindNameFault(const std::string& name) {
   if (name.empty()) return "is empty";

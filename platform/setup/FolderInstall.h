@@ -18,6 +18,9 @@ void InstallFolder(const std::string& folder, const std::vector<std::string>& fi
 /// Errors: TQELException naming the folder and the reason.
 void RemoveFolder(const std::string& providers, const std::string& name);
 
+/// Whether `path` is that of something in `folder`; both plain, without "." and "..".
+bool IsBelow(const std::string& path, const std::string& folder);
+
 /// Why `name` cannot be a vendor's folder; empty when it can.
 std::string FindNameFault(const std::string& name);
 

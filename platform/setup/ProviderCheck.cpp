@@ -10,6 +10,7 @@
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/setup/ClassCheck.h"
 #include "platform/setup/LibraryProbe.h"
+#include "platform/setup/PackageFiles.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -111,6 +112,7 @@ std::vector<TProviderFinding> CheckProvider(const std::string& root,
   for (const std::string& problem : ListVendorFiles(package.folder).problems) {
     findings.push_back({true, "R1", problem, "keep the folder small and readable"});
   }
+  Append(findings, FindFileFaults(package));
   const TRegistrations registrations = ReadRegistrations(package);
   Append(findings, CheckRegistrations(package, registrations));
   TPackageClasses loaded = LoadPackageClasses(root, package);

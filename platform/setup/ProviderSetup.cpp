@@ -9,6 +9,8 @@
 #include "platform/cmpi/VendorFiles.h"
 #include "platform/contract/ILogger.h"
 #include "platform/contract/TRootObject.h"
+#include "platform/setup/ClassCheck.h"
+#include "platform/setup/FolderInstall.h"
 #include "platform/setup/InstalledFiles.h"
 #include "platform/setup/SchemaCachePlace.h"
 
@@ -20,11 +22,19 @@ void Log(ILogger::EQELLogSeverity severity, const std::string& text) {
   if (logger != nullptr) logger->Log(severity, text);
 }
 
-// A warning names nothing that is missing, so only the log has it.
-void TakeErrors(const std::vector<TMofError>& errors, std::vector<std::string>& problems) {
+// A warning names nothing that is missing, so only the log has it. An error in a vendor's file says
+// which rule for vendors it is about.
+void TakeErrors(const std::vector<TMofError>& errors, const std::string& root,
+                std::vector<std::string>& problems) {
   for (const TMofError& error : errors) {
-    Log(error.isWarning ? ILogger::kWarning : ILogger::kError, error.ToString());
-    if (!error.isWarning) problems.push_back(error.ToString());
+    const std::string text = error.ToString();
+    if (error.isWarning) {
+      Log(ILogger::kWarning, text);
+      continue;
+    }
+    const bool isVendors = IsBelow(error.file, root + "/providers");
+    problems.push_back(text + (isVendors ? std::string("; see rule ") + kMofRule : ""));
+    Log(ILogger::kError, problems.back());
   }
 }
 
@@ -41,7 +51,7 @@ std::shared_ptr<const TClassRepository> LoadClasses(const TInstalledFiles& files
   inputs.files.insert(inputs.files.end(), files.providerSchema.begin(), files.providerSchema.end());
   const TLoadedSchema schema = LoadSchema(inputs, ChooseSchemaCache(root));
   for (const std::string& note : schema.notes) Log(ILogger::kTrace, note);
-  TakeErrors(schema.problems, problems);
+  TakeErrors(schema.problems, root, problems);
   return schema.classes;
 }
 

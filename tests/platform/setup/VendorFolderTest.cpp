@@ -108,9 +108,11 @@ TEST_F(VendorFolderTest, EveryProblemIsOneLineThatCitesARule) {
   m_root.Write("providers/c/c.mof",
                "instance of PG_ProviderCapabilities { ClassName = \"A_Base\"; "
                "ProviderName = \"P\"; };\n");
+  m_root.Write("providers/d/d.mof", "class D_X { string };\n");
   const TProviderSetup setup = Open();
-  const std::vector<std::string> problems = setup.operations->GetProblems();
-  EXPECT_EQ(problems.size(), 5U);
+  std::vector<std::string> problems = setup.operations->GetProblems();
+  problems.insert(problems.end(), setup.problems.begin(), setup.problems.end());
+  EXPECT_EQ(problems.size(), 6U) << testing::PrintToString(problems);
   for (const std::string& problem : problems) {
     EXPECT_THAT(problem, HasSubstr("; see rule R"));
     EXPECT_EQ(problem.find('\n'), std::string::npos) << problem;

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/setup/PackageFiles.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <iterator>
+#include <set>
+#include <system_error>
+
+#include "platform/cmpi/TRegistrations.h"
+#include "platform/cmpi/VendorFiles.h"
+#include "platform/contract/TQELException.h"
+#include "platform/setup/FolderInstall.h"
+#include "platform/setup/LibraryProbe.h"
+#include "platform/setup/ProviderCheck.h"
+#include "platform/setup/VendorSchema.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uintmax_t kMaxOther = std::uintmax_t{64} << 20U;
+constexpr char kRule[] = "R20";
+
+TProviderService MakeService(const TRegistration& entry) {
+  TProviderService service = {entry.className, entry.nameSpace, entry.providerName, "", {}};
+  if (entry.hasLibrary) service.library = entry.library;
+  if (entry.isInstance) service.types.emplace_back("instance");
+  if (entry.isAssociation) service.types.emplace_back("association");
+  if (entry.isMethod) service.types.emplace_back("method");
+  if (entry.isProperty) service.types.emplace_back("property");
+  if (entry.isIndication) service.types.emplace_back("indication");
+  return service;
+}
+
+bool IsAmong(const std::vector<std::string>& files, const std::string& file) {
+  return std::find(files.begin(), files.end(), file) != files.end();
+}
+
+/// Registrations are those files that prove to be some; MOF that declares classes, too, is both.
+void Sort(const TRegistrations& registrations, TProviderPackage& package) {
+  package.registrations = registrations.GetFiles();
+  const std::vector<std::string>& pure = registrations.GetPureFiles();
+  const auto isPure = [&pure](const std::string& file) { return IsAmong(pure, file); };
+  std::vector<std::string>& schema = package.schema;
+  schema.erase(std::remove_if(schema.begin(), schema.end(), isPure), schema.end());
+  for (const TRegistration& entry : registrations.GetEntries()) {
+    package.services.push_back(MakeService(entry));
+  }
+}
+
+/// What the package's MOF files include.
+std::vector<std::string> FindIncluded(const TProviderPackage& package) {
+  std::vector<std::string> files = package.schema;
+  std::copy_if(package.registrations.begin(), package.registrations.end(),
+               std::back_inserter(files), IsMofName);
+  return FindAllIncludes(files);
+}
+
+std::set<std::string> GetFiles(const TProviderPackage& package) {
+  std::set<std::string> files;
+  for (const auto* some :
+       {&package.libraries, &package.schema, &package.registrations, &package.others}) {
+    files.insert(some->begin(), some->end());
+  }
+  return files;
+}
+
+/// Takes those of `files` that the package does not have yet.
+void AddOthers(const std::vector<std::string>& files, TProviderPackage& package) {
+  std::set<std::string> known = GetFiles(package);
+  std::copy_if(files.begin(), files.end(), std::back_inserter(package.others),
+               [&known](const std::string& file) { return known.insert(file).second; });
+}
+
+/// Why `file` cannot be copied out of `folder` (canonical); no text when it can.
+TProviderFinding FindFault(const std::string& file, const std::string& folder) {
+  std::error_code error;
+  const fs::path real = fs::canonical(file, error);
+  if (error) {
+    return {false, kRule, file + ": cannot be copied: " + error.message(),
+            "mend the link, or take it out of the folder"};
+  }
+  if (!IsBelow(real.string(), folder)) {
+    return {false, kRule,
+            file + ": is a link to " + real.string() + ", outside the folder " + folder,
+            "put the file itself into the folder"};
+  }
+  if (!fs::is_regular_file(real, error)) {
+    return {false, kRule, file + ": is not a regular file", "take it out of the folder"};
+  }
+  return {};
+}
+
+}  // namespace
+
+std::vector<TProviderFinding> FindFileFaults(const TProviderPackage& package) {
+  std::vector<TProviderFinding> faults;
+  std::error_code error;
+  const fs::path real = fs::canonical(package.folder, error);
+  const std::string folder = error ? package.folder : real.string();
+  for (const std::string& file : GetFiles(package)) {
+    TProviderFinding fault = FindFault(file, folder);
+    if (!fault.text.empty()) faults.push_back(std::move(fault));
+  }
+  for (const std::string& file : package.others) {
+    const std::uintmax_t size = fs::file_size(file, error);
+    if (error || size <= kMaxOther) continue;
+    faults.push_back({false, kRule, file + ": is larger than 64 MiB, and no library",
+                      "take it out of the folder"});
+  }
+  for (const std::string& file : FindIncluded(package)) {
+    if (IsBelow(file, package.folder)) continue;
+    faults.push_back({false, kRule,
+                      file + ": is included, and lies outside the folder " + package.folder,
+                      "put it into the folder"});
+  }
+  return faults;
+}
+
+std::vector<std::string> CollectFiles(const TProviderPackage& package) {
+  const std::vector<TProviderFinding> faults = FindFileFaults(package);
+  if (!faults.empty()) {
+    const TProviderFinding& first = faults.front();
+    throw TQELException(TQELStatusCode::kFailed,
+                        first.text + "; " + first.remedy + "; see rule " + first.rule);
+  }
+  std::set<std::string> files = GetFiles(package);
+  for (std::string& file : FindIncluded(package)) files.insert(std::move(file));
+  return {files.begin(), files.end()};
+}
+
+TProviderPackage ReadFolder(const std::string& folder) {
+  TProviderPackage package;
+  package.folder = folder;
+  package.name = fs::path(folder).filename().string();
+  const std::vector<std::string> files = ListVendorFiles(package.folder).files;
+  std::copy_if(files.begin(), files.end(), std::back_inserter(package.libraries), IsLibraryName);
+  std::copy_if(files.begin(), files.end(), std::back_inserter(package.schema), IsMofName);
+  TRegistrations registrations;
+  registrations.LoadFolder(package.folder, files);
+  Sort(registrations, package);
+  AddOthers(files, package);
+  return package;
+}
+
+TProviderPackage ReadFile(const std::string& file) {
+  const fs::path folder = fs::path(file).parent_path();
+  TProviderPackage package;
+  package.folder = folder.string();
+  package.name = folder.filename().string();
+  for (const std::string& other : ListVendorFiles(package.folder).files) {
+    if (IsLibraryName(other)) package.libraries.push_back(other);
+    if (IsMofName(other) && fs::path(other).parent_path() == folder) {
+      package.schema.push_back(other);
+    }
+  }
+  package.registrations = {file};
+  const TRegistrations registrations = ReadRegistrations(package);
+  // Registrations in MOF that lie beside are not asked for.
+  TRegistrations beside;
+  beside.LoadFolder(package.folder, package.schema);
+  Sort(beside, package);
+  package.services.clear();
+  Sort(registrations, package);
+  package.libraries = FindUsed(package.libraries, registrations);
+  AddOthers(FindIncluded(package), package);
+  return package;
+}
+
+}  // namespace NZEPQEL20::setup
