@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <new>
 
@@ -39,6 +40,8 @@ class TBrokerObjectOf : public TBrokerObject, public TCMPI {
   static TDerived* FromOrNull(const TCMPI* object) {
     return object == nullptr ? nullptr : &From(object);
   }
+
+  static void* operator new(std::size_t size) { return ::operator new(size); }
 
   /// An ended object leaves a shell for a while, which every function refuses: a provider that
   /// kept the pointer beyond the object's life meets that, and not what came in its place.
