@@ -50,6 +50,15 @@ std::string GetLastPart(const std::string& path) {
   return last.find_first_not_of('.') == std::string::npos ? path : last;
 }
 
+// `text` as a shell takes it for one word.
+std::string QuoteWord(const std::string& text) {
+  constexpr char kPlain[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._+-";
+  if (text.find_first_not_of(kPlain) == std::string::npos) return text;
+  std::string quoted = "'";
+  for (const char letter : text) quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
+  return quoted + "'";
+}
+
 // One command about providers at work.
 class TProviderCommand {
  public:
@@ -155,7 +164,7 @@ EExitStatus TProviderCommand::Check() {
 
 // The command that shows the tests of what is installed where this command has put it.
 std::string TProviderCommand::DescribeList() const {
-  return m_root.empty() ? "`diagsrun list`" : "`diagsrun --root " + m_root + " list`";
+  return m_root.empty() ? "`diagsrun list`" : "`diagsrun --root " + QuoteWord(m_root) + " list`";
 }
 
 EExitStatus TProviderCommand::Refuse(const TCheckedProvider& provider) {

@@ -206,6 +206,13 @@ TEST_F(ProviderCommandsTest, AddTakesANameAndPointsToTheRootThatWasNamed) {
   EXPECT_THAT(m_store.calls, ElementsAre("check disk", "add disk"));
 }
 
+TEST_F(ProviderCommandsTest, TheRootIsPointedToAsAShellTakesIt) {
+  OfferAcme();
+  m_options.root = "/it's my/root";
+  EXPECT_EQ(Add(), 0);
+  EXPECT_THAT(m_out.str(), ::testing::HasSubstr("`diagsrun --root '/it'\\''s my/root' list`"));
+}
+
 TEST_F(ProviderCommandsTest, AddRefusesAFolderWithErrors) {
   OfferAcme();
   m_store.findings["acme"] = {kError, kWarning};
