@@ -103,7 +103,10 @@ class TProbe {
     if (!Load(library, entries.front()->folder)) return;
     std::set<std::string> names;
     for (const TRegistration* entry : entries) names.insert(entry->providerName);
-    for (const std::string& name : names) ProbeProvider(library, name, entries);
+    // Who waited once would wait again and again.
+    for (const std::string& name : names) {
+      if (!ProbeProvider(library, name, entries)) break;
+    }
     CheckUnregistered(library, entries, elf);
   }
 
@@ -119,8 +122,9 @@ class TProbe {
     return m_findings.size() == before;
   }
 
-  /// Does `work` in a child; what it tells, or how it ended instead, are findings.
-  void Follow(const std::string& what, const std::function<void(const TTell&)>& work) {
+  /// Does `work` in a child; what it tells, or how it ended instead, are findings. False when it
+  /// did not come back.
+  bool Follow(const std::string& what, const std::function<void(const TTell&)>& work) {
     const auto quiet = [&work](const TTell& tell) {
       TRootObject::SetCoreLogger(nullptr);
       work(tell);
@@ -130,23 +134,27 @@ class TProbe {
       TProviderFinding finding;
       if (Unpack(record, finding)) m_findings.push_back(std::move(finding));
     }
-    if (outcome.ending.empty()) return;
+    if (outcome.ending.empty()) return true;
     const bool isLate = outcome.ending.compare(0, 3, "did") == 0;
     Fail(isLate ? "R19" : "R7", what + " " + outcome.ending,
          isLate ? "do what takes time in the functions, not before"
                 : "mend the library; it would end whoever uses it");
+    return !isLate;
   }
 
-  void ProbeProvider(const std::string& library, const std::string& name, const TEntries& entries) {
+  /// False when there is no use in going on with the library.
+  bool ProbeProvider(const std::string& library, const std::string& name, const TEntries& entries) {
     for (const TKind& kind : kKinds) {
       const bool isRegistered =
           std::any_of(entries.begin(), entries.end(), [&](const TRegistration* entry) {
             return entry->providerName == name && entry->*kind.mark;
           });
       if (!isRegistered || kind.make == nullptr) continue;
-      Follow(library + ": making the " + kind.word + " functions of provider " + name,
-             [&](const TTell& tell) { Make(library, name, kind, tell); });
+      const std::string what = library + ": making the " + kind.word + " functions of provider ";
+      const auto make = [&](const TTell& tell) { Make(library, name, kind, tell); };
+      if (!Follow(what + name, make)) return false;
     }
+    return true;
   }
 
   /// In the child: has the provider make its functions, and end them.

@@ -103,6 +103,14 @@ TEST_F(LibraryProbeTest, AHangIsAFindingOfItsOwnRule) {
                                     "milliseconds; .*"));
 }
 
+TEST_F(LibraryProbeTest, AfterAHangTheRestOfTheLibraryIsNotWaitedFor) {
+  const auto findings = Probe(std::string(DIAGS_PROBED_DIR) + "/libfactoryhang.so", "Probed",
+                              "instance method", std::chrono::milliseconds(200));
+  ASSERT_THAT(findings, SizeIs(1));
+  EXPECT_THAT(Show(findings[0]), HasSubstr("making the instance functions of provider Probed did "
+                                           "not come back within 200 milliseconds"));
+}
+
 TEST_F(LibraryProbeTest, AProcessThatIsLeftBehindHoldsNobodyUp) {
   EXPECT_EQ(ShowAll(Probe(std::string(DIAGS_PROBED_DIR) + "/libloadleaves.so", "Probed")), "");
 }

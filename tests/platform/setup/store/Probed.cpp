@@ -39,6 +39,7 @@ CMPIInstanceMI theMI = {nullptr, &kTable};
 
 CMPIInstanceMI* Create() {
   if (DIAGS_IS("factorycrash")) ::raise(SIGSEGV);
+  if (DIAGS_IS("factoryhang")) Hang();
   if (DIAGS_IS("factoryabort")) std::abort();
   if (DIAGS_IS("factoryexit")) ::_exit(0);
   if (DIAGS_IS("factorywrites")) {
