@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // The form of OpenPegasus: instances of PG_ProviderModule, PG_Provider, PG_ProviderCapabilities.
 #include <algorithm>
-#include <cstdint>
+#include <iterator>
 #include <map>
 #include <utility>
 
-#include "platform/cmpi/PegasusClasses.h"
 #include "platform/cmpi/TRegistrationTaker.h"
 #include "platform/contract/TQELException.h"
 #include "platform/schema/TClassRepository.h"
@@ -15,6 +14,45 @@ namespace NZEPQEL20 {
 namespace {
 
 constexpr char kRule[] = "R12";
+
+/// What registrations of any version have; only a few of these count here.
+constexpr const char* kKnownProperties[] = {"Name",
+                                            "Vendor",
+                                            "Version",
+                                            "InterfaceType",
+                                            "InterfaceVersion",
+                                            "Location",
+                                            "UserContext",
+                                            "DesignatedUserContext",
+                                            "ModuleGroupName",
+                                            "Bitness",
+                                            "ShareAS",
+                                            "OperationalStatus",
+                                            "OtherStatusDescription",
+                                            "StatusDescriptions",
+                                            "Status",
+                                            "HealthState",
+                                            "InstallDate",
+                                            "EnabledState",
+                                            "ProviderModuleName",
+                                            "ProviderName",
+                                            "CapabilityID",
+                                            "ClassName",
+                                            "Namespaces",
+                                            "ProviderType",
+                                            "SupportedProperties",
+                                            "SupportedMethods",
+                                            "IndicationTypes",
+                                            "SequenceIdentifierLifetime",
+                                            "Caption",
+                                            "Description",
+                                            "ElementName",
+                                            "InstanceID"};
+
+bool IsKnownProperty(const TCIMPropertyData& property) {
+  return std::any_of(std::begin(kKnownProperties), std::end(kKnownProperties),
+                     [&](const char* known) { return IsSameName(property.name, known); });
+}
 
 std::string GetText(const TCIMInstanceData& instance, const char* name) {
   const TCIMPropertyData* property = instance.Find(name);
@@ -42,6 +80,7 @@ class TPegasusReader {
   void Read(const std::vector<TCIMInstanceData>& instances) {
     for (const TCIMInstanceData& instance : instances) {
       const std::string& className = instance.path.GetClassName();
+      WarnOfUnknown(instance);
       if (IsSameName(className, "PG_ProviderModule")) {
         m_modules[GetText(instance, "Name")] = &instance;
       } else if (IsSameName(className, "PG_Provider")) {
@@ -59,6 +98,17 @@ class TPegasusReader {
   }
 
  private:
+  void WarnOfUnknown(const TCIMInstanceData& instance) {
+    const std::string& className = instance.path.GetClassName();
+    if (!IsSameName(className.substr(0, 11), "PG_Provider")) return;
+    for (const TCIMPropertyData& property : instance.properties) {
+      if (IsKnownProperty(property)) continue;
+      m_taker.Warn(
+          m_file + ": " + className + " has no property " + property.name + " that is heeded here",
+          "mend its name, if it is meant to be another", kRule);
+    }
+  }
+
   void Take(const TCIMInstanceData& capabilities) {
     TRegistration entry;
     entry.className = GetText(capabilities, "ClassName");
@@ -159,8 +209,8 @@ class TPegasusReader {
 std::vector<std::string> ReadRegistrationMof(const std::vector<std::string>& files,
                                              TRegistrationTaker& taker) {
   if (files.empty()) return {};
+  // The classes are the server's, and not declared: whatever its version, its properties are taken.
   TClassRepository classes;
-  classes.LoadText(kPegasusClasses, "PG_Provider.mof");
   std::vector<std::string> mixed;
   const auto report = [&](const std::vector<TMofError>& errors) {
     for (const TMofError& error : errors) {

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <set>
 
-#include "platform/cmpi/PegasusClasses.h"
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/setup/InstalledFiles.h"
 #include "platform/setup/VendorSchema.h"
@@ -55,7 +54,6 @@ TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPacka
   classes->AddSearchPath(root + "/schema");
   classes->AddSearchPath(package.folder);
   for (const std::string& file : FindInstalledFiles(root).schema) classes->Load(file);
-  classes->LoadText(kPegasusClasses, "PG_Provider.mof");
   for (const std::string& file : OrderByIncludes(package.schema)) {
     Take(classes->Load(file), package.folder, loaded.findings);
   }

@@ -4,9 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/cmpi/PegasusClasses.h"
 #include "platform/cmpi/TRegistrations.h"
-#include "platform/cmpi/VendorFiles.h"
 #include "platform/contract/ILogger.h"
 #include "platform/contract/TRootObject.h"
 #include "platform/setup/ClassCheck.h"
@@ -39,15 +37,13 @@ void TakeErrors(const std::vector<TMofError>& errors, const std::string& root,
 }
 
 std::shared_ptr<const TClassRepository> LoadClasses(const TInstalledFiles& files,
-                                                    const std::string& root, bool hasPegasus,
+                                                    const std::string& root,
                                                     std::vector<std::string>& problems) {
   TSchemaInputs inputs;
   inputs.folders = {root + "/schema"};
   inputs.folders.insert(inputs.folders.end(), files.providerFolders.begin(),
                         files.providerFolders.end());
   inputs.files = files.schema;
-  // A vendor's classes and registrations may be in one file, or include each other.
-  if (hasPegasus) inputs.texts.push_back({"PG_Provider.mof", kPegasusClasses, inputs.files.size()});
   inputs.files.insert(inputs.files.end(), files.providerSchema.begin(), files.providerSchema.end());
   const TLoadedSchema schema = LoadSchema(inputs, ChooseSchemaCache(root));
   for (const std::string& note : schema.notes) Log(ILogger::kTrace, note);
@@ -83,9 +79,7 @@ TProviderSetup OpenProviders(const std::string& root, const std::string& nameSpa
   TRegistrations registrations = LoadRegistrations(files, root);
   for (const std::string& problem : files.problems) Log(ILogger::kError, problem);
   setup.problems = files.problems;
-  const std::vector<std::string>& read = registrations.GetFiles();
-  const bool hasPegasus = std::any_of(read.begin(), read.end(), IsMofName);
-  setup.classes = LoadClasses(files, root, hasPegasus, setup.problems);
+  setup.classes = LoadClasses(files, root, setup.problems);
   setup.operations =
       std::make_shared<TCMPIOperations>(setup.classes, std::move(registrations), nameSpace);
   setup.operations->OpenLibraries();

@@ -146,11 +146,15 @@ TEST(RegistrationMofTest, ASyntaxErrorHasItsPlaceAndTheOtherInstancesCount) {
   EXPECT_EQ(ShowAll(read), "A root/x P libacme.so I");
 }
 
-TEST(RegistrationMofTest, APropertyThatTheClassesDoNotHaveIsAnErrorOfTheSchema) {
-  const auto read = Read(std::string(kModule) + kProvider + Capabilities("2") +
-                         "instance of PG_Provider { ProviderModuleName = \"M\"; Nome = \"Q\"; };");
-  ASSERT_THAT(read.GetProblems(), SizeIs(1)) << ShowFindings(read);
-  EXPECT_THAT(read.GetProblems()[0], HasSubstr("no property Nome"));
+TEST(RegistrationMofTest, PropertiesOfOtherVersionsAreTakenAndUnknownOnesWarnedOf) {
+  const auto read = Read(std::string(kProvider) + Capabilities("2") + R"(
+      instance of PG_ProviderModule { Name = "M"; InterfaceType = "CMPI"; Location = "acme";
+        UserContext = 2; OperationalStatus = {2}; Colour = "red"; };)");
+  EXPECT_THAT(read.GetProblems(), IsEmpty());
+  EXPECT_EQ(ShowAll(read), "A root/x P libacme.so I");
+  EXPECT_THAT(ShowFindings(read), HasSubstr("warning: "));
+  EXPECT_THAT(ShowFindings(read), HasSubstr("acmeR.mof: PG_ProviderModule has no property Colour"));
+  EXPECT_EQ(read.GetFindings().size(), 1U);
 }
 
 }  // namespace
