@@ -17,7 +17,7 @@ constexpr char kMendRegistration[] =
 constexpr char kMendFactory[] = "; mend the factory, or what it needs";
 
 // The first phrase that is found counts.
-constexpr std::array<TRemedy, 28> kRemedies{{
+constexpr std::array<TRemedy, 27> kRemedies{{
     {"; give the file of its certificate authority", " (--ca FILE, or --insecure)"},
     {"; it was not issued by an authority in ", " (--ca FILE, or --insecure)"},
     {", or ask for insecure mode", " (--insecure)"},
@@ -36,9 +36,7 @@ constexpr std::array<TRemedy, 28> kRemedies{{
     {"; the server does not support this request", "; is this a CIM server?"},
     {"; no CIM server is at this path", "; is this a CIM server?"},
     {"the server does not speak TLS on this port", " (--server http://...)"},
-    {"; run the command as the owner of the file or folder",
-     ", or name another installation root (--root DIR)"},
-    {"; the installation root is read-only, name another one", " (--root DIR)"},
+    {"name another root", " (--root DIR)"},
     {"; remove it first, or replace it", " (--replace)"},
     {" functions have no entry point", kMendRegistration},
     {" functions were refused", kMendFactory},

@@ -55,21 +55,27 @@ bool IsSameService(const TProviderService& left, const TProviderService& right) 
           cmpi::IsSameNamespace(left.nameSpace, right.nameSpace));
 }
 
+/// One finding for each other folder, however many classes both serve: it may be another version of
+/// the same.
 TFindings CheckOthers(const TProviderPackage& package,
                       const std::vector<TProviderPackage>& installed) {
   TFindings findings;
   for (const TProviderPackage& other : installed) {
     if (other.name == package.name || other.folder == package.folder) continue;
-    for (const TProviderService& service : package.services) {
-      const bool isTwice = std::any_of(
+    const auto isTwice = [&other](const TProviderService& service) {
+      return std::any_of(
           other.services.begin(), other.services.end(),
           [&](const TProviderService& served) { return IsSameService(service, served); });
-      if (!isTwice) continue;
-      findings.push_back({true, "R21",
-                          "class " + service.className + " in " + service.nameSpace +
-                              " is served by " + other.folder + ", too",
-                          "remove one of the two"});
-    }
+    };
+    const auto& services = package.services;
+    const auto first = std::find_if(services.begin(), services.end(), isTwice);
+    if (first == services.end()) continue;
+    const auto more = std::count_if(first + 1, services.end(), isTwice);
+    const std::string others = more == 0 ? " is" : " and " + std::to_string(more) + " more are";
+    findings.push_back({true, "R21",
+                        "class " + first->className + " in " + first->nameSpace + others +
+                            " served by " + other.folder + ", too",
+                        "remove one of the two"});
   }
   return findings;
 }

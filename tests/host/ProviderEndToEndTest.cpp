@@ -135,7 +135,7 @@ TEST_F(ProviderEndToEndTest, ARootThatCannotBeWrittenIsToldWithWhatHelps) {
   EXPECT_EQ(added.status, 2);
   EXPECT_EQ(added.out, "");
   EXPECT_THAT(added.err, HasSubstr("diagsrun: /sys/providers: cannot be made: "));
-  EXPECT_THAT(added.err, HasSubstr("name another "));
+  EXPECT_THAT(added.err, HasSubstr("name another root"));
   EXPECT_THAT(added.err, ::testing::EndsWith(" (--root DIR)\n"));
 }
 

@@ -78,11 +78,11 @@ INSTANTIATE_TEST_SUITE_P(
                  " (--server http://...)"},
         TFailure{"NotWritable",
                  "/r/providers: cannot be made: Permission denied; run the command as the owner of "
-                 "the file or folder",
-                 ", or name another installation root (--root DIR)"},
+                 "the installation root, or name another root",
+                 " (--root DIR)"},
         TFailure{"ReadOnly",
                  "/r/providers: cannot be made: Read-only file system; the installation root is "
-                 "read-only, name another one or remount it",
+                 "read-only, name another root or remount it",
                  " (--root DIR)"},
         TFailure{"TakenName", "/r/providers/acme: is there already; remove it first, or replace it",
                  " (--replace)"},

@@ -133,6 +133,19 @@ TEST_F(ProviderCheckTest, AClassThatAnotherFolderServesIsAWarning) {
                                               ".*/providers/other, too; .*"));
 }
 
+TEST_F(ProviderCheckTest, AFolderThatServesTheSameClassesIsOneWarning) {
+  const std::string lines =
+      "A_Base root/x Probed good instance\nA_Acme root/x Probed good instance\n";
+  m_root.Write("providers/other/o.registration", lines);
+  m_vendor.Write("x.registration", lines);
+  m_vendor.Write("mof/acme.mof", "class A_Acme : A_Base { };\n");
+  const auto findings = Check();
+  ASSERT_THAT(findings, SizeIs(1)) << ShowAll(findings);
+  EXPECT_THAT(Show(findings[0]),
+              MatchesRegex("warning R21: class A_Base in root/x and 1 more are served by "
+                           ".*/providers/other, too; .*"));
+}
+
 TEST_F(ProviderCheckTest, ErrorsComeFirstAndNothingTwice) {
   Take(kGood, "libunused.so");
   m_vendor.Write("x.registration",
