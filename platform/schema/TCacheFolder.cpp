@@ -59,7 +59,7 @@ std::string MakeTemporaryName(const std::string& name) {
 
 /// Removes what writers that were killed have left behind, a day ago or longer.
 void RemoveLeftovers(const std::string& path, int folder, const std::string& name) {
-  constexpr time_t kDay = 24 * 60 * 60;
+  constexpr time_t kDay = 86'400;
   const time_t now = time(nullptr);
   const std::string start = GetTemporaryStart(name);
   std::error_code error;
