@@ -213,7 +213,8 @@ void TWalk::DropStrangers(TGroup& group, std::vector<TResult>& results, const TP
     // Nothing shows that the provider is wrong.
     return;
   }
-  Keep(results, [&](const TResult& result) { return IsEvident(links, pathOf(result)); });
+  const TEvidence evidence = Weigh(links);
+  Keep(results, [&](const TResult& result) { return Supports(evidence, pathOf(result)); });
 }
 
 TWalk::TNames TWalk::AskAssociatorNames(TGroup& group) {

@@ -23,9 +23,10 @@ using TFilter = ICIMOperations::TAssociationFilter;
 /// One upcall: the host, and the object that it is about.
 class TUpcall {
  public:
-  TUpcall(const CMPIBroker* mb, const CMPIObjectPath* path) : m_lease(mb) {
+  TUpcall(const CMPIBroker* mb, const CMPIObjectPath* path, bool isMethod = false) : m_lease(mb) {
     TPathContent content = TBrokerPath::From(path).GetContent();
-    content.nameSpace = m_lease.Require().FindNamespace(content.nameSpace, content.className);
+    content.nameSpace = isMethod ? Host().FindMethodNamespace(content.nameSpace, content.className)
+                                 : Host().FindNamespace(content.nameSpace, content.className);
     m_target = content.ToReference();
   }
 
@@ -236,7 +237,7 @@ CMPIData InvokeMethod(const CMPIBroker* mb, const CMPIContext*, const CMPIObject
                       const char* method, const CMPIArgs* in, CMPIArgs* out,
                       CMPIStatus* rc) noexcept {
   return Answer(rc, [&] {
-    const TUpcall call(mb, target);
+    const TUpcall call(mb, target, true);
     TKeyMap parameters;
     if (in != nullptr) {
       for (const TCIMPropertyData& argument : TBrokerArgs::From(in).GetValues()) {

@@ -24,6 +24,10 @@ class IBrokerHost {
   virtual std::string FindNamespace(const std::string& nameSpace,
                                     const std::string& className) const = 0;
 
+  /// The same for its methods: where they are served, else as FindNamespace().
+  virtual std::string FindMethodNamespace(const std::string& nameSpace,
+                                          const std::string& className) const = 0;
+
   /// Null for a class that is not known.
   virtual std::shared_ptr<const TCIMClassDeclaration> FindClass(
       const std::string& className) const = 0;

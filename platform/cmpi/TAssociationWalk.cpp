@@ -253,18 +253,34 @@ std::vector<const TWalk::TEnd*> TWalk::FarEnds(const TLink& link) const {
   return found;
 }
 
-bool TWalk::IsEvident(const std::vector<TLink>& links, const TCIMReference& object) const {
-  bool isMentioned = false;
+TWalk::TEvidence TWalk::Weigh(const std::vector<TLink>& links) const {
+  TEvidence evidence;
+  const std::string& here = m_from.GetNamespaceName();
   for (const TLink& link : links) {
     for (const TEnd& end : link.ends) {
-      isMentioned = isMentioned || IsSameObject(m_providers, end.object, object);
+      evidence.mentionedTexts.insert(GetIdentity(end.object, here));
+      evidence.mentioned.push_back(&end.object);
     }
     for (const TEnd* end : FarEnds(link)) {
-      if (IsSameObject(m_providers, end->object, object)) return true;
+      evidence.associatedTexts.insert(GetIdentity(end->object, here));
+      evidence.associated.push_back(&end->object);
     }
   }
+  return evidence;
+}
+
+bool TWalk::Supports(const TEvidence& evidence, const TCIMReference& object) const {
+  // Most paths are spelled alike; only for the others all have to be compared.
+  const std::string text = GetIdentity(object, m_from.GetNamespaceName());
+  if (evidence.associatedTexts.count(text) != 0) return true;
+  if (evidence.mentionedTexts.count(text) != 0) return false;
+  const auto isAmong = [&](const std::vector<const TCIMReference*>& paths) {
+    return std::any_of(paths.begin(), paths.end(), [&](const TCIMReference* path) {
+      return IsSameObject(m_providers, *path, object);
+    });
+  };
   // Providers whose references do not cover all that they associate are not rare.
-  return !isMentioned;
+  return isAmong(evidence.associated) || !isAmong(evidence.mentioned);
 }
 
 }  // namespace NZEPQEL20

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -50,6 +49,13 @@ class TCMPIOperations::TParts::TAssociationWalk {
     std::string className;
     std::vector<TEnd> ends;
   };
+  /// What links say about objects; valid as long as the links.
+  struct TEvidence {
+    std::set<std::string> mentionedTexts;
+    std::set<std::string> associatedTexts;
+    std::vector<const TCIMReference*> mentioned;
+    std::vector<const TCIMReference*> associated;  ///< Those that the filter lets pass.
+  };
   using TInstances = std::vector<TCIMInstanceData>;
   using TNames = std::vector<TCIMReference>;
 
@@ -87,7 +93,8 @@ class TCMPIOperations::TParts::TAssociationWalk {
   bool PassesReference(const TLink& link, const TFilter& filter) const;
   bool PlaysRole(const TLink& link, const std::string& role) const;
   std::vector<const TEnd*> FarEnds(const TLink& link) const;
-  bool IsEvident(const std::vector<TLink>& links, const TCIMReference& object) const;
+  TEvidence Weigh(const std::vector<TLink>& links) const;
+  bool Supports(const TEvidence& evidence, const TCIMReference& object) const;
   template <class TResult, class TPathOf>
   void DropStrangers(TGroup& group, std::vector<TResult>& results, const TPathOf& pathOf);
   bool IsNew(const TCIMReference& path);

@@ -148,20 +148,36 @@ TProviders::TServices TProviders::FindAllElsewhere(const std::string& nameSpace,
   return found;
 }
 
-std::string TProviders::FindNamespace(const std::string& nameSpace,
-                                      const std::string& className) const {
+std::optional<std::string> TProviders::FindPlace(const std::string& nameSpace,
+                                                 const std::string& className,
+                                                 const TIsAsked& isAsked) const {
   const TService* elsewhere = nullptr;
   for (const TService& service : m_services) {
     const TRegistration& registration = *service.registration;
-    const bool isServed =
-        IsA(registration.className, className) || IsA(className, registration.className);
+    const bool isServed = isAsked(registration) && (IsA(registration.className, className) ||
+                                                    IsA(className, registration.className));
     if (!isServed) continue;
     if (registration.nameSpace == "*") return nameSpace;
     // Providers compare namespaces letter by letter.
     if (IsSameNamespace(registration.nameSpace, nameSpace)) return registration.nameSpace;
     if (elsewhere == nullptr) elsewhere = &service;
   }
-  return elsewhere == nullptr ? nameSpace : elsewhere->registration->nameSpace;
+  if (elsewhere == nullptr) return std::nullopt;
+  return elsewhere->registration->nameSpace;
+}
+
+std::string TProviders::FindNamespace(const std::string& nameSpace,
+                                      const std::string& className) const {
+  return FindPlace(nameSpace, className, [](const TRegistration&) { return true; })
+      .value_or(nameSpace);
+}
+
+std::string TProviders::FindMethodNamespace(const std::string& nameSpace,
+                                            const std::string& className) const {
+  const auto place = FindPlace(nameSpace, className, [](const TRegistration& registration) {
+    return registration.isMethod;
+  });
+  return place ? *place : FindNamespace(nameSpace, className);
 }
 
 void TProviders::OpenLibraries() {

@@ -46,6 +46,8 @@ class TProviders : public IBrokerHost {
   ICIMOperations& GetOperations() override { return m_operations; }
   std::string FindNamespace(const std::string& nameSpace,
                             const std::string& className) const override;
+  std::string FindMethodNamespace(const std::string& nameSpace,
+                                  const std::string& className) const override;
   std::shared_ptr<const TCIMClassDeclaration> FindClass(
       const std::string& className) const override {
     return m_classes->Find(className);
@@ -85,6 +87,10 @@ class TProviders : public IBrokerHost {
                                                  const CMPIResult*, const CMPIObjectPath*)>;
   std::optional<TCallOutcome> CallProperty(const std::string& what, const TCIMReference& path,
                                            const TPropertyCall& call);
+  using TIsAsked = std::function<bool(const TRegistration&)>;
+  /// Where a class is served by one of the registrations asked: here, else anywhere.
+  std::optional<std::string> FindPlace(const std::string& nameSpace, const std::string& className,
+                                       const TIsAsked& isAsked) const;
   using TIsWanted = std::function<bool(const std::string& className)>;
   /// The services of a role in a namespace, each provider once for a class.
   TServices FindWhere(const std::string& nameSpace, ERole role, const TIsWanted& isWanted) const;

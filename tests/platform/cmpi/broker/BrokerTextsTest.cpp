@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/cmpi/ProviderCall.h"
+#include "platform/cmpi/TWantedProperties.h"
 #include "tests/platform/cmpi/broker/TBrokerTest.h"
 
 namespace NZEPQEL20::cmpi {
@@ -218,6 +219,17 @@ TEST_F(BrokerKeysTest, ACallsContextHasTheParametersOfItsRegistration) {
   };
   EXPECT_EQ(entryOf({"root/test", "depth=3 loud"}), "depth=3 loud");
   EXPECT_EQ(entryOf({"root/test"}), "(none)");
+}
+
+TEST_F(BrokerKeysTest, ACallInACallStartsWithoutTheOuterOnesWantedProperties) {
+  const char* wanted[] = {"Note", nullptr};
+  const TWantedProperties scope(wanted);
+  CallProvider(m_taken, {"root/test"}, TBrokerResult::EKind::kNothing,
+               [&](const CMPIContext*, const CMPIResult*) {
+                 EXPECT_EQ(TWantedProperties::Get(), nullptr);
+                 return CMPIStatus{CMPI_RC_OK, nullptr};
+               });
+  EXPECT_EQ(TWantedProperties::Get(), wanted);
 }
 
 }  // namespace

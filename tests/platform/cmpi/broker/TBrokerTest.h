@@ -33,6 +33,10 @@ class TBrokerTest : public testing::Test, protected IBrokerHost {
   /// T_Derived lives in root/other, everything else where it is looked for.
   std::string FindNamespace(const std::string& nameSpace,
                             const std::string& className) const override;
+  std::string FindMethodNamespace(const std::string& nameSpace,
+                                  const std::string& className) const override {
+    return FindNamespace(nameSpace, className);
+  }
   std::shared_ptr<const TCIMClassDeclaration> FindClass(
       const std::string& className) const override {
     return m_classes.Find(className);

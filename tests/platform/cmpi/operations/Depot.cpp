@@ -5,8 +5,9 @@
 //   a A r R   associators, associatorNames, references, referenceNames
 //   m p       methods, properties
 // What it lacks is NULL in its tables, or with "x" a function that answers "not supported"; with
-// "f" every function fails; with "i" it ignores what it is asked to leave out; with "s" its
-// associations are those of boxes to each other, otherwise those of shelves to boxes.
+// "f" every function fails; with "q" its references are none; with "i" it ignores what it is asked
+// to leave out; with "s" its associations are those of boxes to each other, otherwise those of
+// shelves to boxes.
 //
 // Its tables are those of the first interface, and nothing readable lies behind them.
 #include <sys/mman.h>
@@ -258,7 +259,7 @@ CMPIStatus References(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResul
                       const CMPIObjectPath* path, const char* resultClass, const char* role,
                       const char**) {
   const CMPIStatus status = Check(mi, 'r');
-  if (status.rc != CMPI_RC_OK) return status;
+  if (status.rc != CMPI_RC_OK || Has(mi, 'q')) return status;
   EachLink({mi, path, resultClass, nullptr, role, nullptr}, [&](const TLink& link, const TObject&) {
     result->ft->returnInstance(result, NewLink("root/cimv2", link));
   });
@@ -268,7 +269,7 @@ CMPIStatus References(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResul
 CMPIStatus ReferenceNames(CMPIAssociationMI* mi, const CMPIContext*, const CMPIResult* result,
                           const CMPIObjectPath* path, const char* resultClass, const char* role) {
   const CMPIStatus status = Check(mi, 'R');
-  if (status.rc != CMPI_RC_OK) return status;
+  if (status.rc != CMPI_RC_OK || Has(mi, 'q')) return status;
   EachLink({mi, path, resultClass, nullptr, role, nullptr}, [&](const TLink& link, const TObject&) {
     CMPIInstance* instance = NewLink("root/cimv2", link);
     result->ft->returnObjectPath(result, instance->ft->getObjectPath(instance, nullptr));

@@ -161,5 +161,15 @@ TEST_F(DerivedInstancesTest, TheParametersOfARegistrationReachItsProvider) {
   EXPECT_EQ(ask("Home"), "root/boxes depth=3 loud") << "so does the factory";
 }
 
+TEST_F(DerivedInstancesTest, AMethodThatIsServedOnlyElsewhereIsFoundThere) {
+  Open({"D_Shelf root/cimv2 Depot_engm instance method", "D_Box root/cimv2 Depot_eng instance",
+        "D_Box root/handling Depot_m method"});
+  EXPECT_EQ(Ask({{"What", TCIMValue("Lift")},
+                 {"Class", TCIMValue("D_Box")},
+                 {"Id", TCIMValue("B1")},
+                 {"Place", TCIMValue("root/cimv2")}}),
+            "D_Box.Lift");
+}
+
 }  // namespace
 }  // namespace NZEPQEL20
