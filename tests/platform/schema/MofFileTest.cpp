@@ -103,4 +103,38 @@ TEST(MofFileTest, MissingSuperclassesAreLookedForOnTheSearchPath) {
   EXPECT_TRUE(repository.Find("V_X")->FindProperty("k")->isKey);
 }
 
+TEST(MofFileTest, AliasesHoldInAFileAndWhatItIncludesAndNowhereElse) {
+  const TFolder folder;
+  const std::string classes = "class A_N { [Key] uint8 k; A_N REF r; };\n";
+  folder.Write("inner.mof", "instance of A_N as $Inner { k = 1; r = $Outer; };");
+  const std::string outer =
+      folder.Write("outer.mof", classes +
+                                    "#pragma include (\"inner.mof\")\n"
+                                    "instance of A_N as $Outer { k = 2; r = $INNER; };");
+  const std::string other = folder.Write("other.mof", "instance of A_N { k = 3; r = $Outer; };");
+  TClassRepository repository;
+  EXPECT_EQ(Lines(repository.Load(outer)), TLines());
+  EXPECT_EQ(Lines(repository.Load(other)), TLines());
+  const TLines lines = Lines(repository.Check());
+  ASSERT_FALSE(lines.empty());
+  EXPECT_EQ(lines.back(), other + ":1:30: property r: alias $Outer is not defined");
+  const auto instances = repository.GetInstances();
+  ASSERT_EQ(instances.size(), 2U);
+  EXPECT_EQ(instances[0].Find("r")->value.ToString(10), "A_N.k=\"2\"");
+  EXPECT_EQ(instances[1].Find("r")->value.ToString(10), "A_N.k=\"1\"");
+}
+
+TEST(MofFileTest, AFileThatIsIncludedUnderTwoSpellingsIsReadOnce) {
+  const TFolder folder;
+  folder.Write("Sub/Class.mof", "class A_A { };\ninstance of A_A { };");
+  const std::string master =
+      folder.Write("m.mof",
+                   "#pragma include (\"Sub\\Class.mof\")\n#pragma include (\"sub/CLASS.MOF\")\n"
+                   "#pragma include (\"Sub/../Sub/./Class.mof\")");
+  TClassRepository repository;
+  EXPECT_EQ(Lines(repository.Load(master)), TLines());
+  EXPECT_EQ(Lines(repository.Load(folder.GetPath() + "/Sub/Class.mof")), TLines());
+  EXPECT_EQ(repository.GetInstances().size(), 1U);
+}
+
 }  // namespace
