@@ -51,13 +51,18 @@ class TSiblingLoader {
   bool IsMisnamed() const { return m_isMisnamed; }
 
  private:
-  /// The file of that name in the vendor's folder; empty when there is none.
+  /// The file of that name in the vendor's folder, the first for this machine if there are
+  /// several; empty when there is none.
   std::string FindFile(const std::string& name) {
     if (m_files.empty()) m_files = ListVendorFiles(m_folder).files;
-    const auto found = std::find_if(m_files.begin(), m_files.end(), [&](const std::string& file) {
-      return file.compare(file.rfind('/') + 1, std::string::npos, name) == 0;
-    });
-    return found == m_files.end() ? std::string() : *found;
+    std::string found;
+    for (const std::string& file : m_files) {
+      if (file.compare(file.rfind('/') + 1, std::string::npos, name) != 0) continue;
+      if (found.empty()) found = file;
+      // Vendors ship one library for several machines.
+      if (TElfFile(file).GetFault().empty()) return file;
+    }
+    return found;
   }
 
   const std::string m_folder;

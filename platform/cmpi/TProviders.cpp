@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/cmpi/OneLine.h"
 #include "platform/contract/TRootObject.h"
 
 namespace NZEPQEL20::cmpi {
@@ -190,7 +191,8 @@ void TProviders::OpenLibraries() {
   }
 }
 
-void TProviders::Report(const std::string& problem) {
+void TProviders::Report(const std::string& words) {
+  const std::string problem = ToOneLine(words);
   {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_problems.size() > kMaxProblems || !m_reported.insert(problem).second) return;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <sstream>
 
+#include "platform/cmpi/OneLine.h"
 #include "platform/contract/TCIMInstanceData.h"
 
 namespace NZEPQEL20 {
@@ -38,12 +39,12 @@ void TRegistrationTaker::Add(TRegistration entry, const std::string& location,
 
 void TRegistrationTaker::Fail(const std::string& text, const std::string& remedy,
                               const std::string& rule) {
-  m_registrations.m_findings.push_back({text, remedy, rule, false});
+  m_registrations.m_findings.push_back({ToOneLine(text), remedy, rule, false});
 }
 
 void TRegistrationTaker::Warn(const std::string& text, const std::string& remedy,
                               const std::string& rule) {
-  m_registrations.m_findings.push_back({text, remedy, rule, true});
+  m_registrations.m_findings.push_back({ToOneLine(text), remedy, rule, true});
 }
 
 std::vector<TTextLine> SplitLines(const std::string& text, const std::string& file) {

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <set>
 
+#include "platform/cmpi/OneLine.h"
 #include "platform/cmpi/TProviders.h"
 #include "platform/cmpi/VendorFiles.h"
 #include "platform/contract/TCIMInstanceData.h"
@@ -80,20 +81,12 @@ TFindings CheckOthers(const TProviderPackage& package,
   return findings;
 }
 
-/// A library, a MOF file or a provider may have put anything into its words.
-std::string MakeOneLine(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(),
-      [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, ' ');
-  return text;
-}
-
 /// Errors first, each finding once.
 TFindings Arrange(TFindings findings) {
   std::set<std::string> seen;
   TFindings arranged;
   for (TProviderFinding& finding : findings) {
-    finding.text = MakeOneLine(std::move(finding.text));
+    finding.text = ToOneLine(std::move(finding.text));
     if (seen.insert(finding.rule + finding.text).second) arranged.push_back(std::move(finding));
   }
   std::stable_partition(arranged.begin(), arranged.end(),

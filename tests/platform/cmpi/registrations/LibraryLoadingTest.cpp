@@ -55,6 +55,14 @@ TEST_F(LibraryLoadingTest, ASiblingAnywhereInTheFolderIsFoundThroughItsLink) {
   EXPECT_EQ(dlsym(RTLD_DEFAULT, "VendorCommon"), nullptr);
 }
 
+TEST_F(LibraryLoadingTest, OfSeveralSiblingsTheOneForThisMachineIsTaken) {
+  const std::string path = Take("libneedsnameless.so", "libneedsnameless.so");
+  m_vendor.Write("a/libvendorNameless.so", "for another machine");
+  Take("libvendorNameless.so", "b/libvendorNameless.so");
+  // It is loaded, though it does not help here.
+  EXPECT_THAT(LoadLibrary(path, m_vendor.GetPath()).remedy, HasSubstr("with the soname"));
+}
+
 TEST_F(LibraryLoadingTest, ASiblingThatGoesByAnotherNameIsExplained) {
   const std::string path = Take("libneedsnameless.so", "libneedsnameless.so");
   Take("libvendorNameless.so", "lib/libvendorNameless.so");

@@ -131,6 +131,54 @@ TEST(RegistrationsTest, FilesOfAllFormsCountOnceWhereTheySayTheSame) {
   EXPECT_THAT(read.GetPureFiles(), ::testing::ElementsAre(vendor.GetPath("sub/c.Mof")));
 }
 
+TEST(RegistrationsTest, WordsOfAFileStayOneReadableLine) {
+  const auto control = Read("A\x1B[2J root/x P l instance\n").GetProblems();
+  ASSERT_THAT(control, SizeIs(1));
+  EXPECT_THAT(control[0], HasSubstr("\"A [2J\" is not a class name"));
+  const auto mof =
+      ReadText("instance of PG_ProviderCapabilities { ClassName = \"a\\nb\"; };", "a.mof");
+  ASSERT_THAT(mof.GetProblems(), SizeIs(1));
+  EXPECT_EQ(mof.GetProblems()[0].find('\n'), std::string::npos);
+  const auto lengthy = Read(std::string(60'000, '-') + " root/x P l instance\n").GetProblems();
+  ASSERT_THAT(lengthy, SizeIs(1));
+  EXPECT_LT(lengthy[0].size(), 2200U);
+  EXPECT_THAT(lengthy[0], HasSubstr("--...; "));
+}
+
+TEST(RegistrationsTest, MangledTextsAreSurvivedWithReadableProblems) {
+  const TVendor vendor;
+  const std::string texts[] = {
+      "# x\nA root/x P l instance method\nB * P l association\n",
+      "[A]\nprovider: P\nlocation: l\ntype: instance\nnamespace: * root/x\nunload: never\n",
+      "instance of PG_ProviderModule { Name = \"M\"; InterfaceType = \"CMPI\"; Location = \"l\"; "
+      "};\n"
+      "instance of PG_Provider { ProviderModuleName = \"M\"; Name = \"P\"; };\n"
+      "instance of PG_ProviderCapabilities { ProviderModuleName = \"M\"; ProviderName = \"P\";\n"
+      "CapabilityID = \"1\"; ClassName = \"A\"; Namespaces = {\"root/x\"}; ProviderType = {2, 5}; "
+      "};"};
+  unsigned int random = 1;
+  const auto next = [&random](std::size_t below) {
+    random = random * 1664525U + 1013904223U;
+    return (random >> 8U) % below;
+  };
+  std::size_t entries = 0;
+  for (unsigned int round = 0; round < 600; ++round) {
+    std::string text = texts[round % 3];
+    for (std::size_t i = next(4) + 1; i > 0; --i) {
+      text[next(text.size())] = static_cast<char>(next(256));
+      if (next(4) == 0) text.erase(next(text.size()), next(20));
+    }
+    vendor.Write("a.registration", text);
+    const auto read = vendor.Read();
+    entries += read.GetEntries().size();
+    for (const TRegistrationProblem& finding : read.GetFindings()) {
+      EXPECT_EQ(finding.ToString().find('\n'), std::string::npos);
+      EXPECT_FALSE(finding.rule.empty() || finding.remedy.empty()) << finding.text;
+    }
+  }
+  EXPECT_GT(entries, 100U);
+}
+
 TEST(RegistrationsTest, AFileThatIsNotThereOrADirectoryIsAProblem) {
   TRegistrations registrations;
   registrations.Load("/nowhere/at.all");
