@@ -56,7 +56,8 @@ std::string GetIdentity(const TCIMReference& path, const std::string& nameSpace)
   for (const auto& [name, value] : path.GetKeys()) keys[ToLower(name)] = ValueText(value);
   for (const auto& [name, text] : keys) {
     // The length keeps a text with separators in it from looking like two keys.
-    identity += ',' + name + '=' + std::to_string(text.size()) + ':' + text;
+    identity.append(",").append(name).append("=").append(std::to_string(text.size()));
+    identity.append(":").append(text);
   }
   return identity;
 }
