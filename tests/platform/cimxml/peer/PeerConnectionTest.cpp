@@ -9,8 +9,8 @@
 #include "tests/platform/cimxml/peer/PeerMessages.h"
 #include "tests/platform/cimxml/peer/TPeerWorld.h"
 #include "tests/platform/cimxml/peer/TRawClient.h"
-#include "tests/support/TTemporaryFolder.h"
 #include "tests/support/TGate.h"
+#include "tests/support/TTemporaryFolder.h"
 #include "tests/support/cimserver/HttpText.h"
 
 namespace cimserver {

@@ -6,8 +6,8 @@
 #include <ostream>
 
 #include "tests/platform/cimxml/peer/TRawClient.h"
-#include "tests/support/TTemporaryFolder.h"
 #include "tests/support/TSubprocess.h"
+#include "tests/support/TTemporaryFolder.h"
 #include "tests/support/cimserver/TThrowAwayCa.h"
 #include "tests/support/cimserver/TWbemcli.h"
 
