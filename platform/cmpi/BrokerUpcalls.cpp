@@ -286,6 +286,7 @@ CMPIData GetProperty(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectP
 /// `names` as providers take them; valid as long as `names`.
 std::vector<const char*> Pointers(const std::vector<std::string>& names) {
   std::vector<const char*> pointers;
+  pointers.reserve(names.size() + 1);
   for (const std::string& name : names) pointers.push_back(name.c_str());
   pointers.push_back(nullptr);
   return pointers;
