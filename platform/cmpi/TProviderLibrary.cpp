@@ -55,9 +55,11 @@ TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName,
   void* own = FindSymbol(specific);
   void* any = own == nullptr ? FindSymbol(generic) : nullptr;
   if (own == nullptr && any == nullptr) {
-    throw TQELException(TQELStatusCode::kNotFound, what + " have no entry point: neither " +
-                                                       specific + " nor " + generic +
-                                                       DescribeFactories(m_path) + "; see rule R4");
+    // Vendors register more types than a library has. Whoever asks may go another way.
+    throw TQELException(TQELStatusCode::kNotSupported,
+                        what + " have no entry point: neither " + specific + " nor " + generic +
+                            DescribeFactories(m_path) + "; see rule R4",
+                        CMPI_RC_ERR_NOT_SUPPORTED);
   }
   TMI* made = nullptr;
   const TCallOutcome outcome = CallProvider(

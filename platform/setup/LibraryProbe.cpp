@@ -173,13 +173,21 @@ class TProbe {
                        " have the table version " + std::to_string(version),
                    "build it with a header that sets ftVersion to 100, 200 or 210"}));
       } catch (const TQELException& failure) {
-        const bool isMissing = failure.GetStatusCode() == TQELStatusCode::kNotFound;
-        tell(Pack({false, "R4", WithoutRule(failure.what()),
+        const bool isMissing = failure.GetStatusCode() == TQELStatusCode::kNotSupported;
+        tell(Pack({isMissing && HasOtherEntry(library, name), "R4", WithoutRule(failure.what()),
                    isMissing ? "export it, or mend the provider's name or types in the registration"
                              : "mend the factory, or what it needs"}));
       }
       return;
     }
+  }
+
+  /// Whether the provider has functions of any type: what it has can be used.
+  static bool HasOtherEntry(const std::string& library, const std::string& name) {
+    const std::vector<std::string> symbols = FindFactories(TElfFile(library).GetSymbols());
+    return std::any_of(symbols.begin(), symbols.end(), [&name](const std::string& symbol) {
+      return symbol.rfind(name + "_Create_", 0) == 0 || symbol.rfind("_Generic_Create_", 0) == 0;
+    });
   }
 
   /// Entry points that nobody will ever call.
