@@ -6,7 +6,9 @@
 #include <set>
 
 #include "platform/contract/TCIMInstanceData.h"
+#include "platform/setup/FolderInstall.h"
 #include "platform/setup/InstalledFiles.h"
+#include "platform/setup/InstalledSchema.h"
 #include "platform/setup/VendorSchema.h"
 
 namespace NZEPQEL20::setup {
@@ -46,14 +48,30 @@ std::string FindMissingSuperclass(const TClassRepository& classes,
   return {};
 }
 
+/// As the run time has them: with the other vendors', and from the cache.
+TPackageClasses LoadInstalledClasses(const std::string& root, const TProviderPackage& package) {
+  TLoadedSchema schema = LoadInstalledSchema(root).schema;
+  TPackageClasses loaded;
+  Take(schema.problems, package.folder, loaded.findings);
+  loaded.classes = std::move(schema.classes);
+  return loaded;
+}
+
 }  // namespace
 
 TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPackage& package) {
+  if (IsBelow(package.folder, root + "/providers")) return LoadInstalledClasses(root, package);
   auto classes = std::make_shared<TClassRepository>();
   TPackageClasses loaded;
   classes->AddSearchPath(root + "/schema");
   classes->AddSearchPath(package.folder);
-  for (const std::string& file : FindInstalledFiles(root).schema) classes->Load(file);
+  const TInstalledFiles installed = FindInstalledFiles(root);
+  for (const std::string& file : installed.schema) classes->Load(file);
+  // What is installed under the same name gives way to the folder.
+  const std::string replaced = root + "/providers/" + package.name;
+  for (const std::string& file : installed.providerSchema) {
+    if (!IsBelow(file, replaced)) classes->Load(file);
+  }
   for (const std::string& file : OrderByIncludes(package.schema)) {
     Take(classes->Load(file), package.folder, loaded.findings);
   }

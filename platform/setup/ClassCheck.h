@@ -17,7 +17,8 @@ struct TPackageClasses {
   std::vector<TProviderFinding> findings;  ///< What is wrong with the MOF of the folder.
 };
 
-/// Loads the schema of the installation `root` and the MOF of the folder.
+/// Loads the schema of the installation `root`, with the MOF of all vendors, and the MOF of the
+/// folder.
 TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPackage& package);
 
 /// The rule for provider authors that an error in a MOF file is about.

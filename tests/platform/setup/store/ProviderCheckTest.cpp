@@ -103,6 +103,23 @@ TEST_F(ProviderCheckTest, AMissingSuperclassIsAWarningAndTheKeyIsNotMissed) {
   }
 }
 
+TEST_F(ProviderCheckTest, ASuperclassOfAnotherVendorIsNotMissing) {
+  m_root.Write("providers/base/base.mof", "class X_Gone { [Key] string Id; };\n");
+  Register("A_Orphan");
+  m_vendor.Write("mof/acme.mof", "class A_Orphan : X_Gone { string Name; };\n");
+  EXPECT_EQ(ShowAll(Check()), "");
+}
+
+TEST_F(ProviderCheckTest, AClassThatOnlyTheReplacedFolderHasIsMissed) {
+  m_root.Write("providers/acme/acme.mof", "class A_Old { [Key] string Id; };\n");
+  Register("A_Old");
+  TProviderPackage package = m_store.Read(m_vendor.GetPath());
+  package.name = "acme";
+  EXPECT_THAT(ShowAll(m_store.Check(package)), HasSubstr("class A_Old is not declared"));
+  package.name = "other";
+  EXPECT_THAT(ShowAll(m_store.Check(package)), testing::Not(HasSubstr("is not declared")));
+}
+
 TEST_F(ProviderCheckTest, FaultsOfTheInstallationAreNotTheFolders) {
   m_root.Write("schema/broken.mof", "class { };\nclass A_Odd : X_Gone { };\n");
   Register("A_Base");
