@@ -14,6 +14,7 @@
 #include "platform/cmpi/TProviders.h"
 #include "platform/contract/TRootObject.h"
 #include "platform/setup/ChildRun.h"
+#include "platform/setup/VendorSchema.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -221,12 +222,6 @@ class TProbe {
   std::map<std::string, TEntries> m_entries;
   std::vector<TProviderFinding> m_findings;
 };
-
-std::string MakeCanonical(const std::string& file) {
-  std::error_code error;
-  const fs::path real = fs::canonical(file, error);
-  return error ? file : real.string();
-}
 
 }  // namespace
 

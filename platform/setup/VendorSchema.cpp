@@ -36,13 +36,13 @@ std::string GetIncluded(const std::string& text, std::size_t at) {
   return end == std::string::npos ? std::string() : text.substr(at, end - at);
 }
 
+}  // namespace
+
 std::string MakeCanonical(const std::string& file) {
   std::error_code error;
   const fs::path real = fs::canonical(file, error);
   return error ? file : real.string();
 }
-
-}  // namespace
 
 std::vector<std::string> FindIncludes(const std::string& file) {
   std::vector<std::string> found;

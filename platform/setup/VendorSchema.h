@@ -6,6 +6,9 @@
 
 namespace NZEPQEL20::setup {
 
+/// The path of `file` with every link followed; `file` itself when it leads nowhere.
+std::string MakeCanonical(const std::string& file);
+
 /// `files` in the order in which they are to be read: those that another one includes behind those
 /// that nobody includes, so that an include finds its file unread. Otherwise the order stays.
 std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files);

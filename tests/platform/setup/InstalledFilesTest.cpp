@@ -7,7 +7,7 @@
 
 #include "platform/contract/TQELException.h"
 #include "platform/setup/InstalledFiles.h"
-#include "tests/platform/setup/TTemporaryRoot.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -17,7 +17,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 TEST(InstalledFilesTest, AreFoundByFolderAndEndingInOrderOfTheirNames) {
-  const TTemporaryRoot root;
+  const TTemporaryFolder root;
   const std::string second = root.Write("schema/b.mof", "");
   const std::string first = root.Write("schema/a.mof", "");
   root.Write("schema/notes.txt", "");
@@ -37,7 +37,7 @@ TEST(InstalledFilesTest, AreFoundByFolderAndEndingInOrderOfTheirNames) {
 }
 
 TEST(InstalledFilesTest, AWholeSchemaMayLieInFoldersOfItsOwn) {
-  const TTemporaryRoot root;
+  const TTemporaryFolder root;
   const std::string core = root.Write("schema/cim_2.41/Core/CIM_A.mof", "");
   const std::string master = root.Write("schema/cim_2.41/cim.MOF", "");
   const std::string device = root.Write("schema/cim_2.41/Device/CIM_B.mof", "");
@@ -51,7 +51,7 @@ TEST(InstalledFilesTest, AWholeSchemaMayLieInFoldersOfItsOwn) {
 }
 
 TEST(InstalledFilesTest, LinksThatLeadRoundInCirclesEnd) {
-  const TTemporaryRoot root;
+  const TTemporaryFolder root;
   const std::string file = root.Write("schema/a/x.mof", "");
   std::filesystem::create_directory_symlink("..", root.GetPath() + "/schema/a/up");
   std::filesystem::create_directory_symlink("a", root.GetPath() + "/schema/b");
@@ -61,7 +61,7 @@ TEST(InstalledFilesTest, LinksThatLeadRoundInCirclesEnd) {
 }
 
 TEST(InstalledFilesTest, FoldersInFoldersAreReadOnlySoDeep) {
-  const TTemporaryRoot root;
+  const TTemporaryFolder root;
   std::string inside = "schema";
   for (int depth = 0; depth < 10; ++depth) {
     root.Write(inside + "/x.mof", "");
@@ -71,21 +71,21 @@ TEST(InstalledFilesTest, FoldersInFoldersAreReadOnlySoDeep) {
 }
 
 TEST(InstalledFilesTest, AnEmptyRootHasNoSchema) {
-  const TTemporaryRoot root;
+  const TTemporaryFolder root;
   const TInstalledFiles files = FindInstalledFiles(root.GetPath());
   EXPECT_THAT(files.problems, ElementsAre(HasSubstr("/schema: holds no class declarations")));
   EXPECT_THAT(files.vendors, IsEmpty());
 }
 
 TEST(InstalledFilesTest, AFileInThePlaceOfAFolderIsNamed) {
-  const TTemporaryRoot root;
+  const TTemporaryFolder root;
   root.Write("schema", "not a folder");
   EXPECT_THAT(FindInstalledFiles(root.GetPath()).problems,
               ::testing::Contains(HasSubstr("/schema: cannot be read: Not a directory")));
 }
 
 TEST(InstalledFilesTest, ARootIsMadeAbsoluteAndLosesItsTrailingSlash) {
-  const TTemporaryRoot root;
+  const TTemporaryFolder root;
   EXPECT_EQ(CheckRoot(root.GetPath() + "//./"), root.GetPath());
   const std::string relative = std::filesystem::relative(root.GetPath()).string();
   EXPECT_EQ(CheckRoot(relative), root.GetPath());

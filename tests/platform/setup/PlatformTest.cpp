@@ -9,7 +9,7 @@
 #include "platform/contract/TQELException.h"
 #include "platform/contract/TRootObject.h"
 #include "platform/setup/TPlatform.h"
-#include "tests/platform/setup/TTemporaryRoot.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace NZEPQEL20 {
 namespace {
@@ -36,7 +36,7 @@ class PlatformTest : public ::testing::Test {
   }
   ~PlatformTest() override { TRootObject::SetCoreLogger(nullptr); }
 
-  TTemporaryRoot m_root;
+  TTemporaryFolder m_root;
   TPlatformOptions m_options;
   TKeepingLogger m_logger;
 };

@@ -9,7 +9,7 @@
 
 #include "platform/setup/ProviderSetup.h"
 #include "platform/setup/SchemaCachePlace.h"
-#include "tests/platform/setup/TTemporaryRoot.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -84,7 +84,7 @@ TEST(SchemaCacheNameTest, EachRootHasAFileOfItsOwn) {
 }
 
 // A root with a schema that is large enough to be stored.
-void WriteSchema(const TTemporaryRoot& root) {
+void WriteSchema(const TTemporaryFolder& root) {
   std::string mof;
   for (int i = 0; mof.size() < 400'000; ++i) {
     mof += "[Description(\"" + std::string(500, 'x') + "\")] class B_" + std::to_string(i) +
@@ -96,7 +96,7 @@ void WriteSchema(const TTemporaryRoot& root) {
 TEST(SchemaCacheUseTest, TheSecondStartOfARootUsesTheCacheBelowIt) {
   TEnvironment environment;
   environment.Set("DIAGSRUNNER_SCHEMA_CACHE", nullptr);
-  const TTemporaryRoot root;
+  const TTemporaryFolder root;
   WriteSchema(root);
   const std::size_t count = OpenProviders(root.GetPath(), "root/x").classes->GetCount();
   const std::string file = root.GetPath() + "/cache/" + ChooseSchemaCache(root.GetPath()).fileName;
@@ -109,7 +109,7 @@ TEST(SchemaCacheUseTest, TheSecondStartOfARootUsesTheCacheBelowIt) {
 TEST(SchemaCacheUseTest, NothingIsWrittenWhenItIsOff) {
   TEnvironment environment;
   environment.Set("DIAGSRUNNER_SCHEMA_CACHE", "off");
-  const TTemporaryRoot root;
+  const TTemporaryFolder root;
   WriteSchema(root);
   OpenProviders(root.GetPath(), "root/x");
   EXPECT_FALSE(std::filesystem::exists(root.GetPath() + "/cache"));

@@ -8,7 +8,7 @@
 
 #include "platform/setup/ProviderSetup.h"
 #include "platform/setup/VendorSchema.h"
-#include "tests/platform/setup/TTemporaryRoot.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -43,7 +43,7 @@ class VendorFolderTest : public ::testing::Test {
     return problems;
   }
 
-  TTemporaryRoot m_root;
+  TTemporaryFolder m_root;
 };
 
 TEST_F(VendorFolderTest, ClassesAndRegistrationsAreReadFromFoldersBelow) {

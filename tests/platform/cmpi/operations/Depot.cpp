@@ -19,33 +19,20 @@
 #include <vector>
 
 #include "platform/cmpi/abi/cmpi.h"
+#include "tests/platform/cmpi/operations/ProviderSide.h"
 
 #define DEPOT_EXPORT extern "C" __attribute__((visibility("default")))
 
 namespace depot {
 
-const CMPIBroker* broker = nullptr;
+using providerside::Chars;
+using providerside::ClassOf;
+using providerside::IdOf;
+using providerside::In;
+using providerside::PlaceOf;
+using providerside::TextOf;
 
-const CMPIValue* Chars(const std::string& text) {
-  return reinterpret_cast<const CMPIValue*>(text.c_str());
-}
-template <class T>
-const CMPIValue* In(const T& value) {
-  return reinterpret_cast<const CMPIValue*>(&value);
-}
-std::string TextOf(const CMPIString* text) {
-  return text == nullptr ? "" : text->ft->getCharPtr(text, nullptr);
-}
-std::string ClassOf(const CMPIObjectPath* path) {
-  return TextOf(path->ft->getClassName(path, nullptr));
-}
-std::string PlaceOf(const CMPIObjectPath* path) {
-  return TextOf(path->ft->getNameSpace(path, nullptr));
-}
-std::string IdOf(const CMPIObjectPath* path) {
-  const CMPIData key = path->ft->getKey(path, "Id", nullptr);
-  return key.type == CMPI_string ? TextOf(key.value.string) : "";
-}
+const CMPIBroker* broker = nullptr;
 
 struct TObject {
   const char* className;

@@ -9,10 +9,17 @@
 #include <string>
 
 #include "platform/cmpi/abi/cmpi.h"
+#include "tests/platform/cmpi/operations/ProviderSide.h"
 
 #define WORKSHOP_EXPORT extern "C" __attribute__((visibility("default")))
 
 namespace {
+
+using providerside::Chars;
+using providerside::ClassOf;
+using providerside::IdOf;
+using providerside::In;
+using providerside::TextOf;
 
 // Set by each of the functions that make a provider, while others may be serving.
 std::atomic<const CMPIBroker*> heldBroker{nullptr};
@@ -25,34 +32,12 @@ std::mutex mutex;
 std::string last;      // What was last made, changed or deleted.
 std::string cleanups;  // A letter per cleaned part, capital when the process ends.
 
-const CMPIValue* Chars(const std::string& text) {
-  return reinterpret_cast<const CMPIValue*>(text.c_str());
-}
-
-template <class T>
-const CMPIValue* In(const T& value) {
-  return reinterpret_cast<const CMPIValue*>(&value);
-}
-
-std::string TextOf(const CMPIString* text) {
-  return text == nullptr ? "" : text->ft->getCharPtr(text, nullptr);
-}
-
-std::string ClassOf(const CMPIObjectPath* path) {
-  return TextOf(path->ft->getClassName(path, nullptr));
-}
-
-std::string IdOf(const CMPIObjectPath* path) {
-  const CMPIData key = path->ft->getKey(path, "Id", nullptr);
-  return key.type == CMPI_string ? TextOf(key.value.string) : "";
-}
-
 CMPIStatus Fail(CMPIrc code, const char* message) {
   return {code, Broker()->eft->newString(Broker(), message, nullptr)};
 }
 
 CMPIObjectPath* NewPath(const CMPIObjectPath* asked, const char* className) {
-  const std::string ns = TextOf(asked->ft->getNameSpace(asked, nullptr));
+  const std::string ns = providerside::PlaceOf(asked);
   return Broker()->eft->newObjectPath(Broker(), ns.c_str(), className, nullptr);
 }
 
