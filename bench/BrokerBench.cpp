@@ -89,6 +89,10 @@ class TBareCall : private cmpi::IBrokerHost {
                             const std::string& /*className*/) const override {
     return nameSpace;
   }
+  std::string FindMethodNamespace(const std::string& nameSpace,
+                                  const std::string& /*className*/) const override {
+    return nameSpace;
+  }
   std::shared_ptr<const TCIMClassDeclaration> FindClass(
       const std::string& className) const override {
     return m_classes.Find(className);
@@ -109,7 +113,7 @@ class TBareCall : private cmpi::IBrokerHost {
   ICIMOperations& m_operations;
   const TClassRepository& m_classes;
   cmpi::TBroker& m_broker;
-  cmpi::TProviderLibrary m_library{STOCK_DIR "/libstock.so"};
+  cmpi::TProviderLibrary m_library{STOCK_DIR "/libstock.so", STOCK_DIR};
   CMPIInstanceMI& m_instances;
   CMPIAssociationMI& m_associations;
 };
