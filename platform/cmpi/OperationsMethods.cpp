@@ -29,6 +29,16 @@ TNamedValues ConvertParameters(const TKeyMap& parameters, const TCIMMethodDeclar
 
 using TPassedArgs = TPassed<TBrokerArgs>;
 
+/// Whether `value` refers to a job that a method has started: what changes the state of a job gives
+/// back the job that makes the change, which is no test.
+bool IsStartedJob(const TProviders& providers, const std::string& method, const std::string& name,
+                  const TCIMValue& value) {
+  if (IsSameName(method, "RequestStateChange") || value.IsNull() || value.IsArray()) return false;
+  if (value.GetType() != ECIMType::kReference) return false;
+  return IsSameName(name, "Job") ||
+         providers.IsA(static_cast<TCIMReference>(value).GetClassName(), "CIM_ConcreteJob");
+}
+
 }  // namespace
 
 TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::string& method,
@@ -48,6 +58,7 @@ TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::st
     const TPassedPath target(m_parts->ToContent(path));
     const TPassedArgs inArgs(in);
     const TPassedArgs outArgs{TNamedValues()};
+    const TStartedWork::TCall call(m_parts->work, service.provider);
     TCallOutcome outcome = m_parts->Call(
         service, what, nameSpace, TBrokerResult::EKind::kData, [&](auto* ctx, auto* result) {
           return mi.ft->invokeMethod == nullptr
@@ -61,6 +72,11 @@ TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::st
   const TCallOutcome outcome = m_parts->AskFirst(
       providers.FindServicesOfObject(nameSpace, path.GetClassName(), ERole::kMethod), ask,
       what + ": no provider offers methods of the class there");
+  for (const auto& [result, value] : results) {
+    if (IsStartedJob(providers, method, result, value)) {
+      m_parts->work.AddJob(static_cast<TCIMReference>(value));
+    }
+  }
   parameters = std::move(results);
   return outcome.content.data.empty() ? TCIMValue() : outcome.content.data.front();
 }

@@ -24,6 +24,19 @@ std::vector<std::string> TCMPIOperations::GetProblems() const {
   return m_parts->providers.GetProblems();
 }
 
+std::vector<TCIMReference> TCMPIOperations::GetStartedJobs() const {
+  return m_parts->work.GetJobs();
+}
+
+bool TCMPIOperations::IsBusyWith(const std::string& className) const {
+  const TProviders& providers = m_parts->providers;
+  const auto& services = providers.GetServices();
+  return std::any_of(services.begin(), services.end(), [&](const auto& service) {
+    return m_parts->work.IsBusy(service.provider) &&
+           providers.IsA(className, service.registration->className);
+  });
+}
+
 std::shared_ptr<const TCIMClassDeclaration> TCMPIOperations::GetClass(
     const std::string& nameSpace, const std::string& className) {
   auto declaration = m_parts->providers.FindClass(className);

@@ -38,6 +38,11 @@ class TCMPIOperations : public ICIMOperations {
   /// What could not be read or loaded, or failed so far: thing, reason, and what would mend it.
   std::vector<std::string> GetProblems() const;
 
+  /// The jobs that method calls have given back so far, other than those for a change of state.
+  std::vector<TCIMReference> GetStartedJobs() const;
+  /// Whether a method runs now in a provider that serves `className`.
+  bool IsBusyWith(const std::string& className) const;
+
   std::shared_ptr<const TCIMClassDeclaration> GetClass(const std::string& nameSpace,
                                                        const std::string& className) override;
   std::vector<std::string> EnumerateClassNames(const std::string& nameSpace,

@@ -10,6 +10,7 @@
 #include "platform/cmpi/TBrokerPath.h"
 #include "platform/cmpi/TCMPIOperations.h"
 #include "platform/cmpi/TProviders.h"
+#include "platform/cmpi/TStartedWork.h"
 
 namespace NZEPQEL20 {
 
@@ -96,6 +97,7 @@ struct TCMPIOperations::TParts {
 
   std::string defaultNamespace;
   cmpi::TProviders providers;
+  cmpi::TStartedWork work;
 };
 
 namespace cmpi {

@@ -89,7 +89,7 @@ unsigned int KillJobs(ICIMOperations& operations, const std::vector<TCIMReferenc
   return asked;
 }
 
-unsigned int KillJobs(ICIMOperations& operations) noexcept {
+unsigned int KillJobs(ICIMOperations& operations, const TIsOurs& isOurs) noexcept {
   unsigned int asked = 0;
   try {
     const TInvoke invoke = [&operations](const TCIMReference& job, const std::string& method,
@@ -98,7 +98,7 @@ unsigned int KillJobs(ICIMOperations& operations) noexcept {
     };
     for (const std::string& nameSpace : operations.GetNamespaces()) {
       for (const TCIMReference& job : FindRunning(operations, nameSpace)) {
-        if (Kill(job, invoke)) ++asked;
+        if (isOurs(job) && Kill(job, invoke)) ++asked;
       }
     }
   } catch (...) {

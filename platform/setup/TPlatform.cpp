@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/setup/TPlatform.h"
 
+#include <algorithm>
 #include <boost/make_shared.hpp>
 #include <utility>
 
@@ -43,6 +44,26 @@ unsigned int KillStartedJobs(TCIMXMLOperations& server) noexcept {
         [&server](const TCIMReference& job, const std::string& method, TKeyMap& parameters) {
           return server.InvokeOnJob(job, method, parameters);
         });
+  } catch (...) {
+    // Out of memory: nothing more can be asked.
+    return 0;
+  }
+}
+
+// What a test that runs inside its method call has started is not known by name: it is among the
+// jobs of the provider that is at work.
+unsigned int KillStartedJobs(TCMPIOperations& providers) noexcept {
+  try {
+    const std::vector<TCIMReference> started = providers.GetStartedJobs();
+    const auto isUnknown = [&](const TCIMReference& job) {
+      return std::find(started.begin(), started.end(), job) == started.end() &&
+             providers.IsBusyWith(job.GetClassName());
+    };
+    const auto invoke = [&](const TCIMReference& job, const std::string& method,
+                            TKeyMap& parameters) {
+      return providers.InvokeMethod(job, method, parameters);
+    };
+    return setup::KillJobs(providers, started, invoke) + setup::KillJobs(providers, isUnknown);
   } catch (...) {
     // Out of memory: nothing more can be asked.
     return 0;
@@ -188,7 +209,7 @@ std::vector<TUnofferedTest> TPlatform::GetUnofferedTests() const {
 
 unsigned int TPlatform::KillRunningJobs() noexcept {
   unsigned int asked = 0;
-  if (m_parts->providers) asked += setup::KillJobs(*m_parts->providers);
+  if (m_parts->providers) asked += KillStartedJobs(*m_parts->providers);
   if (m_parts->server) asked += KillStartedJobs(*m_parts->server);
   if (m_parts->pegasus && m_parts->pegasus != m_parts->server) {
     asked += KillStartedJobs(*m_parts->pegasus);

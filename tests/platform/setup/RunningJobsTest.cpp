@@ -18,13 +18,25 @@ TCIMInstanceData MakeJob(const std::string& nameSpace, const char* id, const TCI
   return job;
 }
 
+const TIsOurs kAll = [](const TCIMReference&) { return true; };
+
+TEST(RunningJobsTest, LeavesTheJobsOfOthersAlone) {
+  TScriptedOperations operations;
+  operations.jobs["root/cimv2"] = {MakeJob("root/cimv2", "mine", TCIMValue::UInt16(4)),
+                                   MakeJob("root/cimv2", "another's", TCIMValue::UInt16(4))};
+  const TCIMReference mine = operations.jobs["root/cimv2"][0].path;
+  EXPECT_EQ(KillJobs(operations, [&](const TCIMReference& job) { return job == mine; }), 1U);
+  EXPECT_THAT(operations.invoked,
+              ElementsAre("root/cimv2:X_Job.InstanceID=\"mine\" RequestStateChange 5"));
+}
+
 TEST(RunningJobsTest, KillsEveryJobThatHasNotEnded) {
   TScriptedOperations operations;
   for (std::uint16_t state = 2; state <= 11; ++state) {
     operations.jobs["root/cimv2"].push_back(
         MakeJob("root/cimv2", std::to_string(state).c_str(), TCIMValue::UInt16(state)));
   }
-  EXPECT_EQ(KillJobs(operations), 6U);
+  EXPECT_EQ(KillJobs(operations, kAll), 6U);
   EXPECT_THAT(operations.invoked,
               ElementsAre("root/cimv2:X_Job.InstanceID=\"2\" RequestStateChange 5",
                           "root/cimv2:X_Job.InstanceID=\"3\" RequestStateChange 5",
@@ -39,7 +51,7 @@ TEST(RunningJobsTest, TakesAJobWhoseStateCannotBeReadForRunning) {
   operations.jobs["root/cimv2"] = {MakeJob("root/cimv2", "null", TCIMValue()),
                                    MakeJob("root/cimv2", "text", TCIMValue("busy"))};
   operations.jobs["root/cimv2"].push_back({TCIMReference("root/cimv2", "X_Job", {}), {}});
-  EXPECT_EQ(KillJobs(operations), 3U);
+  EXPECT_EQ(KillJobs(operations, kAll), 3U);
 }
 
 TEST(RunningJobsTest, GoesOnPastWhateverFails) {
@@ -48,7 +60,7 @@ TEST(RunningJobsTest, GoesOnPastWhateverFails) {
   operations.jobs["root/b"] = {MakeJob("root/b", "1", TCIMValue::UInt16(4)),
                                MakeJob("root/b", "2", TCIMValue::UInt16(4))};
   operations.refusing = {"root/a", "root/b:X_Job.InstanceID=\"1\""};
-  EXPECT_EQ(KillJobs(operations), 1U);
+  EXPECT_EQ(KillJobs(operations, kAll), 1U);
   EXPECT_THAT(operations.invoked, ElementsAre("root/b:X_Job.InstanceID=\"2\" RequestStateChange "
                                               "5"));
 }
@@ -69,7 +81,7 @@ TEST(RunningJobsTest, CountsTheJobsThatTookTheRequest) {
 
 TEST(RunningJobsTest, HasNothingToDoWithoutJobs) {
   TScriptedOperations operations;
-  EXPECT_EQ(KillJobs(operations), 0U);
+  EXPECT_EQ(KillJobs(operations, kAll), 0U);
   EXPECT_THAT(operations.invoked, IsEmpty());
 }
 
