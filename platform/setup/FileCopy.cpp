@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "platform/contract/TQELException.h"
 
@@ -15,6 +16,8 @@ namespace NZEPQEL20::setup {
 namespace {
 
 constexpr std::size_t kPiece = 65536;
+
+constexpr int kNew = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
 
 constexpr char kCannotBeRead[] = "cannot be read";
 
@@ -26,23 +29,17 @@ constexpr char kCannotBeRead[] = "cannot be read";
                       file + ": " + what + ": " + reason);
 }
 
-/// An open file.
+/// An open file and its name.
 class TFile {
  public:
-  TFile(const std::string& name, int flags, mode_t mode, const char* what) : m_name(name) {
-    m_number = ::open(name.c_str(), flags | O_CLOEXEC, mode);
-    if (m_number < 0) Refuse(name, what, errno);
+  TFile(std::string name, TDescriptor file) : m_name(std::move(name)), m_file(std::move(file)) {
+    if (m_file.Get() < 0) Refuse(m_name, "cannot be made", errno);
   }
-  ~TFile() {
-    if (m_number >= 0) ::close(m_number);
-  }
-  TFile(const TFile&) = delete;
-  TFile& operator=(const TFile&) = delete;
 
   /// 0 at the end of the file.
   std::size_t Read(char* bytes, std::size_t size) const {
     for (;;) {
-      const ssize_t count = ::read(m_number, bytes, size);
+      const ssize_t count = ::read(m_file.Get(), bytes, size);
       if (count >= 0) return static_cast<std::size_t>(count);
       if (errno != EINTR) Refuse(m_name, kCannotBeRead, errno);
     }
@@ -50,7 +47,7 @@ class TFile {
 
   void Write(const char* bytes, std::size_t size) const {
     while (size > 0) {
-      const ssize_t count = ::write(m_number, bytes, size);
+      const ssize_t count = ::write(m_file.Get(), bytes, size);
       if (count < 0 && errno != EINTR) Refuse(m_name, "cannot be written", errno);
       if (count <= 0) continue;
       bytes += count;
@@ -60,18 +57,14 @@ class TFile {
 
   /// A full disk may show itself here for the first time.
   void Finish(mode_t mode) {
-    if (::fchmod(m_number, mode) != 0) Refuse(m_name, "cannot have its permissions", errno);
-    if (::fsync(m_number) != 0) Refuse(m_name, "cannot be written", errno);
-    const int number = m_number;
-    m_number = -1;
-    if (::close(number) != 0) Refuse(m_name, "cannot be written", errno);
+    if (::fchmod(m_file.Get(), mode) != 0) Refuse(m_name, "cannot have its permissions", errno);
+    if (::fsync(m_file.Get()) != 0) Refuse(m_name, "cannot be written", errno);
+    if (::close(m_file.Release()) != 0) Refuse(m_name, "cannot be written", errno);
   }
-
-  int GetNumber() const { return m_number; }
 
  private:
   std::string m_name;
-  int m_number = -1;
+  TDescriptor m_file;
 };
 
 }  // namespace
@@ -94,21 +87,14 @@ std::string DescribeWriteFault(int error) {
   }
 }
 
-void CopyFile(const std::string& from, const std::string& to) {
-  // Without waiting: a pipe without a writer would hold us up before we see that it is one.
-  const TFile source(from, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0, kCannotBeRead);
-  struct stat status = {};
-  if (::fstat(source.GetNumber(), &status) != 0) Refuse(from, kCannotBeRead, errno);
-  if (!S_ISREG(status.st_mode)) {
-    throw TQELException(TQELStatusCode::kFailed,
-                        from + ": is not a regular file; take it out of the folder; see rule R20");
-  }
-  TFile target(to, O_WRONLY | O_CREAT | O_EXCL, 0600, "cannot be made");
+void CopyFile(const TVendorFile& from, const std::string& to) {
+  const TFile source(from.name, TVendorFolder::Open(from));
+  TFile target(to, TDescriptor(::open(to.c_str(), kNew, 0600)));
   std::array<char, kPiece> piece;
   for (std::size_t count = 0; (count = source.Read(piece.data(), piece.size())) > 0;) {
     target.Write(piece.data(), count);
   }
-  const bool isProgram = (status.st_mode & S_IXUSR) != 0;
+  const bool isProgram = (from.status.st_mode & S_IXUSR) != 0;
   target.Finish(isProgram ? 0755 : 0644);
 }
 

@@ -3,14 +3,16 @@
 
 #include <string>
 
+#include "platform/setup/TVendorFolder.h"
+
 namespace NZEPQEL20::setup {
 
 /// The system's reason for a failure to write below the installation root, with what would help.
 std::string DescribeWriteFault(int error);
 
-/// Copies a regular file to a new one and has it on the disk. Whoever may read it may read the
+/// Copies a vendor's file to a new one and has it on the disk. Whoever may read it may read the
 /// copy, only its owner may write it; it can be executed when the original can.
 /// Errors: TQELException naming the file at fault and the system's reason.
-void CopyFile(const std::string& from, const std::string& to);
+void CopyFile(const TVendorFile& from, const std::string& to);
 
 }  // namespace NZEPQEL20::setup

@@ -16,6 +16,7 @@
 
 #include "platform/contract/TQELException.h"
 #include "platform/setup/FileCopy.h"
+#include "platform/setup/TVendorFolder.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -105,62 +106,60 @@ class THiddenFolder {
 /// Copies files of one folder into another.
 class TFolderCopy {
  public:
-  TFolderCopy(const std::string& from, std::string to) : m_from(from), m_to(std::move(to)) {
-    std::error_code error;
-    m_real = fs::canonical(from, error);
-    if (error) Refuse(from + ": cannot be read: " + error.message(), error.value());
-  }
+  TFolderCopy(const std::string& from, std::string to) : m_from(from), m_to(std::move(to)) {}
 
   void Copy(const std::vector<std::string>& files) {
     for (const std::string& file : files) Place(file);
-    for (const auto& [file, real] : m_links) CopyLink(file, real);
+    for (const TVendorFile& link : m_links) CopyLink(link);
   }
 
  private:
   /// Copies a plain file; a link waits until it is known which plain files are copied.
-  void Place(const std::string& file) {
-    std::error_code error;
-    const fs::path real = fs::canonical(file, error);
-    if (error) Refuse(file + ": cannot be copied: " + error.message(), error.value());
-    if (!IsBelow(real.string(), m_real.string())) {
-      Refuse(file + ": is a link to " + real.string() + ", outside the folder " + m_from.string() +
-             "; put the file itself into the folder; see rule R20");
-    }
-    if (fs::is_symlink(file, error)) {
-      m_links.emplace_back(file, real);
+  void Place(const std::string& name) {
+    TVendorFile file = Take(name);
+    if (file.isLink) {
+      // Thousands of links are not to hold as many folders open.
+      file.parent = TDescriptor();
+      m_links.push_back(std::move(file));
       return;
     }
-    const fs::path target = MakePlace(file);
-    CopyFile(real.string(), target.string());
-    m_copied.emplace(real, target);
+    const fs::path target = MakePlace(name);
+    CopyFile(file, target.string());
+    m_copied.emplace(file.real, target);
   }
 
-  void CopyLink(const std::string& file, const fs::path& real) {
-    const fs::path target = MakePlace(file);
-    const auto copied = m_copied.find(real);
+  void CopyLink(const TVendorFile& link) {
+    const fs::path target = MakePlace(link.name);
+    const auto copied = m_copied.find(link.real);
     if (copied == m_copied.end()) {
-      CopyFile(real.string(), target.string());
+      CopyFile(Take(link.name), target.string());
       return;
     }
-    const fs::path link = copied->second.lexically_relative(target.parent_path());
-    if (::symlink(link.c_str(), target.c_str()) != 0) {
+    const fs::path place = copied->second.lexically_relative(target.parent_path());
+    if (::symlink(place.c_str(), target.c_str()) != 0) {
       RefusePlace(target.string(), "cannot be made", errno);
     }
   }
 
   /// Where `file` goes; the folders above it are there.
   fs::path MakePlace(const std::string& file) {
-    const fs::path place = fs::path(file).lexically_relative(m_from);
+    const fs::path place = fs::path(file).lexically_relative(m_from.GetPath());
     fs::path folder = m_to;
     for (const fs::path& part : place.parent_path()) MakeFolder(folder /= part);
     return m_to / place;
   }
 
-  const fs::path m_from;
+  /// The file, held.
+  TVendorFile Take(const std::string& name) const {
+    TVendorFile file = m_from.Find(name);
+    if (!file.fault.empty()) Refuse(file.fault + "; " + file.remedy + "; see rule R20");
+    return file;
+  }
+
+  const TVendorFolder m_from;
   const fs::path m_to;
-  fs::path m_real;
-  std::map<fs::path, fs::path> m_copied;
-  std::vector<std::pair<std::string, fs::path>> m_links;
+  std::map<fs::path, fs::path> m_copied;  ///< By the place in the vendor's folder.
+  std::vector<TVendorFile> m_links;
 };
 
 bool Exists(const std::string& path) {

@@ -14,6 +14,7 @@
 #include "platform/setup/FolderInstall.h"
 #include "platform/setup/LibraryProbe.h"
 #include "platform/setup/ProviderCheck.h"
+#include "platform/setup/TVendorFolder.h"
 #include "platform/setup/VendorSchema.h"
 
 namespace NZEPQEL20::setup {
@@ -75,23 +76,10 @@ void AddOthers(const std::vector<std::string>& files, TProviderPackage& package)
                [&known](const std::string& file) { return known.insert(file).second; });
 }
 
-/// Why `file` cannot be copied out of `folder` (canonical); no text when it can.
-TProviderFinding FindFault(const std::string& file, const std::string& folder) {
-  std::error_code error;
-  const fs::path real = fs::canonical(file, error);
-  if (error) {
-    return {false, kRule, file + ": cannot be copied: " + error.message(),
-            "mend the link, or take it out of the folder"};
-  }
-  if (!IsBelow(real.string(), folder)) {
-    return {false, kRule,
-            file + ": is a link to " + real.string() + ", outside the folder " + folder,
-            "put the file itself into the folder"};
-  }
-  if (!fs::is_regular_file(real, error)) {
-    return {false, kRule, file + ": is not a regular file", "take it out of the folder"};
-  }
-  return {};
+/// What keeps `file` from being copied; no text when nothing does.
+TProviderFinding FindFault(const TVendorFile& file) {
+  if (file.fault.empty()) return {};
+  return {false, kRule, file.fault, file.remedy};
 }
 
 }  // namespace
@@ -99,10 +87,9 @@ TProviderFinding FindFault(const std::string& file, const std::string& folder) {
 std::vector<TProviderFinding> FindFileFaults(const TProviderPackage& package) {
   std::vector<TProviderFinding> faults;
   std::error_code error;
-  const fs::path real = fs::canonical(package.folder, error);
-  const std::string folder = error ? package.folder : real.string();
+  const TVendorFolder folder(package.folder);
   for (const std::string& file : GetFiles(package)) {
-    TProviderFinding fault = FindFault(file, folder);
+    TProviderFinding fault = FindFault(folder.Find(file));
     if (!fault.text.empty()) faults.push_back(std::move(fault));
   }
   for (const std::string& file : package.others) {
