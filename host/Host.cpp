@@ -212,6 +212,7 @@ int RunHost(int argc, char** argv) noexcept {
   try {
     OpenStandardDescriptors();
     InstallTerminateHandler();
+    const TExitGuard guard;
     // Progress has to show when it is made, also through a pipe.
     static_cast<void>(std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ));
     // A reader that goes away must not end the process in the middle of a test.

@@ -4,8 +4,10 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <mutex>
 #include <string>
@@ -56,20 +58,20 @@ void Write(int descriptor, std::string_view text) {
 }
 
 // The mutex is kept for good: whoever has set the words waits with what they use for the end.
-void SayLastWords() {
+void SayLastWords(std::string (*getReason)()) {
   if (!wordsMutex.try_lock() || lastWords == nullptr) return;
-  Write(GetOutputDescriptor(), (*lastWords)(GetReason()));
+  Write(GetOutputDescriptor(), (*lastWords)(getReason()));
 }
 
-[[noreturn]] void EndProcess() noexcept {
+[[noreturn]] void EndProcess(std::string (*getReason)(), const char* end) noexcept {
   FlushOutput();
   try {
-    SayLastWords();
+    SayLastWords(getReason);
   } catch (...) {
     // The line below is said in any case.
   }
   try {
-    Write(STDERR_FILENO, "diagsrun: " + SafeText(GetReason(), ELines::kOne) + kNotKnown);
+    Write(STDERR_FILENO, "diagsrun: " + SafeText(getReason(), ELines::kOne) + end);
   } catch (...) {
     Write(STDERR_FILENO, "diagsrun: out of memory");
     Write(STDERR_FILENO, kNotKnown);
@@ -77,10 +79,29 @@ void SayLastWords() {
   ::_exit(static_cast<int>(EExitStatus::kNotFinished));
 }
 
+// The process in which exit() must not be called; none when it may.
+std::atomic<pid_t> guarded{0};
+
+// Children that a provider forks end as they like.
+void OnExit() {
+  if (::getpid() != guarded) return;
+  EndProcess([] { return std::string("a provider's library ended the process"); },
+             "; what was under way is not known; see rule R7\n");
+}
+
 }  // namespace
 
 void InstallTerminateHandler() noexcept {
-  std::set_terminate(&EndProcess);
+  std::set_terminate([] { EndProcess(&GetReason, kNotKnown); });
+}
+
+TExitGuard::TExitGuard() noexcept {
+  static const bool kIsInstalled = std::atexit(&OnExit) == 0;
+  if (kIsInstalled) guarded = ::getpid();
+}
+
+TExitGuard::~TExitGuard() {
+  guarded = 0;
 }
 
 TLastWordsHold::TLastWordsHold(TLastWords words) : m_words(std::move(words)) {

@@ -11,6 +11,16 @@ namespace host {
 /// that announces its duration is on a thread of the runner's, which lets exceptions go.
 void InstallTerminateHandler() noexcept;
 
+/// While it lives, an exit() of this process, which only a provider's library would call, ends it
+/// with kNotFinished after one line on standard error: not with a status that passes for a test's.
+class TExitGuard {
+ public:
+  TExitGuard() noexcept;
+  ~TExitGuard();
+  TExitGuard(const TExitGuard&) = delete;
+  TExitGuard& operator=(const TExitGuard&) = delete;
+};
+
 /// What standard output still has to say, for the reason given.
 using TLastWords = std::function<std::string(const std::string& reason)>;
 

@@ -6,7 +6,7 @@
 namespace NZEPQEL20::cmpi {
 
 /// How many ended objects of a thread keep their memory.
-constexpr std::size_t kKeptShells = 512;
+constexpr std::size_t kKeptShells = 2048;
 
 /// What an ended string has for a text.
 inline constexpr char kEndedText[1] = {};

@@ -66,6 +66,8 @@ TCallOutcome TCMPIOperations::TParts::AskFirst(const TServices& services, const 
     } catch (const TQELException& failure) {
       const bool isElsewhere =
           IsRefusal(failure) || failure.GetCIMStatus() == CMPI_RC_ERR_NOT_FOUND;
+      // Whoever asks may say no more than that nothing came. A provider's own question is its own.
+      if (!isElsewhere && !TScope::IsInCall()) providers.Report(failure.what());
       if (!isElsewhere && !isReading) throw;
       failed.Add(failure);
     }

@@ -34,9 +34,9 @@ void TBrokerObject::Release() noexcept {
     delete this;
     return;
   }
-  // Inside a call, providers release twice or use what they released: the scope ends soon enough.
-  // A thread's own scope may live for ever, so there the memory is needed back at once.
-  if (m_scope == currentScope && m_scope->GetKind() == TScope::EKind::kThread) delete this;
+  // A call may take hours, and its provider poll all the while: the memory is needed back at once.
+  // The list of another thread's scope is that thread's.
+  if (m_scope->IsOfThisThread()) delete this;
 }
 
 TScope::TScope(EKind kind) : m_kind(kind), m_outer(currentScope) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 
 namespace NZEPQEL20::cmpi {
@@ -28,9 +29,9 @@ class TBrokerObject {
   /// The content as text for people.
   virtual std::string Describe() const = 0;
 
-  /// Ends the object as far as its lifetime allows. A second release of a scoped object of a
-  /// provider call is harmless: its memory stays until the scope ends.
-  /// Threads: from another thread than the scope's, the memory stays until the scope ends.
+  /// Ends the object as far as its lifetime allows. For a while, a second release of it meets a
+  /// shell that refuses.
+  /// Threads: from another thread than the scope's, the object stays until the scope ends.
   void Release() noexcept;
 
   ELifetime GetLifetime() const { return m_lifetime; }
@@ -80,7 +81,7 @@ class TScope {
   static bool IsInCall() noexcept;
 
   void Adopt(std::unique_ptr<TBrokerObject> object) noexcept;
-  EKind GetKind() const { return m_kind; }
+  bool IsOfThisThread() const { return m_thread == std::this_thread::get_id(); }
 
  private:
   friend class TBrokerObject;
@@ -89,6 +90,7 @@ class TScope {
   void CloseInner() noexcept;
 
   EKind m_kind;
+  std::thread::id m_thread = std::this_thread::get_id();
   bool m_isOnHeap = false;
   TScope* m_outer;
   TBrokerObject* m_first = nullptr;

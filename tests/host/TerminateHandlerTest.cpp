@@ -2,9 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <functional>
@@ -54,6 +56,39 @@ INSTANTIATE_TEST_SUITE_P(
                               "^diagsrun: ended without a reason; the test's outcome is not "
                               "known\n$"}),
     [](const auto& row) { return row.param.name; });
+
+TEST(ExitGuardTest, AnExitWhileItLivesIsSaidAndIsNotThatOfAPass) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto endGuarded = [] {
+    const TExitGuard guard;
+    std::exit(0);
+  };
+  EXPECT_EXIT(endGuarded(), ::testing::ExitedWithCode(2),
+              "^diagsrun: a provider's library ended the process; what was under way is not known; "
+              "see rule R7\n$");
+}
+
+TEST(ExitGuardTest, AnExitAfterItsEndIsThatOfTheProgram) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto end = [] {
+    { const TExitGuard guard; }
+    std::exit(3);
+  };
+  EXPECT_EXIT(end(), ::testing::ExitedWithCode(3), "^$");
+}
+
+TEST(ExitGuardTest, AChildProcessEndsAsItLikes) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto fork = [] {
+    const TExitGuard guard;
+    const pid_t child = ::fork();
+    if (child == 0) std::exit(5);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ::_exit(WEXITSTATUS(status));
+  };
+  EXPECT_EXIT(fork(), ::testing::ExitedWithCode(5), "^$");
+}
 
 // A text that there is no memory for a copy of.
 class THugeText : public std::exception {
