@@ -15,6 +15,8 @@
 namespace NZEPQEL20::setup {
 namespace {
 
+// Of the original's permissions; nobody else writes, and no file lends its owner's rights.
+constexpr mode_t kKept = 0755;
 constexpr std::size_t kPiece = 65536;
 
 constexpr int kNew = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
@@ -94,8 +96,7 @@ void CopyFile(const TVendorFile& from, const std::string& to) {
   for (std::size_t count = 0; (count = source.Read(piece.data(), piece.size())) > 0;) {
     target.Write(piece.data(), count);
   }
-  const bool isProgram = (from.status.st_mode & S_IXUSR) != 0;
-  target.Finish(isProgram ? 0755 : 0644);
+  target.Finish(from.status.st_mode & kKept);
 }
 
 }  // namespace NZEPQEL20::setup

@@ -10,8 +10,8 @@ namespace NZEPQEL20::setup {
 /// The system's reason for a failure to write below the installation root, with what would help.
 std::string DescribeWriteFault(int error);
 
-/// Copies a vendor's file to a new one and has it on the disk. Whoever may read it may read the
-/// copy, only its owner may write it; it can be executed when the original can.
+/// Copies a vendor's file to a new one and has it on the disk. The copy has the original's
+/// permissions but those of others to write it, and no set-user-ID or set-group-ID.
 /// Errors: TQELException naming the file at fault and the system's reason.
 void CopyFile(const TVendorFile& from, const std::string& to);
 

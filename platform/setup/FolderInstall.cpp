@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <system_error>
 
 #include "platform/contract/TQELException.h"
@@ -36,9 +37,24 @@ constexpr mode_t kFolderMode = 0755;
   Refuse(place + ": " + what + ": " + DescribeWriteFault(error), error);
 }
 
+/// A folder that is made here can be entered by everybody, whatever the caller's mask says.
 void MakeFolder(const fs::path& folder) {
-  if (::mkdir(folder.c_str(), kFolderMode) != 0 && errno != EEXIST) {
+  if (::mkdir(folder.c_str(), kFolderMode) != 0) {
+    if (errno == EEXIST) return;
     RefusePlace(folder.string(), "cannot be made", errno);
+  }
+  const TDescriptor made(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (made.Get() < 0 || ::fchmod(made.Get(), kFolderMode) != 0) {
+    RefusePlace(folder.string(), "cannot have its permissions", errno);
+  }
+}
+
+/// Has the disk know the names in a folder.
+void SyncFolder(const fs::path& folder) {
+  const TDescriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  // EINVAL comes from file systems that have nothing to do for this.
+  if (opened.Get() < 0 || (::fsync(opened.Get()) != 0 && errno != EINVAL)) {
+    RefusePlace(folder.string(), "cannot be written", errno);
   }
 }
 
@@ -66,10 +82,12 @@ class THeldFolder {
   void Tidy(const std::string& name) const {
     std::error_code error;
     const std::string start = '.' + name + ".tmp-";
-    for (const fs::directory_entry& entry : fs::directory_iterator(m_folder, error)) {
-      if (entry.path().filename().string().compare(0, start.size(), start) == 0) {
+    // What cannot be read or removed stays; it is in nobody's way.
+    for (fs::directory_iterator next(m_folder, error), end; !error && next != end;
+         next.increment(error)) {
+      if (next->path().filename().string().compare(0, start.size(), start) == 0) {
         std::error_code ignored;
-        fs::remove_all(entry.path(), ignored);
+        fs::remove_all(next->path(), ignored);
       }
     }
   }
@@ -111,6 +129,7 @@ class TFolderCopy {
   void Copy(const std::vector<std::string>& files) {
     for (const std::string& file : files) Place(file);
     for (const TVendorFile& link : m_links) CopyLink(link);
+    for (const fs::path& folder : m_folders) SyncFolder(folder);
   }
 
  private:
@@ -145,7 +164,10 @@ class TFolderCopy {
   fs::path MakePlace(const std::string& file) {
     const fs::path place = fs::path(file).lexically_relative(m_from.GetPath());
     fs::path folder = m_to;
-    for (const fs::path& part : place.parent_path()) MakeFolder(folder /= part);
+    m_folders.insert(folder);
+    for (const fs::path& part : place.parent_path()) {
+      if (m_folders.insert(folder /= part).second) MakeFolder(folder);
+    }
     return m_to / place;
   }
 
@@ -158,6 +180,7 @@ class TFolderCopy {
 
   const TVendorFolder m_from;
   const fs::path m_to;
+  std::set<fs::path> m_folders;           ///< In which something was put.
   std::map<fs::path, fs::path> m_copied;  ///< By the place in the vendor's folder.
   std::vector<TVendorFile> m_links;
 };

@@ -107,6 +107,27 @@ std::vector<TProviderFinding> FindFileFaults(const TProviderPackage& package) {
   return faults;
 }
 
+std::vector<TProviderFinding> FindPrivateFiles(const TProviderPackage& package) {
+  constexpr mode_t kEverybody = 0444;
+  std::set<std::string> files;
+  for (const auto* some : {&package.libraries, &package.schema, &package.registrations}) {
+    files.insert(some->begin(), some->end());
+  }
+  for (std::string& file : FindIncluded(package)) files.insert(std::move(file));
+  const TVendorFolder folder(package.folder);
+  const auto isPrivate = [&folder](const std::string& name) {
+    const TVendorFile file = folder.Find(name);
+    return file.fault.empty() && (file.status.st_mode & kEverybody) != kEverybody;
+  };
+  const auto first = std::find_if(files.begin(), files.end(), isPrivate);
+  if (first == files.end()) return {};
+  const auto more = std::count_if(std::next(first), files.end(), isPrivate);
+  return {{true, kRule,
+           *first + (more == 0 ? "" : " and " + std::to_string(more) + " more") +
+               " cannot be read by everybody, and neither can the installed copy",
+           "make it readable (chmod a+r) when other users are to run the tests"}};
+}
+
 std::vector<std::string> CollectFiles(const TProviderPackage& package) {
   const std::vector<TProviderFinding> faults = FindFileFaults(package);
   if (!faults.empty()) {

@@ -23,4 +23,7 @@ std::vector<std::string> CollectFiles(const TProviderPackage& package);
 /// are no regular files or too large.
 std::vector<TProviderFinding> FindFileFaults(const TProviderPackage& package);
 
+/// A warning when there are libraries, MOF or registrations that not everybody can read.
+std::vector<TProviderFinding> FindPrivateFiles(const TProviderPackage& package);
+
 }  // namespace NZEPQEL20::setup

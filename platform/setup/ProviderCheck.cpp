@@ -112,6 +112,7 @@ std::vector<TProviderFinding> CheckProvider(const std::string& root,
     findings.push_back({true, "R1", problem, "keep the folder small and readable"});
   }
   Append(findings, FindFileFaults(package));
+  Append(findings, FindPrivateFiles(package));
   const TRegistrations registrations = ReadRegistrations(package);
   Append(findings, CheckRegistrations(package, registrations));
   TPackageClasses loaded = LoadPackageClasses(root, package);

@@ -38,7 +38,8 @@ TEST(FileCopyTest, BytesArriveAsTheyAreAndPermissionsAsTheyShould) {
     mode_t before;
     mode_t after;
   };
-  for (const TMode mode : {TMode{0600, 0644}, TMode{0666, 0644}, TMode{04777, 0755}}) {
+  for (const TMode mode : {TMode{0600, 0600}, TMode{0640, 0640}, TMode{0666, 0644},
+                           TMode{06777, 0755}, TMode{0700, 0700}}) {
     const std::string copy = folder.GetPath("copy" + std::to_string(mode.before));
     CopyFile(Find(folder.Write("from", bytes, mode.before)), copy);
     std::ifstream in(copy, std::ios::binary);

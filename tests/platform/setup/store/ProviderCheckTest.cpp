@@ -163,6 +163,19 @@ TEST_F(ProviderCheckTest, AFolderThatServesTheSameClassesIsOneWarning) {
                            ".*/providers/other, too; .*"));
 }
 
+TEST_F(ProviderCheckTest, WhatNotEverybodyCanReadIsOneWarning) {
+  Register("A_Base");
+  m_vendor.Write("private.conf", "password=x\n", 0600);
+  EXPECT_EQ(ShowAll(Check()), "");
+  m_vendor.Write("a.mof", "#pragma include (\"part.inc\")\n", 0640);
+  m_vendor.Write("part.inc", "", 0600);
+  const auto findings = Check();
+  ASSERT_THAT(findings, SizeIs(1)) << ShowAll(findings);
+  EXPECT_THAT(Show(findings[0]),
+              MatchesRegex("warning R20: .*/a.mof and 1 more cannot be read by everybody, and "
+                           "neither can the installed copy; make it readable .*"));
+}
+
 TEST_F(ProviderCheckTest, ErrorsComeFirstAndNothingTwice) {
   Take(kGood, "libunused.so");
   m_vendor.Write("x.registration",

@@ -104,17 +104,39 @@ TEST_F(ProviderStoreTest, AnAddedFolderIsListedAndHoldsItsFilesInTheirPlaces) {
 }
 
 TEST_F(ProviderStoreTest, PermissionsAreThoseOfInstalledFilesWhateverTheMask) {
-  const mode_t before = ::umask(0);
-  fs::permissions(m_vendor.GetPath("lib"), fs::perms::all);
-  Add("acme");
-  ::umask(before);
-  for (const char* file : {"", "/lib", "/lib/libgood.so.1.2", "/acme.registration"}) {
-    struct stat status = {};
-    ASSERT_EQ(::stat((m_root.GetPath("providers/acme") + file).c_str(), &status), 0) << file;
-    EXPECT_EQ(status.st_mode & 0022U, 0U) << file;
-    EXPECT_EQ(status.st_mode & 0444U, 0444U) << file;
-    EXPECT_EQ(status.st_uid, ::geteuid()) << file;
+  for (const mode_t mask : {0U, 077U}) {
+    const TTemporaryFolder root;
+    const TProviderStore store(root.GetPath());
+    const mode_t before = ::umask(mask);
+    fs::permissions(m_vendor.GetPath("lib"), fs::perms::all);
+    store.Add(m_store.Read(m_vendor.GetPath()), "acme", false);
+    ::umask(before);
+    for (const char* file : {"", "/acme", "/acme/lib", "/acme/lib/libgood.so.1.2", "/acme/mof",
+                             "/acme/mof/inc", "/acme/acme.registration"}) {
+      struct stat status = {};
+      ASSERT_EQ(::stat((root.GetPath("providers") + file).c_str(), &status), 0) << file;
+      EXPECT_EQ(status.st_mode & 0022U, 0U) << file;
+      EXPECT_EQ(status.st_mode & 0444U, 0444U) << file;
+      if (S_ISDIR(status.st_mode)) {
+        EXPECT_EQ(status.st_mode & 0777U, 0755U) << file;
+      }
+      EXPECT_EQ(status.st_uid, ::geteuid()) << file;
+    }
   }
+}
+
+TEST_F(ProviderStoreTest, AProvidersFolderThatIsThereKeepsItsPermissions) {
+  fs::create_directory(m_root.GetPath("providers"));
+  fs::permissions(m_root.GetPath("providers"), fs::perms::owner_all);
+  Add("acme");
+  EXPECT_EQ(fs::status(m_root.GetPath("providers")).permissions(), fs::perms::owner_all);
+}
+
+TEST_F(ProviderStoreTest, APrivateFileStaysPrivate) {
+  m_vendor.Write("acme.conf", "password=x\n", 0600);
+  Add("acme");
+  EXPECT_EQ(fs::status(m_root.GetPath("providers/acme/acme.conf")).permissions(),
+            static_cast<fs::perms>(0600));
 }
 
 TEST_F(ProviderStoreTest, AnExistingFolderIsReplacedWholeAndOnlyWhenAsked) {

@@ -18,6 +18,14 @@ void PrintTo(const TProviderFinding& finding, std::ostream* out);
 
 namespace NZEPQEL20::setup {
 
+/// A vendor's folder; what is written to it can be read by everybody, as it should.
+class TWrittenFolder : public TTemporaryFolder {
+ public:
+  std::string Write(const std::string& name, const std::string& text, mode_t mode = 0644) const {
+    return TTemporaryFolder::Write(name, text, mode);
+  }
+};
+
 /// An installation root of a test's own, and a vendor's folder outside of it.
 class TStoreTest : public testing::Test {
  protected:
@@ -37,7 +45,7 @@ class TStoreTest : public testing::Test {
   std::string Read(const std::string& file) const;
 
   TTemporaryFolder m_root;
-  TTemporaryFolder m_vendor;
+  TWrittenFolder m_vendor;
   TProviderStore m_store;
 };
 
