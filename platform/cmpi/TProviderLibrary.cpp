@@ -34,10 +34,16 @@ void TProviderLibrary::Open() {
     m_isTried = true;
     const TLoadedLibrary loaded = LoadLibrary(m_path, m_folder);
     m_handle = loaded.handle;
+    if (!loaded.doubt.empty()) m_doubt = "provider library " + m_path + ' ' + loaded.doubt;
     m_fault = "provider library " + m_path + " cannot be loaded: " + loaded.reason + "; " +
               loaded.remedy + "; see rule " + loaded.rule;
   }
   if (m_handle == nullptr) throw TQELException(TQELStatusCode::kFailed, m_fault);
+}
+
+std::string TProviderLibrary::GetDoubt() {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  return m_doubt;
 }
 
 void* TProviderLibrary::FindSymbol(const std::string& name) const {

@@ -25,6 +25,9 @@ class TProviderLibrary {
   /// Errors: TQELException naming the library, the loader's reason and what would mend it; every
   /// time the same, the library is tried once.
   void Open();
+  /// What Open() has found to be doubtful about a library that it could load, in one line for
+  /// people; empty when there is nothing.
+  std::string GetDoubt();
 
   /// Has the library make the provider object of `kind` ("Instance", "Association", "Method",
   /// "Property") for the provider name, which `site` is the home of: through the factory for that
@@ -44,6 +47,7 @@ class TProviderLibrary {
   bool m_isTried = false;
   void* m_handle = nullptr;
   std::string m_fault;
+  std::string m_doubt;
 };
 
 }  // namespace NZEPQEL20::cmpi

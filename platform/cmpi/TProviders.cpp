@@ -185,6 +185,8 @@ void TProviders::OpenLibraries() {
   for (auto& [path, library] : m_libraries) {
     try {
       library->Open();
+      const std::string doubt = library->GetDoubt();
+      if (!doubt.empty()) Report(doubt);
     } catch (const TQELException& failure) {
       Report(failure.what());
     }

@@ -104,6 +104,22 @@ TEST_P(FaultyProviderTest, FailsWithItsReasonOnceWhileOthersGoOn) {
   EXPECT_FALSE(m_operations->GetProblems().empty());
 }
 
+TEST_F(MisbehavingProvidersTest, ALibraryThatIsCutOffIsAReasonWhileOthersGoOn) {
+  Host("twice", "nodone");
+  const std::string library = GetFolder() + "libtwice.so";
+  std::string bytes(9000, '\0');
+  std::ifstream(library, std::ios::binary).read(bytes.data(), 9000);
+  unlink(library.c_str());
+  std::ofstream(library, std::ios::binary) << bytes;
+  m_operations->OpenLibraries();
+  EXPECT_THAT(m_operations->GetProblems(),
+              testing::ElementsAre("provider library " + library +
+                                   " cannot be loaded: the file is cut off: it has 9000 bytes, and "
+                                   "a segment of it ends behind them; ship a library for this "
+                                   "machine; see rule R14"));
+  EXPECT_EQ(Enumerate("BAD_Base").size(), 1U);
+}
+
 INSTANTIATE_TEST_SUITE_P(Libraries, FaultyProviderTest,
                          testing::Values(TFaultRow{"notalibrary", "cannot be loaded"},
                                          TFaultRow{"missing", "cannot be loaded"},

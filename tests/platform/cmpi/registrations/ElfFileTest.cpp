@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -72,16 +71,14 @@ TEST(ElfFileTest, WhatIsNoFileOfBytesIsExplained) {
   EXPECT_THAT(TElfFile(vendor.Write("empty", "")).GetFault(), HasSubstr("no ELF header"));
 }
 
-TEST(ElfFileTest, EveryCutAndEveryFlippedByteOfTheTablesIsSurvived) {
+TEST(ElfFileTest, CutsAndFlippedBytesAnywhereAreSurvived) {
   const std::string whole = ReadLibrary("libneedscommon.so");
   const TVendor vendor;
   for (std::size_t size = 0; size < whole.size(); size += 509) {
     TElfFile(vendor.Write("cut", whole.substr(0, size)));
   }
-  std::uint64_t sections = 0;
-  whole.copy(reinterpret_cast<char*>(&sections), sizeof sections, offsetof(Elf64_Ehdr, e_shoff));
   std::size_t survived = 0;
-  for (std::size_t place = sections; place < whole.size(); place += 3) {
+  for (std::size_t place = 0; place < whole.size(); place += 37) {
     std::string bytes = whole;
     bytes[place] = '\xFF';
     survived += TElfFile(vendor.Write("flipped", bytes)).GetFault().empty() ? 1U : 0U;

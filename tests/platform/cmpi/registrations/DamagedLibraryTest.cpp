@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+// Files that would end or hang the process if the loader had them.
+#include <dlfcn.h>
+#include <elf.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <link.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "platform/cmpi/LibraryLoading.h"
+#include "platform/cmpi/TElfFile.h"
+#include "tests/platform/cmpi/registrations/TVendor.h"
+
+namespace NZEPQEL20 {
+namespace {
+
+using ::testing::Contains;
+using ::testing::HasSubstr;
+
+std::string ReadLibrary(const std::string& name) {
+  std::ifstream file(std::string(DIAGS_VENDOR_DIR) + "/" + name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+template <class T>
+T GetRecord(const std::string& bytes, std::size_t place) {
+  T record = {};
+  std::memcpy(&record, bytes.data() + place, sizeof record);
+  return record;
+}
+
+/// Where the bytes end that the loader maps.
+std::size_t FindLoadedEnd(const std::string& bytes) {
+  const auto header = GetRecord<ElfW(Ehdr)>(bytes, 0);
+  std::size_t end = 0;
+  for (std::size_t i = 0; i < header.e_phnum; ++i) {
+    const auto segment = GetRecord<ElfW(Phdr)>(bytes, header.e_phoff + i * sizeof(ElfW(Phdr)));
+    if (segment.p_type == PT_LOAD) end = std::max(end, segment.p_offset + segment.p_filesz);
+  }
+  return end;
+}
+
+TEST(DamagedLibraryTest, ALibraryThatIsCutOffAnywhereIsRefusedBeforeItIsLoaded) {
+  const std::string whole = ReadLibrary("libvendorCommon.so");
+  const std::size_t end = FindLoadedEnd(whole);
+  ASSERT_GT(end, 9000U);
+  const TVendor vendor;
+  for (const std::size_t size : {std::size_t{0}, std::size_t{10}, std::size_t{40}, std::size_t{100},
+                                 std::size_t{4096}, std::size_t{9000}, end - 1}) {
+    const std::string path = vendor.Write("libcut.so", whole.substr(0, size));
+    const TLoadedLibrary loaded = LoadLibrary(path, vendor.GetPath());
+    EXPECT_EQ(loaded.handle, nullptr) << size;
+    EXPECT_EQ(loaded.rule, "R14") << size;
+    EXPECT_THAT(loaded.reason,
+                HasSubstr(size < 20 ? "the file is no library" : "the file is cut off"))
+        << size;
+  }
+}
+
+TEST(DamagedLibraryTest, WhatFollowsTheSegmentsMayBeMissing) {
+  const std::string whole = ReadLibrary("libvendorCommon.so");
+  const TVendor vendor;
+  const std::string path = vendor.Write("libstripped.so", whole.substr(0, FindLoadedEnd(whole)));
+  const TElfFile elf(path);
+  EXPECT_EQ(elf.GetFault(), "");
+  EXPECT_EQ(elf.GetSoname(), "libvendorCommon.so.0");
+  EXPECT_TRUE(elf.HasAllSymbols());
+  EXPECT_THAT(elf.GetSymbols(), Contains("VendorCommon"));
+  EXPECT_NE(LoadLibrary(path, vendor.GetPath()).handle, nullptr);
+}
+
+TEST(DamagedLibraryTest, WhatIsNoRegularFileIsRefusedAtOnce) {
+  const TVendor vendor;
+  const std::string pipe = vendor.GetPath("libpipe.so");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::filesystem::create_directory(vendor.GetPath("libfolder.so"));
+  std::filesystem::create_symlink("/dev/zero", vendor.GetPath("libdevice.so"));
+  for (const char* name : {"libpipe.so", "libfolder.so", "libdevice.so"}) {
+    const TLoadedLibrary loaded = LoadLibrary(vendor.GetPath(name), vendor.GetPath());
+    EXPECT_EQ(loaded.handle, nullptr) << name;
+    EXPECT_EQ(loaded.reason, "the file is no library (not a regular file)") << name;
+    EXPECT_EQ(loaded.rule, "R14") << name;
+  }
+}
+
+TEST(DamagedLibraryTest, ASiblingThatIsCutOffIsRefusedWithItsName) {
+  const TVendor vendor;
+  const std::string path = vendor.Write("libx.so", ReadLibrary("libneedsnameless.so"));
+  const std::string sibling =
+      vendor.Write("lib/libvendorNameless.so", ReadLibrary("libvendorNameless.so").substr(0, 9000));
+  const TLoadedLibrary loaded = LoadLibrary(path, vendor.GetPath());
+  EXPECT_EQ(loaded.handle, nullptr);
+  EXPECT_EQ(loaded.rule, "R14");
+  EXPECT_EQ(loaded.reason, "it needs " + sibling +
+                               ", which is cut off: it has 9000 bytes, and a segment of it ends "
+                               "behind them");
+}
+
+/// The library with the value of a dynamic entry replaced.
+std::string Replace(std::string bytes, ElfW(Sxword) tag, ElfW(Xword) value) {
+  const auto header = GetRecord<ElfW(Ehdr)>(bytes, 0);
+  for (std::size_t i = 0; i < header.e_phnum; ++i) {
+    const auto segment = GetRecord<ElfW(Phdr)>(bytes, header.e_phoff + i * sizeof(ElfW(Phdr)));
+    if (segment.p_type != PT_DYNAMIC) continue;
+    for (std::size_t at = segment.p_offset; at < segment.p_offset + segment.p_filesz;
+         at += sizeof(ElfW(Dyn))) {
+      auto entry = GetRecord<ElfW(Dyn)>(bytes, at);
+      if (entry.d_tag != tag) continue;
+      entry.d_un.d_val = value;
+      bytes.replace(at, sizeof entry, reinterpret_cast<const char*>(&entry), sizeof entry);
+    }
+  }
+  return bytes;
+}
+
+TEST(DamagedLibraryTest, NamesThatLieOutsideAreAFault) {
+  const TVendor vendor;
+  const std::string whole = ReadLibrary("libvendorCommon.so");
+  for (const ElfW(Sxword) tag : {DT_STRTAB, DT_SYMTAB}) {
+    const std::string path = vendor.Write("libx.so", Replace(whole, tag, ElfW(Xword){1} << 40U));
+    EXPECT_EQ(TElfFile(path).GetFault(), "is damaged: its names are outside of it");
+  }
+}
+
+TEST(DamagedLibraryTest, WithoutACountOfSymbolsNothingIsSaidOfThem) {
+  const TVendor vendor;
+  std::string bytes = ReadLibrary("libvendorCommon.so");
+  for (const ElfW(Sxword) tag : {DT_HASH, DT_GNU_HASH}) {
+    bytes = Replace(bytes, tag, ElfW(Xword){1} << 40U);
+  }
+  const std::string path = vendor.Write("libx.so", bytes);
+  EXPECT_FALSE(TElfFile(path).HasAllSymbols());
+  EXPECT_EQ(DescribeFactories(path), "");
+}
+
+}  // namespace
+}  // namespace NZEPQEL20
