@@ -53,6 +53,11 @@ TEST_F(DataSchemaTest, KeysAreThoseOfTheCimSchema) {
   EXPECT_EQ(GetKeys("CIM_RecordAppliesToElement"), (TLines{"Antecedent", "Dependent"}));
   EXPECT_EQ(GetKeys("CIM_DiagnosticCompletionRecord"), TLines{"InstanceID"});
   EXPECT_EQ(GetKeys("CIM_ConcreteJob"), TLines{"InstanceID"});
+  EXPECT_EQ(GetKeys("CIM_UnitaryComputerSystem"), (TLines{"Name", "CreationClassName"}));
+  EXPECT_EQ(GetKeys("CIM_OperatingSystem"),
+            (TLines{"Name", "CSCreationClassName", "CSName", "CreationClassName"}));
+  EXPECT_EQ(GetKeys("CIM_RunningOS"), (TLines{"Antecedent", "Dependent"}));
+  EXPECT_EQ(GetKeys("CIM_Indication"), TLines{});
   EXPECT_EQ(GetKeys("CIM_OwningJobElement"), (TLines{"OwningElement", "OwnedElement"}));
   EXPECT_EQ(GetKeys("CIM_AffectedJobElement"), (TLines{"AffectedElement", "AffectingElement"}));
 }
