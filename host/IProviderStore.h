@@ -30,7 +30,8 @@ class IProviderStore {
   virtual void Add(const NZEPQEL20::TProviderPackage& package, const std::string& name,
                    bool isReplacing) = 0;
 
-  virtual void Remove(const std::string& name) = 0;
+  /// The bundled provider goes only when forced; kInvalidArgument otherwise.
+  virtual void Remove(const std::string& name, bool isForced) = 0;
 };
 
 }  // namespace host

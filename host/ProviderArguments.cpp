@@ -49,6 +49,7 @@ void AddProviderCommand(CLI::App& app, TProviderArguments& arguments, bool& isJs
       ->type_name("NAME")
       ->expected(1)
       ->required();
+  remove->add_flag("--force", arguments.isForced, "Remove it although it is the bundled provider");
   AddAction(*provider, "list", "List the installed folders with what they register", arguments,
             EProviderAction::kList, isJson);
   CLI::App* check = AddAction(*provider, "check", "Say what is wrong with folders, and what helps",

@@ -18,7 +18,7 @@ struct TProviderArguments {
   std::vector<std::string> targets;  ///< Names, folders, files; exactly one for add and remove.
   std::string name;                  ///< Name to install under; empty: the folder's own.
   bool isReplacing = false;          ///< One of that name may go.
-  bool isForced = false;             ///< Also with errors.
+  bool isForced = false;             ///< Add: also with errors. Remove: also the bundled one.
 };
 
 /// Adds the command `provider` with its commands to `app`; their values go into `arguments` and

@@ -222,7 +222,13 @@ EExitStatus TProviderCommand::Remove() {
   if (found == installed.end()) {
     throw TUsageError(name, "is not installed; " + DescribeNames(installed));
   }
-  m_store.Remove(name);
+  try {
+    m_store.Remove(name, m_arguments.isForced);
+  } catch (const TQELException& e) {
+    if (!(e.GetStatusCode() == TQELStatusCode::kInvalidArgument)) throw;
+    m_around.Complain(e.what() + std::string("; --force removes it all the same"));
+    return EExitStatus::kNotFinished;
+  }
   if (m_isJson) {
     WriteRemoveDocument(m_around.out, *found);
   } else {

@@ -30,8 +30,8 @@ void TInstalledProviders::Add(const NZEPQEL20::TProviderPackage& package, const 
   m_store.Add(package, name, isReplacing);
 }
 
-void TInstalledProviders::Remove(const std::string& name) {
-  m_store.Remove(name);
+void TInstalledProviders::Remove(const std::string& name, bool isForced) {
+  m_store.Remove(name, isForced);
 }
 
 }  // namespace host

@@ -19,7 +19,7 @@ class TInstalledProviders : public IProviderStore {
       const NZEPQEL20::TProviderPackage& package) override;
   void Add(const NZEPQEL20::TProviderPackage& package, const std::string& name,
            bool isReplacing) override;
-  void Remove(const std::string& name) override;
+  void Remove(const std::string& name, bool isForced) override;
 
  private:
   std::string m_root;

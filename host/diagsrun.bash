@@ -89,6 +89,7 @@ _diagsrun() {
     inspect) words+=" --json" ;;
     provider) words+=" add remove list check" ;;
     provideradd) words+=" --json --name --replace --force" ;;
+    providerremove) words+=" --json --force" ;;
     provider*) words+=" --json" ;;
     *) words+=" --version list run inspect provider" ;;
   esac

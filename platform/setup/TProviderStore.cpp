@@ -96,11 +96,17 @@ void TProviderStore::Add(const TProviderPackage& package, const std::string& nam
                        replace);
 }
 
-void TProviderStore::Remove(const std::string& name) const {
+void TProviderStore::Remove(const std::string& name, bool force) const {
   const std::vector<fs::path> folders = FindFolders(GetProviders(m_root));
   std::string names;
   for (const fs::path& folder : folders) {
     if (folder.filename() == name) {
+      if (name == kBundled && !force) {
+        Refuse(TQELStatusCode::kInvalidArgument,
+               name +
+                   ": is the bundled provider; without it the tests of the processor, memory, "
+                   "disks and network are gone");
+      }
       setup::RemoveFolder(GetProviders(m_root), name);
       return;
     }

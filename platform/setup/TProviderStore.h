@@ -61,9 +61,10 @@ class DIAGSPLATFORM_EXPORT TProviderStore {
   /// Errors: TQELException naming the file and the reason.
   void Add(const TProviderPackage& package, const std::string& name, bool replace) const;
 
-  /// Errors: TQELException: nothing of that name (naming those that are there), or it cannot be
-  /// removed.
-  void Remove(const std::string& name) const;
+  /// The bundled provider goes only with `force`.
+  /// Errors: TQELException: nothing of that name (naming those that are there), it cannot be
+  /// removed; kInvalidArgument: it is the bundled one.
+  void Remove(const std::string& name, bool force = false) const;
 
  private:
   std::string m_root;

@@ -54,6 +54,7 @@ INSTANTIATE_TEST_SUITE_P(
                     {"provider", "list", "--m"},
                     "--method-timeout\n--max-reply\n"},
         TCompletion{"OptionsOfAdd", {"provider", "add", "--fo"}, "--force\n"},
+        TCompletion{"OptionsOfRemove", {"provider", "remove", "--fo"}, "--force\n"},
         TCompletion{"OptionsOfCheck", {"provider", "check", "--js"}, "--json\n"},
         TCompletion{"NothingForAName", {"provider", "add", "x", "--name", ""}, "\n"},
         TCompletion{"CommandOnceMore", {"list", "provider", "--dev"}, "--device\n"},

@@ -16,8 +16,10 @@ TEST(FakeProviderStoreTest, KeepsWhatItWasAskedToDo) {
   fake.Check(package);
   fake.Add(package, "a", false);
   fake.Add(package, "b", true);
-  fake.Remove("c");
-  EXPECT_EQ(fake.calls, (std::vector<std::string>{"check acme", "add a", "replace b", "remove c"}));
+  fake.Remove("c", false);
+  fake.Remove("d", true);
+  EXPECT_EQ(fake.calls, (std::vector<std::string>{"check acme", "add a", "replace b", "remove c",
+                                                  "force out d"}));
 }
 
 TEST(FakeProviderStoreTest, ReadsOnlyThePathsThatItWasGiven) {
@@ -35,6 +37,15 @@ TEST(FakeProviderStoreTest, FindsWhatItWasGivenByName) {
   package.name = "acme";
   ASSERT_EQ(fake.Check(package).size(), 1U);
   EXPECT_EQ(fake.Check(package)[0].text, "text");
+}
+
+TEST(FakeProviderStoreTest, RemovesTheBundledOneOnlyWhenForced) {
+  TFakeProviderStore fake;
+  fake.bundled = "b";
+  EXPECT_THROW(fake.Remove("b", false), TQELException);
+  EXPECT_TRUE(fake.calls.empty());
+  fake.Remove("b", true);
+  EXPECT_EQ(fake.calls, (std::vector<std::string>{"force out b"}));
 }
 
 TEST(FakeProviderStoreTest, FailsToAddWithTheStatusThatItWasGiven) {

@@ -52,6 +52,8 @@ TEST(ProviderArgumentsTest, KnowsEachCommand) {
   EXPECT_EQ(Parse({"provider", "list", "--json"}).provider->action, EProviderAction::kList);
   EXPECT_EQ(Parse({"provider", "check"}).provider->action, EProviderAction::kCheck);
   EXPECT_EQ(Parse({"provider", "remove", "acme"}).provider->action, EProviderAction::kRemove);
+  EXPECT_FALSE(Parse({"provider", "remove", "acme"}).provider->isForced);
+  EXPECT_TRUE(Parse({"provider", "remove", "acme", "--force"}).provider->isForced);
   EXPECT_FALSE(Parse({"list"}).provider);
 }
 
@@ -138,6 +140,7 @@ TEST(ProviderArgumentsTest, HelpNamesTheCommands) {
   for (const char* option : {"--name", "--replace", "--force", "DIR|FILE"}) {
     EXPECT_THAT(commandLine.GetHelp("provider add"), HasSubstr(option));
   }
+  EXPECT_THAT(commandLine.GetHelp("provider remove"), HasSubstr("--force"));
 }
 
 TEST(ProviderArgumentsTest, HelpOfACommandGoesToStandardOutput) {

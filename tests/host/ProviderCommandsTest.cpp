@@ -294,6 +294,18 @@ TEST_F(ProviderCommandsTest, RemoveTakesAnInstalledNameOnly) {
             "acme: is not installed; none is installed");
 }
 
+TEST_F(ProviderCommandsTest, TheBundledProviderIsRemovedOnlyWhenForced) {
+  m_store.installed = {MakePackage("acme")};
+  m_store.bundled = "acme";
+  EXPECT_EQ(Remove("acme"), 2);
+  EXPECT_EQ(m_out.str(), "");
+  EXPECT_EQ(m_err.str(), "diagsrun: acme: is bundled; --force removes it all the same\n");
+  m_arguments.isForced = true;
+  EXPECT_EQ(Remove("acme"), 0);
+  EXPECT_EQ(m_out.str(), "acme: removed /r/providers/acme\n");
+  EXPECT_THAT(m_store.calls, ElementsAre("force out acme"));
+}
+
 TEST_F(ProviderCommandsTest, NothingOfAVendorSteersTheTerminal) {
   TProviderPackage package = MakePackage("a\x1b[2J");
   package.services[0].className = "B\nC";

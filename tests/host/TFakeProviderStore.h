@@ -16,8 +16,10 @@ class TFakeProviderStore : public IProviderStore {
   std::vector<NZEPQEL20::TProviderPackage> installed;
   std::map<std::string, NZEPQEL20::TProviderPackage> readable;  ///< By path; others throw.
   std::map<std::string, std::vector<NZEPQEL20::TProviderFinding>> findings;  ///< By name.
+  std::string bundled;             ///< Goes only when forced.
   unsigned int addFailure = 0;     ///< Not 0: Add() throws with this status code.
-  std::vector<std::string> calls;  ///< "check name", "add name", "replace name", "remove name".
+  std::vector<std::string> calls;  ///< "check name", "add name", "replace name", "remove name",
+                                   ///< "force out name".
 
   std::string GetFolder() override { return "/r/providers"; }
   std::vector<NZEPQEL20::TProviderPackage> List() override { return installed; }
@@ -37,7 +39,13 @@ class TFakeProviderStore : public IProviderStore {
     if (addFailure != 0) throw NZEPQEL20::TQELException(addFailure, name + ": cannot be added");
     calls.push_back((isReplacing ? "replace " : "add ") + name);
   }
-  void Remove(const std::string& name) override { calls.push_back("remove " + name); }
+  void Remove(const std::string& name, bool isForced) override {
+    if (name == bundled && !isForced) {
+      throw NZEPQEL20::TQELException(NZEPQEL20::TQELStatusCode::kInvalidArgument,
+                                     name + ": is bundled");
+    }
+    calls.push_back((isForced ? "force out " : "remove ") + name);
+  }
 };
 
 }  // namespace host

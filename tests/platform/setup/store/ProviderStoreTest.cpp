@@ -157,6 +157,16 @@ TEST_F(ProviderStoreTest, TheBundledProviderIsReplacedOnlyWhenAsked) {
   EXPECT_EQ(GetInstalled(), " hardware");
 }
 
+TEST_F(ProviderStoreTest, TheBundledProviderIsRemovedOnlyWhenForced) {
+  Add("hardware", true);
+  EXPECT_EQ(Failure([&] { m_store.Remove("hardware"); }),
+            "hardware: is the bundled provider; without it the tests of the processor, memory, "
+            "disks and network are gone");
+  EXPECT_EQ(GetInstalled(), " hardware");
+  m_store.Remove("hardware", true);
+  EXPECT_EQ(GetInstalled(), "");
+}
+
 TEST_F(ProviderStoreTest, ARemovedFolderIsGoneAndOneThatIsNotThereNamesThoseThatAre) {
   Add("acme");
   Add("bolt");
