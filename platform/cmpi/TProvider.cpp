@@ -1,18 +1,80 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cmpi/TProvider.h"
 
+#include <iterator>
+#include <map>
+
 #include "platform/cmpi/ProviderCall.h"
 
 namespace NZEPQEL20::cmpi {
 
+namespace {
+
+/// Threads that wait for a part of a provider which another thread makes.
+struct TWaits {
+  struct TEdge {
+    std::thread::id maker;
+    const void* part;
+  };
+  std::mutex mutex;
+  std::map<std::thread::id, TEdge> edges;  ///< By who waits.
+};
+
+TWaits& Waits() {
+  // Never destroyed: provider threads may outlive the end of main().
+  static auto* const kWaits = new TWaits;
+  return *kWaits;
+}
+
+/// Nobody waits for `part` any more, even where that is not yet noticed.
+void EndWaits(const void* part) {
+  TWaits& waits = Waits();
+  const std::lock_guard<std::mutex> lock(waits.mutex);
+  for (auto edge = waits.edges.begin(); edge != waits.edges.end();) {
+    edge = edge->second.part == part ? waits.edges.erase(edge) : std::next(edge);
+  }
+}
+
+/// This thread's waiting for `part`, which `maker` makes.
+class TWait {
+ public:
+  TWait(std::thread::id maker, const void* part) {
+    TWaits& waits = Waits();
+    const std::lock_guard<std::mutex> lock(waits.mutex);
+    for (std::thread::id next = maker;;) {
+      m_isEndless = next == std::this_thread::get_id();
+      const auto found = waits.edges.find(next);
+      if (m_isEndless || found == waits.edges.end()) break;
+      next = found->second.maker;
+    }
+    if (!m_isEndless) waits.edges[std::this_thread::get_id()] = {maker, part};
+  }
+
+  /// Whether `maker` waits for this thread, directly or by way of others.
+  bool IsEndless() const { return m_isEndless; }
+
+ private:
+  bool m_isEndless = false;
+};
+
+}  // namespace
+
+template <class TMI>
+void TProviderPart<TMI>::Refuse(const char* kind, const std::string& providerName,
+                                const char* reason) const {
+  throw TQELException(TQELStatusCode::kFailed,
+                      "provider " + providerName + ": its " + kind + " functions " + reason);
+}
+
 template <class TMI>
 bool TProviderPart<TMI>::Begin(const char* kind, const std::string& providerName) {
   std::unique_lock<std::mutex> lock(m_mutex);
-  if (m_state == EState::kBusy && m_maker == std::this_thread::get_id()) {
-    throw TQELException(TQELStatusCode::kFailed, "provider " + providerName + ": its " + kind +
-                                                     " functions are needed to make themselves");
+  if (m_state == EState::kBusy) {
+    const TWait wait(m_maker, this);
+    if (wait.IsEndless()) Refuse(kind, providerName, "are needed to make themselves");
+    m_changed.wait(lock, [&] { return m_state != EState::kBusy; });
   }
-  m_changed.wait(lock, [&] { return m_state != EState::kBusy; });
+  if (m_state == EState::kEnded) Refuse(kind, providerName, "have ended");
   if (m_state == EState::kFailed) throw TQELException(m_fault);
   if (m_state == EState::kReady) return false;
   m_state = EState::kBusy;
@@ -24,6 +86,7 @@ template <class TMI>
 void TProviderPart<TMI>::Finish(EState state) {
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_state = state;
+  EndWaits(this);
   m_changed.notify_all();
 }
 
@@ -49,13 +112,17 @@ TMI& TProviderPart<TMI>::Get(TProviderLibrary& library, const char* kind,
 template <class TMI>
 void TProviderPart<TMI>::Cleanup(const TCallSite& site, TBroker& broker) noexcept {
   try {
-    if (m_state != EState::kReady || m_made->ft->cleanup == nullptr) return;
+    {
+      const std::lock_guard<std::mutex> lock(m_mutex);
+      const bool isMade = m_state == EState::kReady;
+      m_state = EState::kEnded;
+      if (!isMade || m_made->ft->cleanup == nullptr) return;
+    }
     // Its answer does not matter: the process ends.
     CallProvider(broker, site, TBrokerResult::EKind::kNothing,
                  [&](const CMPIContext* context, const CMPIResult*) {
                    return m_made->ft->cleanup(m_made, context, 1);
                  });
-    m_state = EState::kNew;
   } catch (...) {
     // Out of memory: the provider is left as it is.
     return;

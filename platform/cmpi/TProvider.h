@@ -17,7 +17,8 @@ template <class TMI>
 class TProviderPart {
  public:
   /// Errors: TQELException, as TProviderLibrary::Create(), the same each time; also when the
-  /// provider comes back here while it makes them.
+  /// provider comes back here while it makes them, on this thread or by way of another one that
+  /// waits for this, and after Cleanup().
   TMI& Get(TProviderLibrary& library, const char* kind, const std::string& providerName,
            const TCallSite& site, TBroker& broker);
 
@@ -25,10 +26,12 @@ class TProviderPart {
   void Cleanup(const TCallSite& site, TBroker& broker) noexcept;
 
  private:
-  enum class EState { kNew, kBusy, kReady, kFailed };
+  enum class EState { kNew, kBusy, kReady, kFailed, kEnded };
 
   bool Begin(const char* kind, const std::string& providerName);
   void Finish(EState state);
+  [[noreturn]] void Refuse(const char* kind, const std::string& providerName,
+                           const char* reason) const;
 
   std::mutex m_mutex;
   std::condition_variable m_changed;
