@@ -35,7 +35,9 @@ TFoundLibrary Choose(const std::vector<std::string>& libraries) {
   std::vector<std::string> fit;
   if (libraries.size() > 1) {
     std::copy_if(libraries.begin(), libraries.end(), std::back_inserter(fit),
-                 [](const std::string& library) { return TElfFile(library).GetFault().empty(); });
+                 [](const std::string& library) {
+                   return TElfFile(library, TElfFile::EContent::kNeeds).GetFault().empty();
+                 });
   }
   const std::vector<std::string>& best = fit.empty() ? libraries : fit;
   TFoundLibrary found = {best.front(), true, ""};
@@ -50,24 +52,41 @@ TFoundLibrary Choose(const std::vector<std::string>& libraries) {
 TLibraryFinder::TLibraryFinder(std::string folder, const std::vector<std::string>& files)
     : m_folder(std::move(folder)) {
   std::copy_if(files.begin(), files.end(), std::back_inserter(m_libraries), IsLibraryName);
+  for (std::size_t i = 0; i < m_libraries.size(); ++i)
+    m_places[GetName(m_libraries[i])].push_back(i);
 }
 
 std::vector<std::string> TLibraryFinder::Collect(const std::string& location) const {
+  std::vector<std::size_t> places;
   for (const std::string& name : GetNames(location)) {
-    for (const bool isVersioned : {false, true}) {
-      std::vector<std::string> found;
-      for (const std::string& library : m_libraries) {
-        const std::string other = GetName(library);
-        if (isVersioned ? StartsWith(other, name + '.') : other == name) found.push_back(library);
-      }
-      if (!found.empty()) return found;
+    const auto exact = m_places.find(name);
+    if (exact != m_places.end()) {
+      places = exact->second;
+      break;
     }
+    const std::string start = name + '.';
+    for (auto at = m_places.lower_bound(start);
+         at != m_places.end() && StartsWith(at->first, start); ++at) {
+      places.insert(places.end(), at->second.begin(), at->second.end());
+    }
+    if (!places.empty()) break;
   }
-  return {};
+  // Those that lie higher come first, whatever their version.
+  std::sort(places.begin(), places.end());
+  std::vector<std::string> found;
+  for (const std::size_t place : places) found.push_back(m_libraries[place]);
+  return found;
 }
 
 TFoundLibrary TLibraryFinder::Find(const std::string& location,
                                    const std::string& registrationFolder) const {
+  const auto [place, isNew] = m_found.try_emplace(std::make_pair(location, registrationFolder));
+  if (isNew) place->second = Search(location, registrationFolder);
+  return place->second;
+}
+
+TFoundLibrary TLibraryFinder::Search(const std::string& location,
+                                     const std::string& registrationFolder) const {
   const std::vector<std::string> found = Collect(location);
   if (found.empty()) {
     return {registrationFolder + '/' + GetNames(location).front(), false, ""};

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace NZEPQEL20 {
@@ -14,6 +17,7 @@ struct TFoundLibrary {
 };
 
 /// Finds libraries in a vendor's folder by the names that registrations have for them.
+/// Threads: to be used by one at a time.
 class TLibraryFinder {
  public:
   /// `files` is what lies in the folder; what is no library among it is left out.
@@ -24,14 +28,18 @@ class TLibraryFinder {
   /// The library for `location` as a registration in `registrationFolder` writes it: "X" stands
   /// for `libX.so`, beside the registration, else anywhere in the vendor's folder. "libX.so" and a
   /// path mean the file of that name, never one outside the folder. Without an exact name one
-  /// with a version is taken. Of several, the first for this machine.
+  /// with a version is taken. Of several, the first for this machine. Each is looked for once.
   TFoundLibrary Find(const std::string& location, const std::string& registrationFolder) const;
 
  private:
+  TFoundLibrary Search(const std::string& location, const std::string& registrationFolder) const;
   std::vector<std::string> Collect(const std::string& location) const;
 
   std::string m_folder;
   std::vector<std::string> m_libraries;
+  std::map<std::string, std::vector<std::size_t>> m_places;  ///< Of the libraries, by file name.
+  /// By location and registration folder: a registration has many entries for one library.
+  mutable std::map<std::pair<std::string, std::string>, TFoundLibrary> m_found;
 };
 
 }  // namespace NZEPQEL20

@@ -37,9 +37,13 @@ void Log(const std::string& text) {
   if (logger != nullptr) logger->Log(ILogger::kWarning, text);
 }
 
-std::string WithoutSlash(const std::string& nameSpace) {
+/// Undeclared classes of one registration file that are told one by one.
+constexpr std::size_t kMaxUndeclared = 3;
+
+std::string WithoutSlashes(const std::string& nameSpace) {
   const std::size_t start = nameSpace.find_first_not_of('/');
-  return start == std::string::npos ? std::string() : nameSpace.substr(start);
+  if (start == std::string::npos) return {};
+  return nameSpace.substr(start, nameSpace.find_last_not_of('/') + 1 - start);
 }
 
 }  // namespace
@@ -49,7 +53,7 @@ bool IsServedIn(const TRegistration& registration, const std::string& nameSpace)
 }
 
 bool IsSameNamespace(const std::string& left, const std::string& right) {
-  return IsSameName(WithoutSlash(left), WithoutSlash(right));
+  return IsSameName(left, right) || IsSameName(WithoutSlashes(left), WithoutSlashes(right));
 }
 
 TProviders::TProviders(std::shared_ptr<const TClassRepository> classes,
@@ -66,9 +70,27 @@ TProviders::TProviders(std::shared_ptr<const TClassRepository> classes,
     // A warning names nothing that is missing, so only the log has it.
     finding.isWarning ? Log(finding.ToString()) : Report(finding.ToString());
   }
+  ReportUndeclared();
+}
+
+void TProviders::ReportUndeclared() {
+  std::map<std::string, std::vector<const TRegistration*>> undeclared;
   for (const TService& service : m_services) {
-    if (m_classes->Find(service.registration->className) == nullptr) {
-      Report(service.registration->source + ": class " + service.registration->className +
+    const TRegistration& registration = *service.registration;
+    if (m_classes->Find(registration.className) == nullptr) {
+      undeclared[registration.file].push_back(&registration);
+    }
+  }
+  for (const auto& [file, registrations] : undeclared) {
+    if (registrations.size() > kMaxUndeclared) {
+      // Mostly the MOF is missing as a whole.
+      Report(file + ": " + std::to_string(registrations.size()) + " of its classes, such as " +
+             registrations.front()->className +
+             ", are not declared; add the MOF files that declare them; see rule R3");
+      continue;
+    }
+    for (const TRegistration* registration : registrations) {
+      Report(registration->source + ": class " + registration->className +
              " is not declared; add the MOF file that declares it; see rule R3");
     }
   }

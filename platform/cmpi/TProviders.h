@@ -83,6 +83,8 @@ class TProviders : public IBrokerHost {
 
  private:
   TProvider& GetProvider(const TRegistration& registration);
+  /// Tells of classes that are registered and that nobody declares.
+  void ReportUndeclared();
   using TPropertyCall = std::function<CMPIStatus(CMPIPropertyMI&, const CMPIContext*,
                                                  const CMPIResult*, const CMPIObjectPath*)>;
   std::optional<TCallOutcome> CallProperty(const std::string& what, const TCIMReference& path,
@@ -111,7 +113,7 @@ class TProviders : public IBrokerHost {
 /// Whether a registration holds in a namespace.
 bool IsServedIn(const TRegistration& registration, const std::string& nameSpace);
 
-/// Whether two namespaces are the same: without case, and without a slash in front.
+/// Whether two namespaces are the same: without case, and without slashes at either end.
 bool IsSameNamespace(const std::string& left, const std::string& right);
 
 }  // namespace NZEPQEL20::cmpi

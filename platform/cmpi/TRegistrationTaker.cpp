@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <sstream>
+#include <utility>
 
 #include "platform/cmpi/OneLine.h"
 #include "platform/contract/TCIMInstanceData.h"
@@ -15,10 +16,29 @@ namespace {
 constexpr std::size_t kMaxLine = 65536;
 constexpr char kBlanks[] = " \t\f\v\r";
 
+std::string TrimSlashes(const std::string& text) {
+  const std::size_t start = text.find_first_not_of('/');
+  if (start == std::string::npos) return {};
+  return text.substr(start, text.find_last_not_of('/') + 1 - start);
+}
+
 }  // namespace
 
 void TRegistrationTaker::Add(TRegistration entry, const std::string& location,
                              const std::string& registrationFile) {
+  if (++m_entryCount > TRegistrations::kMaxEntries) {
+    if (m_entryCount > TRegistrations::kMaxEntries + 1) return;
+    return Fail(entry.source + ": the folder registers more than " +
+                    std::to_string(TRegistrations::kMaxEntries) +
+                    " classes; those from here on are left out",
+                "register what is there once", "R1");
+  }
+  const std::string nameSpace = entry.nameSpace;
+  entry.nameSpace = TrimSlashes(nameSpace);
+  if (entry.nameSpace.empty()) {
+    return Fail(entry.source + ": \"" + nameSpace + "\" is not a namespace",
+                "write one as root/cimv2, or *", "R2");
+  }
   const std::size_t slash = registrationFile.rfind('/');
   const std::string folder = slash == std::string::npos ? "." : registrationFile.substr(0, slash);
   const TFoundLibrary library = m_libraries.Find(location, folder);
@@ -34,17 +54,27 @@ void TRegistrationTaker::Add(TRegistration entry, const std::string& location,
   entry.library = library.path;
   entry.hasLibrary = library.isThere;
   entry.folder = m_libraries.GetFolder();
+  entry.file = registrationFile;
   m_registrations.Add(entry);
 }
 
 void TRegistrationTaker::Fail(const std::string& text, const std::string& remedy,
                               const std::string& rule) {
-  m_registrations.m_findings.push_back({ToOneLine(text), remedy, rule, false});
+  Keep({ToOneLine(text), remedy, rule, false});
 }
 
 void TRegistrationTaker::Warn(const std::string& text, const std::string& remedy,
                               const std::string& rule) {
-  m_registrations.m_findings.push_back({ToOneLine(text), remedy, rule, true});
+  Keep({ToOneLine(text), remedy, rule, true});
+}
+
+void TRegistrationTaker::Keep(TRegistrationProblem&& finding) {
+  if (++m_findingCount > TRegistrations::kMaxFindings) {
+    if (m_findingCount > TRegistrations::kMaxFindings + 1) return;
+    finding = {m_libraries.GetFolder() + ": more is wrong with its registrations than is told",
+               "mend what is told first", "R1", false};
+  }
+  m_registrations.m_findings.push_back(std::move(finding));
 }
 
 std::vector<TTextLine> SplitLines(const std::string& text, const std::string& file) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,8 @@ class TRegistrationTaker {
   TRegistrationTaker(TRegistrations& registrations, const TLibraryFinder& libraries)
       : m_registrations(registrations), m_libraries(libraries) {}
 
-  /// Finds the library that `location` names, and adds the entry. `registrationFile` is the one
-  /// that says so.
+  /// Finds the library that `location` names, and adds the entry, with its namespace free of
+  /// slashes at either end. `registrationFile` is the one that says so.
   void Add(TRegistration entry, const std::string& location, const std::string& registrationFile);
 
   /// Something is missing: `rule` is the number of the rule that tells how it should be.
@@ -25,8 +26,12 @@ class TRegistrationTaker {
   void Warn(const std::string& text, const std::string& remedy, const std::string& rule);
 
  private:
+  void Keep(TRegistrationProblem&& finding);
+
   TRegistrations& m_registrations;
   const TLibraryFinder& m_libraries;
+  std::size_t m_entryCount = 0;
+  std::size_t m_findingCount = 0;
 };
 
 /// A line of a text, without its end.

@@ -2,7 +2,10 @@
 #include "platform/cmpi/TRegistrations.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <filesystem>
 #include <iterator>
+#include <system_error>
 
 #include "platform/cmpi/TLibraryFinder.h"
 #include "platform/cmpi/TRegistrationTaker.h"
@@ -54,10 +57,23 @@ EForm FindForm(const std::string& text, const std::string& file) {
   return IsMofName(file) ? EForm::kNone : FindTextForm(text, file);
 }
 
-bool IsSameEntry(const TRegistration& left, const TRegistration& right) {
-  return IsSameName(left.className, right.className) &&
-         IsSameName(left.nameSpace, right.nameSpace) && left.library == right.library &&
-         left.providerName == right.providerName;
+/// What an entry is known by: the same for all that say something of one class and provider.
+std::string MakeKey(const TRegistration& entry) {
+  constexpr char kSeparator = '\x1F';
+  std::string key = entry.className + kSeparator + entry.nameSpace;
+  std::transform(key.begin(), key.end(), key.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  return key + kSeparator + entry.providerName + kSeparator + entry.library;
+}
+
+/// Errors: TQELException with the reason, as TMofSource::ReadFile().
+std::string ReadBounded(const std::string& file) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(file, error);
+  if (!error && !IsMofName(file) && size > TRegistrations::kMaxFileSize) {
+    throw TQELException(TQELStatusCode::kFailed, "larger than 4 MiB");
+  }
+  return TMofSource::ReadFile(file).text;
 }
 
 }  // namespace
@@ -85,7 +101,7 @@ void TRegistrations::ReadFiles(const std::vector<std::string>& files,
   std::vector<std::string> declarations;
   for (const std::string& file : files) {
     try {
-      const std::string text = TMofSource::ReadFile(file).text;
+      const std::string text = ReadBounded(file);
       const EForm form = FindForm(text, file);
       if (form == EForm::kNone) continue;
       m_files.push_back(file);
@@ -114,18 +130,19 @@ std::vector<std::string> TRegistrations::GetProblems() const {
 }
 
 void TRegistrations::Add(const TRegistration& entry) {
-  for (TRegistration& known : m_entries) {
-    if (!IsSameEntry(known, entry)) continue;
-    known.isInstance = known.isInstance || entry.isInstance;
-    known.isAssociation = known.isAssociation || entry.isAssociation;
-    known.isMethod = known.isMethod || entry.isMethod;
-    known.isProperty = known.isProperty || entry.isProperty;
-    known.isIndication = known.isIndication || entry.isIndication;
-    known.neverUnload = known.neverUnload || entry.neverUnload;
-    if (known.parameters.empty()) known.parameters = entry.parameters;
+  const auto [place, isNew] = m_places.emplace(MakeKey(entry), m_entries.size());
+  if (isNew) {
+    m_entries.push_back(entry);
     return;
   }
-  m_entries.push_back(entry);
+  TRegistration& known = m_entries[place->second];
+  known.isInstance = known.isInstance || entry.isInstance;
+  known.isAssociation = known.isAssociation || entry.isAssociation;
+  known.isMethod = known.isMethod || entry.isMethod;
+  known.isProperty = known.isProperty || entry.isProperty;
+  known.isIndication = known.isIndication || entry.isIndication;
+  known.neverUnload = known.neverUnload || entry.neverUnload;
+  if (known.parameters.empty()) known.parameters = entry.parameters;
 }
 
 }  // namespace NZEPQEL20

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace NZEPQEL20 {
@@ -15,6 +17,7 @@ struct TRegistration {
   std::string providerName;
   std::string library;       ///< Path of the library file.
   std::string folder;        ///< The vendor's folder: where the library's siblings are.
+  std::string file;          ///< The registration file that says so.
   std::string source;        ///< `file:line`, or the file and the object in it, for messages.
   std::string parameters;    ///< The provider's own words; empty when there are none.
   bool neverUnload = false;  ///< The provider asks to stay loaded.
@@ -44,6 +47,13 @@ struct TRegistrationProblem {
 /// Threads: loading must be alone; reading is safe from several.
 class TRegistrations {
  public:
+  /// Entries of one vendor's folder that count; what is beyond them is one problem.
+  static constexpr std::size_t kMaxEntries = 10000;
+  /// Findings of one vendor's folder that are kept.
+  static constexpr std::size_t kMaxFindings = 1000;
+  /// Largest registration file that is read, in bytes. MOF may be larger.
+  static constexpr std::size_t kMaxFileSize = std::size_t{4} * 1024 * 1024;
+
   /// Adds what `file` says; its folder is the vendor's. A file that cannot be read is a problem.
   void Load(const std::string& file);
 
@@ -69,6 +79,7 @@ class TRegistrations {
   void Add(const TRegistration& entry);
 
   std::vector<TRegistration> m_entries;
+  std::unordered_map<std::string, std::size_t> m_places;  ///< Of the entries, by what they are.
   std::vector<TRegistrationProblem> m_findings;
   std::vector<std::string> m_files;
   std::vector<std::string> m_pureFiles;

@@ -242,7 +242,7 @@ std::vector<std::string> FindUsed(const std::vector<std::string>& libraries,
     const std::string library = MakeCanonical(open.back());
     open.pop_back();
     if (!used.insert(library).second) continue;
-    const TElfFile elf(library);
+    const TElfFile elf(library, TElfFile::EContent::kNeeds);
     for (const std::string& name : elf.GetNeeded()) {
       for (const std::string& other : libraries) {
         if (other.compare(other.rfind('/') + 1, std::string::npos, name) == 0) {

@@ -104,6 +104,25 @@ TEST_P(FaultyProviderTest, FailsWithItsReasonOnceWhileOthersGoOn) {
   EXPECT_FALSE(m_operations->GetProblems().empty());
 }
 
+TEST_F(MisbehavingProvidersTest, ManyUndeclaredClassesAreOneLineWithTheirNumber) {
+  const std::string file = GetFolder() + "bad.registration";
+  std::ofstream out(file);
+  for (int i = 0; i < 5000; ++i) out << "BAD_No" << i << " root/cimv2/ Bad nodone instance\n";
+  out << "BAD_Object root/cimv2/ Bad nodone instance\n";
+  out.close();
+  Link("nodone");
+  TRegistrations registrations;
+  registrations.Load(file);
+  auto classes = std::make_shared<TClassRepository>();
+  ASSERT_TRUE(classes->LoadText(kClasses, "bad.mof").empty());
+  m_operations = std::make_unique<TCMPIOperations>(classes, registrations);
+  EXPECT_THAT(m_operations->GetProblems(),
+              testing::ElementsAre(file + ": 5000 of its classes, such as BAD_No0, are not "
+                                          "declared; add the MOF files that declare them; see rule "
+                                          "R3"));
+  EXPECT_EQ(Enumerate().size(), 1U);
+}
+
 TEST_F(MisbehavingProvidersTest, ALibraryThatIsCutOffIsAReasonWhileOthersGoOn) {
   Host("twice", "nodone");
   const std::string library = GetFolder() + "libtwice.so";

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 
 #include "tests/platform/cmpi/registrations/TVendor.h"
@@ -34,6 +35,58 @@ TEST(RegistrationsTest, ALineNamesClassNamespaceProviderLibraryAndTypes) {
 TEST(RegistrationsTest, LinesForTheSameClassAndProviderAddTheirTypes) {
   EXPECT_EQ(ShowAll(Read("A root/x P l instance\na ROOT/X P l association property\n")),
             "A root/x P libl.so IAP");
+}
+
+TEST(RegistrationsTest, SlashesAroundANamespaceDoNotCount) {
+  EXPECT_EQ(ShowAll(Read("A root/x/ P l instance\nA //root/x P l method\n")),
+            "A root/x P libl.so IM");
+  const auto nameless = Read("A / P l instance\n");
+  EXPECT_THAT(nameless.GetEntries(), IsEmpty());
+  EXPECT_THAT(ShowFindings(nameless),
+              HasSubstr(".registration:1: \"/\" is not a namespace; write one as root/cimv2, or *; "
+                        "see rule R2"));
+}
+
+TEST(RegistrationsTest, AFolderRegistersABoundedNumberOfClasses) {
+  const TVendor vendor;
+  std::string text;
+  for (int i = 0; i < 20000; ++i) {
+    const std::string number = std::to_string(i);
+    text += "A_" + number + " root/x P lib" + number + " instance\n";
+  }
+  vendor.Write("acme.registration", text);
+  for (int i = 0; i < 1000; ++i) vendor.Write("lib" + std::to_string(i) + ".so", "");
+  const auto started = std::chrono::steady_clock::now();
+  const auto read = vendor.Read();
+  // Were each compared with all others, this would take a minute.
+  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(20));
+  EXPECT_THAT(read.GetEntries(), SizeIs(TRegistrations::kMaxEntries));
+  EXPECT_THAT(read.GetProblems(),
+              ::testing::ElementsAre(vendor.GetPath("acme.registration") +
+                                     ":10001: the folder registers more than 10000 classes; those "
+                                     "from here on are left out; register what is there once; see "
+                                     "rule R1"));
+}
+
+TEST(RegistrationsTest, FindingsAreBoundedAndALastOneSaysSo) {
+  std::string text;
+  for (std::size_t i = 0; i < 2 * TRegistrations::kMaxFindings; ++i) text += "wrong\n";
+  const auto read = Read(text);
+  ASSERT_THAT(read.GetFindings(), SizeIs(TRegistrations::kMaxFindings + 1));
+  EXPECT_THAT(read.GetProblems().back(),
+              ::testing::EndsWith(": more is wrong with its registrations than is told; mend what "
+                                  "is told first; see rule R1"));
+}
+
+TEST(RegistrationsTest, ARegistrationFileOfMoreThanFourMebibytesIsNotRead) {
+  const TVendor vendor;
+  vendor.Write("a.registration", std::string(TRegistrations::kMaxFileSize + 1, '\n'));
+  vendor.Write("b.registration", "A root/x P l instance\n");
+  const auto read = vendor.Read();
+  EXPECT_EQ(ShowAll(read), "A root/x P libl.so I");
+  EXPECT_EQ(ShowFindings(read), vendor.GetPath("a.registration") +
+                                    ": cannot be read: larger than 4 MiB; make it a readable file; "
+                                    "see rule R1\n");
 }
 
 struct TBadLine {
