@@ -53,6 +53,10 @@ class TVisit {
       if (next->path().filename().string().front() != '.') entries.push_back(next->path());
       next.increment(error);
     }
+    if (!error && next != fs::directory_iterator()) {
+      m_found.problems.push_back(folder.string() + ": holds more than " +
+                                 std::to_string(kMaxFiles) + " names; the others are left out");
+    }
     if (error) m_found.problems.push_back(folder.string() + ": cannot be read: " + error.message());
     std::sort(entries.begin(), entries.end());
     return entries;

@@ -87,6 +87,11 @@ TProviderFinding FindFault(const TVendorFile& file) {
 std::vector<TProviderFinding> FindFileFaults(const TProviderPackage& package) {
   std::vector<TProviderFinding> faults;
   std::error_code error;
+  if (package.isWhole) {
+    for (const std::string& problem : ListVendorFiles(package.folder).problems) {
+      faults.push_back({false, kRule, problem, "keep the folder small, flat and readable"});
+    }
+  }
   const TVendorFolder folder(package.folder);
   for (const std::string& file : GetFiles(package)) {
     TProviderFinding fault = FindFault(folder.Find(file));
@@ -143,6 +148,7 @@ std::vector<std::string> CollectFiles(const TProviderPackage& package) {
 TProviderPackage ReadFolder(const std::string& folder) {
   TProviderPackage package;
   package.folder = folder;
+  package.isWhole = true;
   package.name = fs::path(folder).filename().string();
   const std::vector<std::string> files = ListVendorFiles(package.folder).files;
   std::copy_if(files.begin(), files.end(), std::back_inserter(package.libraries), IsLibraryName);
@@ -158,7 +164,8 @@ TProviderPackage ReadFile(const std::string& file) {
   const fs::path folder = fs::path(file).parent_path();
   TProviderPackage package;
   package.folder = folder.string();
-  package.name = folder.filename().string();
+  // The folder may be one that holds much else, such as /tmp.
+  package.name = fs::path(file).stem().string();
   for (const std::string& other : ListVendorFiles(package.folder).files) {
     if (IsLibraryName(other)) package.libraries.push_back(other);
     if (IsMofName(other) && fs::path(other).parent_path() == folder) {

@@ -19,8 +19,8 @@ TProviderPackage ReadFile(const std::string& file);
 /// Errors: TQELException with the first of FindFileFaults().
 std::vector<std::string> CollectFiles(const TProviderPackage& package);
 
-/// What keeps files of the package from being copied: they lead out of the folder, are not there,
-/// are no regular files or too large.
+/// What keeps the package from being copied: files lead out of the folder, are not there, are no
+/// regular files or too large; a whole folder has more in it than is looked at.
 std::vector<TProviderFinding> FindFileFaults(const TProviderPackage& package);
 
 /// A warning when there are libraries, MOF or registrations that not everybody can read.

@@ -108,8 +108,11 @@ std::vector<TProviderFinding> CheckProvider(const std::string& root,
                                             const TProviderPackage& package,
                                             const std::vector<TProviderPackage>& installed) {
   TFindings findings;
-  for (const std::string& problem : ListVendorFiles(package.folder).problems) {
-    findings.push_back({true, "R1", problem, "keep the folder small and readable"});
+  // What is beside the files of one registration may be anything.
+  if (!package.isWhole) {
+    for (const std::string& problem : ListVendorFiles(package.folder).problems) {
+      findings.push_back({true, "R1", problem, "keep the folder small and readable"});
+    }
   }
   Append(findings, FindFileFaults(package));
   Append(findings, FindPrivateFiles(package));

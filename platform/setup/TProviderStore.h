@@ -28,13 +28,15 @@ struct TProviderService {
 
 /// What a vendor's folder holds.
 struct TProviderPackage {
-  std::string name;    ///< Name below `providers/`; before it is installed the folder's own.
+  std::string name;    ///< Name below `providers/`; before it is installed the
+                       ///< folder's own, or that of the registration without its ending.
   std::string folder;  ///< Absolute.
   std::vector<std::string> libraries;
   std::vector<std::string> schema;
   std::vector<std::string> registrations;
   std::vector<TProviderService> services;
   std::vector<std::string> others;  ///< What goes with it: included MOF, configuration, texts.
+  bool isWhole = false;             ///< Everything in the folder, not what one file names.
 };
 
 /// The vendors' folders below an installation root: reads, checks, installs and removes them.

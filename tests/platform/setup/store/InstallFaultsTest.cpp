@@ -75,6 +75,30 @@ TEST_F(InstallFaultsTest, APipeIsRefusedWithoutWaitingForAWriter) {
   EXPECT_THAT(AddInVain(), HasSubstr("/pipe: is not a regular file"));
 }
 
+TEST_F(InstallFaultsTest, AFolderTooDeepToBeCopiedWholeIsRefused) {
+  m_vendor.Write("1/2/3/4/5/6/7/8/last.conf", "");
+  Add("flat");
+  m_vendor.Write("1/2/3/4/5/6/7/8/9/beyond.conf", "");
+  const TProviderPackage package = m_store.Read(m_vendor.GetPath());
+  const std::string text = m_vendor.GetPath("1/2/3/4/5/6/7/8/9") + ": lies deeper than 8 folders";
+  EXPECT_THAT(AddInVain(package), AllOf(HasSubstr(text), HasSubstr("; see rule R20")));
+  EXPECT_THAT(ShowAll(m_store.Check(package)), HasSubstr("error R20: " + text));
+  // One registration does not need what lies beside it.
+  const TProviderPackage one = m_store.Read(m_vendor.GetPath("acme.registration"));
+  EXPECT_THAT(ShowAll(m_store.Check(one)), HasSubstr("warning R1: " + text));
+  m_store.Add(one, "acme", false);
+  EXPECT_EQ(GetInstalled(), " acme flat");
+}
+
+TEST_F(InstallFaultsTest, MoreFilesThanAreTakenAreRefused) {
+  m_vendor.Write("empty", "");
+  for (int i = 0; i < 20'000; ++i) {
+    const std::string file = m_vendor.GetPath("x" + std::to_string(i));
+    ASSERT_EQ(::symlink("empty", file.c_str()), 0);
+  }
+  EXPECT_THAT(AddInVain(), HasSubstr(": holds more than 20000 names; the others are left out; "));
+}
+
 TEST_F(InstallFaultsTest, AnIncludeOutsideTheFolderIsRefused) {
   const TTemporaryFolder elsewhere;
   const std::string file = elsewhere.Write("common.mof", "");

@@ -55,6 +55,7 @@ TEST_F(ProviderStoreTest, ARegistrationFileMeansWhatItNames) {
   m_vendor.Write("beside.mof", "#pragma include (\"mof/inc/part.mof\")\n");
   m_vendor.Write("libother.so", "");
   const TProviderPackage package = m_store.Read(m_vendor.GetPath("acme.registration"));
+  EXPECT_EQ(package.name, "acme");
   EXPECT_THAT(package.registrations, ElementsAre(m_vendor.GetPath("acme.registration")));
   EXPECT_THAT(package.schema, ElementsAre(m_vendor.GetPath("beside.mof")));
   EXPECT_THAT(package.others, ElementsAre(m_vendor.GetPath("mof/inc/part.mof")));
