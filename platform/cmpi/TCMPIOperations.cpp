@@ -20,6 +20,10 @@ void TCMPIOperations::OpenLibraries() {
   m_parts->providers.OpenLibraries();
 }
 
+const cmpi::TProviders& TCMPIOperations::GetHosted() const {
+  return m_parts->providers;
+}
+
 std::vector<std::string> TCMPIOperations::GetProblems() const {
   return m_parts->providers.GetProblems();
 }

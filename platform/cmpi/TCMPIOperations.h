@@ -11,6 +11,10 @@
 
 namespace NZEPQEL20 {
 
+namespace cmpi {
+class TProviders;
+}
+
 /// The generic operations, carried out by CMPI provider libraries in this process.
 ///
 /// A request for a class goes to the providers of the class and of its subclasses; when one of
@@ -34,6 +38,9 @@ class TCMPIOperations : public ICIMOperations {
 
   /// Opens every registered library now instead of at its first use.
   void OpenLibraries();
+
+  /// The providers themselves, for whoever checks them.
+  const cmpi::TProviders& GetHosted() const;
 
   /// What could not be read or loaded, or failed so far: thing, reason, and what would mend it.
   std::vector<std::string> GetProblems() const;

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "platform/cmpi/LibraryLoading.h"
+#include "platform/cmpi/OneLine.h"
 #include "platform/cmpi/TCMPIOperations.h"
 #include "platform/cmpi/TElfFile.h"
 #include "platform/cmpi/TProviders.h"
@@ -54,8 +55,9 @@ std::string WithoutRule(std::string text) {
 }
 
 std::string Pack(const TProviderFinding& finding) {
-  return finding.rule + kSeparator + (finding.isWarning ? "1" : "0") + kSeparator + finding.text +
-         kSeparator + finding.remedy;
+  // A vendor's words may hold what separates fields and records.
+  return finding.rule + kSeparator + (finding.isWarning ? "1" : "0") + kSeparator +
+         ToOneLine(finding.text) + kSeparator + ToOneLine(finding.remedy);
 }
 
 /// A record of the child as a finding; false for one that is none.
@@ -131,9 +133,18 @@ class TProbe {
       work(tell);
     };
     const TChildOutcome outcome = RunInChild(quiet, m_limit);
+    bool isGarbled = false;
     for (const std::string& record : outcome.records) {
       TProviderFinding finding;
-      if (Unpack(record, finding)) m_findings.push_back(std::move(finding));
+      if (Unpack(record, finding)) {
+        m_findings.push_back(std::move(finding));
+      } else {
+        isGarbled = true;
+      }
+    }
+    if (isGarbled) {
+      Fail("R19", what + " wrote into the check's own pipe, and may have hidden a failure",
+           "write to no file that the library has not opened itself");
     }
     if (outcome.ending.empty()) return true;
     const bool isLate = outcome.ending.compare(0, 3, "did") == 0;
@@ -161,8 +172,9 @@ class TProbe {
   /// In the child: has the provider make its functions, and end them.
   void Make(const std::string& library, const std::string& name, const TKind& kind,
             const TTell& tell) const {
-    TCMPIOperations upcalls(m_classes, m_registrations);
-    TProviders providers(m_classes, m_registrations, upcalls);
+    // A factory may come back with upcalls; they are to meet the provider that is being made.
+    const TCMPIOperations operations(m_classes, m_registrations);
+    const TProviders& providers = operations.GetHosted();
     for (const TProviders::TService& service : providers.GetServices()) {
       const TRegistration& entry = *service.registration;
       if (entry.library != library || entry.providerName != name) continue;

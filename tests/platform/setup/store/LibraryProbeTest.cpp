@@ -66,6 +66,8 @@ INSTANTIATE_TEST_SUITE_P(
         TBadLibrary{"factorycrash", DIAGS_PROBED_DIR, "Probed",
                     "error R7: .*: making the instance functions of provider Probed ended by "
                     "signal 11 .Segmentation fault.; .*"},
+        TBadLibrary{"factoryseparators", DIAGS_PROBED_DIR, "Probed",
+                    "error R4: .*no  hardware  here; .*"},
         TBadLibrary{"factoryabort", DIAGS_PROBED_DIR, "Probed", "error R7: .*signal 6 .Aborted.*"},
         TBadLibrary{"factoryexit", DIAGS_PROBED_DIR, "Probed", "error R7: .* exit status 0; .*"},
         TBadLibrary{"factorythrows", DIAGS_BAD_DIR, "Bad", "error R4: .*factory on strike; .*"},
@@ -121,7 +123,15 @@ TEST_F(LibraryProbeTest, WhatALibraryWritesReachesNobody) {
   const auto findings = Probe(std::string(DIAGS_PROBED_DIR) + "/libfactorywrites.so", "Probed");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-  EXPECT_EQ(ShowAll(findings), "");
+  // What it wrote into the pipe of the check is not taken for a finding, and not passed over.
+  ASSERT_THAT(findings, SizeIs(1)) << ShowAll(findings);
+  EXPECT_THAT(Show(findings[0]),
+              testing::MatchesRegex("error R19: .*/libx.so: making the instance functions of "
+                                    "provider Probed wrote into the check's own pipe.*"));
+}
+
+TEST_F(LibraryProbeTest, AFactoryThatComesBackIsCalledOnce) {
+  EXPECT_EQ(ShowAll(Probe(std::string(DIAGS_PROBED_DIR) + "/libfactoryupcall.so", "Probed")), "");
 }
 
 TEST_F(LibraryProbeTest, ANameThatIsNearlyRightShowsWhatTheLibraryHas) {

@@ -37,7 +37,27 @@ const CMPIInstanceMIFT kTable = {CMPIVersion200, CMPIVersion200, "Probed", Clean
                                  nullptr,        nullptr,        nullptr,  nullptr};
 CMPIInstanceMI theMI = {nullptr, &kTable};
 
-CMPIInstanceMI* Create() {
+// Fails with a text that holds the marks between the fields and records of the check.
+CMPIInstanceMI* Refuse(const CMPIBroker* broker, CMPIStatus* status) {
+  *status = {CMPI_RC_ERR_FAILED, broker->eft->newString(broker,
+                                                        "no \x1F"
+                                                        "hardware\x1E here",
+                                                        nullptr)};
+  return nullptr;
+}
+
+// Asks the broker for the instances that it serves itself.
+void ComeBack(const CMPIBroker* broker, const CMPIContext* context) {
+  static int theCalls = 0;
+  if (++theCalls > 1) std::abort();
+  CMPIObjectPath* path = broker->eft->newObjectPath(broker, "root/x", "A_Base", nullptr);
+  CMPIStatus status = {CMPI_RC_OK, nullptr};
+  broker->bft->enumerateInstanceNames(broker, context, path, &status);
+}
+
+CMPIInstanceMI* Create(const CMPIBroker* broker, const CMPIContext* context, CMPIStatus* status) {
+  if (DIAGS_IS("factoryseparators")) return Refuse(broker, status);
+  if (DIAGS_IS("factoryupcall")) ComeBack(broker, context);
   if (DIAGS_IS("factorycrash")) ::raise(SIGSEGV);
   if (DIAGS_IS("factoryhang")) Hang();
   if (DIAGS_IS("factoryabort")) std::abort();
@@ -61,13 +81,15 @@ CMPIInstanceMI* Create() {
 __attribute__((visibility("default"))) CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker*,
                                                                                 const CMPIContext*,
                                                                                 CMPIStatus*);
-CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker*, const CMPIContext*, CMPIStatus*) {
-  return Create();
+CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker* broker, const CMPIContext* context,
+                                         CMPIStatus* status) {
+  return Create(broker, context, status);
 }
 #else
 DIAGS_EXPORT CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker*, const CMPIContext*,
                                                       CMPIStatus*);
-CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker*, const CMPIContext*, CMPIStatus*) {
-  return Create();
+CMPIInstanceMI* Probed_Create_InstanceMI(const CMPIBroker* broker, const CMPIContext* context,
+                                         CMPIStatus* status) {
+  return Create(broker, context, status);
 }
 #endif
