@@ -79,8 +79,10 @@ TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName,
       });
   if (outcome.code != CMPI_RC_OK) {
     const TQELException refusal = outcome.ToException(what + " were refused");
+    // Its other codes are about a provider: "not found" must not pass for an object's.
+    const bool isMissing = outcome.code == CMPI_RC_ERR_NOT_SUPPORTED;
     throw TQELException(refusal.GetStatusCode(), std::string(refusal.what()) + "; see rule R4",
-                        refusal.GetCIMStatus());
+                        isMissing ? refusal.GetCIMStatus() : unsigned{CMPI_RC_ERR_FAILED});
   }
   if (made == nullptr) {
     throw TQELException(TQELStatusCode::kFailed, what + " were not made; see rule R4");

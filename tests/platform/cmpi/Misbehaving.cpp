@@ -245,6 +245,10 @@ CMPIInstanceMI* Create(const CMPIBroker* broker, CMPIStatus* status) {
   if (DIAGS_IS("stdout")) std::puts("words of the factory");
   if (DIAGS_IS("factorythrows")) throw std::runtime_error("factory on strike");
   if (DIAGS_IS("factorynull")) return nullptr;
+  if (DIAGS_IS("factoryunknown")) {
+    *status = {CMPI_RC_ERR_NOT_FOUND, Text("no provider of that name")};
+    return nullptr;
+  }
   if (DIAGS_IS("factoryrefuses")) {
     *status = {CMPI_RC_ERR_FAILED, Text("no hardware here")};
     return &theMI;

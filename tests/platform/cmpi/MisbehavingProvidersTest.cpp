@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/cmpi/TCMPIOperations.h"
+#include "platform/cmpi/abi/cmpi.h"
 #include "platform/contract/TQELException.h"
 
 namespace NZEPQEL20 {
@@ -104,6 +105,20 @@ TEST_P(FaultyProviderTest, FailsWithItsReasonOnceWhileOthersGoOn) {
   EXPECT_FALSE(m_operations->GetProblems().empty());
 }
 
+TEST_F(MisbehavingProvidersTest, AProviderNameThatTheFactoryDoesNotKnowIsAReason) {
+  Host("factoryunknown");
+  try {
+    Enumerate();
+    FAIL() << "no exception";
+  } catch (const TQELException& failure) {
+    EXPECT_EQ(failure.GetCIMStatus(), static_cast<unsigned int>(CMPI_RC_ERR_FAILED));
+  }
+  EXPECT_THAT(m_operations->GetProblems(),
+              testing::ElementsAre("provider Bad in " + GetFolder() +
+                                   "libfactoryunknown.so: its Instance functions were refused: no "
+                                   "provider of that name; see rule R4"));
+}
+
 TEST_F(MisbehavingProvidersTest, ManyUndeclaredClassesAreOneLineWithTheirNumber) {
   const std::string file = GetFolder() + "bad.registration";
   std::ofstream out(file);
@@ -149,6 +164,7 @@ INSTANTIATE_TEST_SUITE_P(Libraries, FaultyProviderTest,
                                          TFaultRow{"factorythrows", "factory on strike"},
                                          TFaultRow{"factorynull", "were not made"},
                                          TFaultRow{"factoryrefuses", "no hardware here"},
+                                         TFaultRow{"factoryunknown", "no provider of that name"},
                                          TFaultRow{"throws", "out of luck"},
                                          TFaultRow{"throwsall", "out of luck in enumerateInst"},
                                          TFaultRow{"codes", "not for you: enumerateInstances"},
