@@ -8,6 +8,7 @@
 #include "platform/cmpi/TRegistrationTaker.h"
 #include "platform/contract/TQELException.h"
 #include "platform/schema/TClassRepository.h"
+#include "platform/schema/TMofSource.h"
 
 namespace NZEPQEL20 {
 
@@ -69,6 +70,51 @@ std::vector<std::string> GetTexts(const TCIMInstanceData& instance, const char* 
     if (!element.IsNull()) texts.push_back(Trim(element.ToString(10)));
   }
   return texts;
+}
+
+constexpr char kGaps[] = " \t\r\n\f";
+
+/// Moves `place` behind `word` and the blanks before it; false when something else is there.
+bool Skip(const std::string& text, const std::string& word, std::size_t& place) {
+  const std::size_t start = text.find_first_not_of(kGaps, place);
+  if (start == std::string::npos || !IsSameName(text.substr(start, word.size()), word))
+    return false;
+  place = start + word.size();
+  return true;
+}
+
+/// The text of a file; empty when it cannot be read, which whoever compiles it tells.
+std::string ReadText(const std::string& file) {
+  try {
+    return TMofSource::ReadFile(file).text;
+  } catch (const TQELException&) {
+    return {};
+  }
+}
+
+/// Whether nothing in the file registers providers.
+bool IsSchemaAlone(const std::string& file) {
+  const std::string text = ReadText(file);
+  return !text.empty() && text.find("PG_Provider") == std::string::npos;
+}
+
+/// Blanks the directives by which `text` includes mere schema, which may be the whole of CIM and
+/// would be read at each start. True when there was one.
+bool DropSchemaIncludes(std::string& text, const std::string& file) {
+  bool hasDropped = false;
+  for (std::size_t at = text.find('#'); at != std::string::npos; at = text.find('#', at + 1)) {
+    std::size_t place = at + 1;
+    if (!Skip(text, "pragma", place) || !Skip(text, "include", place)) continue;
+    if (!Skip(text, "(", place) || !Skip(text, "\"", place)) continue;
+    const std::size_t quote = text.find_first_of("\"\n", place);
+    std::size_t end = quote + 1;
+    if (quote == std::string::npos || text[quote] != '"' || !Skip(text, ")", end)) continue;
+    if (!IsSchemaAlone(ResolveMofPath(text.substr(place, quote - place), file))) continue;
+    // Line ends stay, so that messages have the right ones.
+    for (std::size_t i = at; i < end; ++i) text[i] = text[i] == '\n' ? '\n' : ' ';
+    hasDropped = true;
+  }
+  return hasDropped;
 }
 
 /// The instances of one vendor's MOF files, put together.
@@ -219,8 +265,11 @@ std::vector<std::string> ReadRegistrationMof(const std::vector<std::string>& fil
   };
   for (const std::string& file : files) {
     const std::size_t before = classes.GetCount();
-    const std::vector<TMofError> errors = classes.Load(file);
-    if (classes.GetCount() > before) {
+    std::string text = ReadText(file);
+    const bool hasSchema = DropSchemaIncludes(text, file);
+    const std::vector<TMofError> errors =
+        hasSchema ? classes.LoadText(text, file) : classes.Load(file);
+    if (hasSchema || classes.GetCount() > before) {
       // Whoever loads the classes reports what is wrong in the file.
       mixed.push_back(file);
     } else {

@@ -67,6 +67,21 @@ TEST(RegistrationMofTest, AFileThatDeclaresClassesTooIsNoPureRegistration) {
   EXPECT_THAT(read.GetPureFiles(), IsEmpty());
 }
 
+TEST(RegistrationMofTest, SchemaThatARegistrationIncludesIsLeftToWhoeverLoadsTheSchema) {
+  const TVendor vendor;
+  // Would be told if it were compiled for the registration.
+  vendor.Write("cim/schema.inc", "class wrong wrong;\n");
+  vendor.Write("provider.inc", kProvider);
+  vendor.Write("r.mof",
+               "#pragma include(\"cim/schema.inc\")\n# PRAGMA Include ( \"provider.inc\" )\n" +
+                   std::string(kModule) + Capabilities("2"));
+  const auto read = vendor.Read();
+  EXPECT_EQ(ShowFindings(read), "");
+  EXPECT_EQ(ShowAll(read), "A root/x P libacme.so I");
+  EXPECT_THAT(read.GetFiles(), SizeIs(1));
+  EXPECT_THAT(read.GetPureFiles(), IsEmpty());
+}
+
 TEST(RegistrationMofTest, MofThatOnlySpeaksOfTheClassesIsNoRegistration) {
   const auto read = Read("/* like a PG_Provider of yours */ class A { string PG_Provider; };");
   EXPECT_THAT(read.GetFiles(), IsEmpty());
