@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The chapter of TCMPIOperations about instances.
+#include <algorithm>
 #include <set>
 
 #include "platform/cmpi/ObjectIdentity.h"
@@ -29,6 +30,19 @@ bool IsForOther(const TProviders& providers, const TProviders::TServices& all,
     }
   }
   return false;
+}
+
+/// Tells of an object that is left out, unless the provider gives it where it is asked for.
+void TellStray(TProviders& providers, const TProviders::TService& asked,
+               const std::string& className) {
+  const auto& all = providers.GetServices();
+  const bool isServed = std::any_of(all.begin(), all.end(), [&](const auto& other) {
+    return other.provider == asked.provider &&
+           providers.IsA(className, other.registration->className);
+  });
+  if (isServed) return;
+  providers.Report(asked.provider->Describe() + " gave an object of " + className + " where " +
+                   asked.registration->className + " was asked for; it is left out; see rule R18");
 }
 
 /// An enumeration of a class nobody serves is empty; one of an unknown class is an error.
@@ -79,7 +93,10 @@ void TCMPIOperations::EnumerateInstances(const std::string& nameSpace, const std
   TSeen seen(services);
   const auto take = [&](const TParts::TService& service, TCallOutcome& outcome) {
     for (auto& content : outcome.content.instances) {
-      if (IsForOther(providers, services, service, content->path.className)) continue;
+      if (IsForOther(providers, services, service, content->path.className)) {
+        TellStray(providers, service, content->path.className);
+        continue;
+      }
       TCIMInstanceData data = m_parts->Finish(content, nameSpace, service.registration->className);
       if (seen.IsNew(data.path) && !sink(std::move(data))) return false;
     }
@@ -101,7 +118,10 @@ std::vector<TCIMReference> TCMPIOperations::EnumerateInstanceNames(const std::st
   std::vector<TCIMReference> found;
   const auto take = [&](const TParts::TService& service, TCallOutcome& outcome) {
     for (TPathContent& path : outcome.content.paths) {
-      if (IsForOther(providers, services, service, path.className)) continue;
+      if (IsForOther(providers, services, service, path.className)) {
+        TellStray(providers, service, path.className);
+        continue;
+      }
       TCIMReference name = m_parts->Finish(path, nameSpace, service.registration->className);
       if (seen.IsNew(name)) found.push_back(std::move(name));
     }
