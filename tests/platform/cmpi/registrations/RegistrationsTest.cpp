@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <string>
 
 #include "tests/platform/cmpi/registrations/TVendor.h"
@@ -56,10 +55,8 @@ TEST(RegistrationsTest, AFolderRegistersABoundedNumberOfClasses) {
   }
   vendor.Write("acme.registration", text);
   for (int i = 0; i < 1000; ++i) vendor.Write("lib" + std::to_string(i) + ".so", "");
-  const auto started = std::chrono::steady_clock::now();
+  // Were each compared with all others, this would run into the limit of the test.
   const auto read = vendor.Read();
-  // Were each compared with all others, this would take a minute.
-  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(20));
   EXPECT_THAT(read.GetEntries(), SizeIs(TRegistrations::kMaxEntries));
   EXPECT_THAT(read.GetProblems(),
               ::testing::ElementsAre(vendor.GetPath("acme.registration") +
