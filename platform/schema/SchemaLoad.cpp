@@ -86,6 +86,7 @@ bool LoadCached(const TSchemaInputs& inputs, const TSchemaCachePlace& place,
       const auto cache = OpenCache(TCacheFolder(path), place.fileName, inputs, schema.notes);
       if (cache != nullptr) {
         schema.problems = cache->GetProblems();
+        schema.leftOut = cache->GetLeftOut();
         schema.classes = TClassRepository::FromStore(cache, [inputs] {
           std::vector<TMofError> known;
           return ReadFiles(inputs, known)->GetDeclarations();
@@ -110,8 +111,8 @@ void WriteCache(const TSchemaInputs& inputs, const TSchemaCachePlace& place,
   }
   try {
     const std::string bytes =
-        TSchemaCache::Encode({inputs, sources.Get(), schema.problems, *classes.GetDeclarations(),
-                              classes.GetInstances(), trustedBefore});
+        TSchemaCache::Encode({inputs, sources.Get(), schema.problems, schema.leftOut,
+                              *classes.GetDeclarations(), classes.GetInstances(), trustedBefore});
     for (const std::string& path : place.folders) {
       const std::string reason = TCacheFolder(path).Write(place.fileName, {bytes});
       if (reason.empty()) {
@@ -136,6 +137,7 @@ TLoadedSchema LoadSchema(const TSchemaInputs& inputs, const TSchemaCachePlace& p
   }
   const std::int64_t trustedBefore = GetFileClock() - kStampDoubt;
   std::unique_ptr<TClassRepository> classes = ReadFiles(inputs, schema.problems);
+  schema.leftOut = classes->GetLeftOut();
   if (isCacheable) {
     WriteCache(inputs, place, *classes, trustedBefore, schema);
   }

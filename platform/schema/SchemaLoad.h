@@ -23,7 +23,8 @@ struct TSchemaCachePlace {
 /// A schema, and what came of loading it.
 struct TLoadedSchema {
   std::shared_ptr<const TClassRepository> classes;
-  std::vector<TMofError> problems;  ///< The same, whether they were found now or before.
+  std::vector<TMofError> problems;     ///< The same, whether they were found now or before.
+  std::vector<TLeftOutClass> leftOut;  ///< Likewise; see TClassRepository::GetLeftOut().
   bool isFromCache = false;
   std::vector<std::string> notes;  ///< What became of the cache, for a log.
 };

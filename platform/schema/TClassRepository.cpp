@@ -131,6 +131,7 @@ std::vector<TMofError> TClassRepository::LoadText(const std::string& text,
 
 void TClassRepository::AddSearchPath(const std::string& folder) {
   m_parts->folders.push_back(folder);
+  m_parts->loader.AddFolder(folder);
   m_parts->sought.clear();
 }
 
@@ -138,6 +139,7 @@ std::vector<TMofError> TClassRepository::Check() {
   m_parts->LoadMissing();
   m_parts->whole.clear();
   m_parts->store->ReportChanges(m_parts->problems);
+  m_parts->store->CutLoops(m_parts->problems);
   TSchemaChecker(*m_parts->store, m_parts->problems).Check();
   TInstanceResolver(*this, m_parts->store->GetDeclaredInstances(), m_parts->problems).Resolve();
   std::vector<TMofError> found = m_parts->problems.Take();
@@ -224,6 +226,10 @@ std::size_t TClassRepository::GetCount() const {
 
 TClassRepository::TClassesPtr TClassRepository::GetDeclarations() const {
   return m_parts->GetClasses();
+}
+
+const std::vector<TLeftOutClass>& TClassRepository::GetLeftOut() const {
+  return m_parts->store->GetLeftOut();
 }
 
 const TSchemaSources& TClassRepository::GetSources() const {

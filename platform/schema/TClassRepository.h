@@ -10,6 +10,7 @@
 #include "platform/contract/TCIMClassDeclaration.h"
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/schema/ISchemaClasses.h"
+#include "platform/schema/TLeftOutClass.h"
 #include "platform/schema/TMofError.h"
 #include "platform/schema/TSchemaSources.h"
 
@@ -19,7 +20,8 @@ namespace NZEPQEL20 {
 ///
 /// Class names compare without case. Files may come in any order: a superclass may be loaded
 /// after its subclasses. A faulty declaration is reported and left out; all others stay. A class
-/// that is declared again replaces the earlier one, silently when both say the same.
+/// that is declared again replaces the earlier one, silently when both say the same, unless the
+/// earlier one is in a folder that holds; see AddSearchPath().
 /// Threads: Load(), LoadText(), AddSearchPath() and Check() must be alone; the const operations
 /// may run in several threads at once.
 class TClassRepository {
@@ -49,6 +51,10 @@ class TClassRepository {
   std::vector<TMofError> LoadText(const std::string& text, const std::string& name);
 
   /// Names a folder in which Check() looks for a missing superclass, as `<Class>.mof` in any case.
+  /// Files in a folder count less than those in the folders that were named before it: of two
+  /// differing declarations of a class the latter's holds, and a qualifier that is declared in a
+  /// folder behind the first one counts in that folder only. To be called before files are loaded;
+  /// files in none of the folders count as the first one's, or with the file that includes them.
   void AddSearchPath(const std::string& folder);
 
   /// To be called when everything is loaded: reports what only the whole shows, such as missing
@@ -82,6 +88,10 @@ class TClassRepository {
 
   /// The declarations as they were read, for whoever stores them.
   TClassesPtr GetDeclarations() const;
+
+  /// The classes that were left out because a folder that was named before declares them
+  /// otherwise. A repository of what was stored has none.
+  const std::vector<TLeftOutClass>& GetLeftOut() const;
 
   /// All that Load() and Check() have looked at on disk.
   const TSchemaSources& GetSources() const;

@@ -123,7 +123,7 @@ TSchemaQualifiers TMofCompiler::CompileQualifiers(const std::vector<TMofQualifie
 }
 
 TSchemaQualifier TMofCompiler::CompileQualifier(const TMofQualifier& qualifier) {
-  const TMofQualifierType* declared = m_qualifiers.Find(qualifier.name);
+  const TMofQualifierType* declared = m_qualifiers->Find(qualifier.name);
   const TMofQualifierType type = declared != nullptr ? *declared : GuessQualifier(qualifier);
   TSchemaQualifier result;
   result.name = type.name;
@@ -168,7 +168,13 @@ void TMofCompiler::Declare(const std::string& file, const TMofQualifierDeclarati
     m_problems.AddError(file, error.position,
                         "default of qualifier " + declaration.name + ": " + error.what());
   }
-  if (m_qualifiers.Declare(type)) {
+  if (m_qualifiers->IsForbidden(type)) {
+    m_problems.AddWarning(file, declaration.position,
+                          "qualifier " + declaration.name +
+                              " has another type in the schema; this declaration is left out");
+    return;
+  }
+  if (m_qualifiers->Declare(type)) {
     m_problems.AddWarning(
         file, declaration.position,
         "qualifier " + declaration.name + " is declared again, differently; the last one holds");

@@ -17,7 +17,10 @@ namespace NZEPQEL20 {
 class TMofCompiler {
  public:
   TMofCompiler(TMofQualifierTable& qualifiers, TMofProblems& problems)
-      : m_qualifiers(qualifiers), m_problems(problems) {}
+      : m_qualifiers(&qualifiers), m_problems(problems) {}
+
+  /// Goes on with another table.
+  void Use(TMofQualifierTable& qualifiers) { m_qualifiers = &qualifiers; }
 
   TSchemaClass Compile(const std::string& file, TMofClass&& declaration);
 
@@ -34,7 +37,7 @@ class TMofCompiler {
   void CompileProperties(TMofClass& declaration, TSchemaClass& result);
   void CompileMethods(TMofClass& declaration, TSchemaClass& result);
 
-  TMofQualifierTable& m_qualifiers;
+  TMofQualifierTable* m_qualifiers;
   TMofProblems& m_problems;
   std::unordered_set<std::string> m_undeclared;  ///< Reported already, in folded form.
   std::string m_file;

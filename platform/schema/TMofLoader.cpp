@@ -14,6 +14,31 @@ void TMofLoader::Begin() {
   ++m_unit;
   m_pieces = 0;
   m_nameSpace.clear();
+  UseRank(0);
+}
+
+void TMofLoader::AddFolder(const std::string& folder) {
+  m_folders.push_back((std::filesystem::path(folder) / "").lexically_normal().string());
+}
+
+std::size_t TMofLoader::FindRank(const std::string& file) const {
+  const std::string plain = std::filesystem::path(file).lexically_normal().string();
+  std::size_t rank = m_rank;
+  std::size_t longest = 0;
+  for (std::size_t i = 0; i < m_folders.size(); ++i) {
+    const std::string& folder = m_folders[i];
+    if (folder.size() > longest && plain.compare(0, folder.size(), folder) == 0) {
+      rank = i;
+      longest = folder.size();
+    }
+  }
+  return rank;
+}
+
+void TMofLoader::UseRank(std::size_t rank) {
+  m_rank = rank;
+  m_compiler.Use(rank == 0 ? m_qualifiers
+                           : m_ownQualifiers.try_emplace(rank, &m_qualifiers).first->second);
 }
 
 bool TMofLoader::Open(const std::string& path) {
@@ -57,7 +82,10 @@ void TMofLoader::LoadText(const std::string& text, const std::string& name) {
 }
 
 void TMofLoader::Parse(const TMofSource& source) {
+  const std::size_t before = m_rank;
+  UseRank(FindRank(source.name));
   TMofParser(source, *this, m_problems).Parse();
+  UseRank(before);
 }
 
 void TMofLoader::OnInclude(const std::string& file, TMofPosition position,
@@ -85,7 +113,9 @@ void TMofLoader::OnQualifier(const std::string& file, TMofQualifierDeclaration&&
 }
 
 void TMofLoader::OnClass(const std::string& file, TMofClass&& declaration) {
-  m_store.Add(m_compiler.Compile(file, std::move(declaration)));
+  TSchemaClass compiled = m_compiler.Compile(file, std::move(declaration));
+  compiled.rank = m_rank;
+  m_store.Add(std::move(compiled));
 }
 
 void TMofLoader::OnInstance(const std::string& /*file*/, TMofInstance&& instance) {

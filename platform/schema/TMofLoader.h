@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
 #include "platform/schema/IMofSink.h"
 #include "platform/schema/TMofCompiler.h"
@@ -29,6 +31,11 @@ class TMofLoader : public IMofSink {
         m_sources(sources),
         m_compiler(m_qualifiers, problems) {}
 
+  /// What is in a folder that is named later gives way to what is in one that was named before: its
+  /// classes, and outside of the folder its qualifiers. A file in none of them goes with the file
+  /// that includes it, else with the first one.
+  void AddFolder(const std::string& folder);
+
   /// Nothing happens when the file was read before.
   void LoadFile(const std::string& path);
   void LoadText(const std::string& text, const std::string& name);
@@ -43,6 +50,9 @@ class TMofLoader : public IMofSink {
  private:
   void Begin();
   void Parse(const TMofSource& source);
+  std::size_t FindRank(const std::string& file) const;
+  /// Makes what is declared from now on count as that of a folder.
+  void UseRank(std::size_t rank);
   /// False when the file was read before.
   bool Open(const std::string& path);
   /// Reads and parses; answers with the reason why the file cannot be read, or an empty text.
@@ -52,7 +62,11 @@ class TMofLoader : public IMofSink {
   TMofProblems& m_problems;
   TSchemaSources& m_sources;
   TMofQualifierTable m_qualifiers;
+  /// Those of the folders behind the first one.
+  std::map<std::size_t, TMofQualifierTable> m_ownQualifiers;
   TMofCompiler m_compiler;
+  std::vector<std::string> m_folders;        ///< In plain form, with a "/" at the end.
+  std::size_t m_rank = 0;                    ///< Place in them of what is read now.
   std::unordered_set<std::string> m_opened;  ///< Canonical paths.
   unsigned int m_depth = 0;
   unsigned int m_unit = 0;

@@ -148,7 +148,15 @@ TMofQualifierTable::TMofQualifierTable() {
 
 const TMofQualifierType* TMofQualifierTable::Find(const std::string& name) const {
   const auto found = m_types.find(FoldName(name));
-  return found == m_types.end() ? nullptr : &found->second.type;
+  if (found != m_types.end()) {
+    return &found->second.type;
+  }
+  return m_general == nullptr ? nullptr : m_general->Find(name);
+}
+
+bool TMofQualifierTable::IsForbidden(const TMofQualifierType& type) const {
+  const TMofQualifierType* known = m_general == nullptr ? nullptr : m_general->Find(type.name);
+  return known != nullptr && (known->type != type.type || known->isArray != type.isArray);
 }
 
 bool TMofQualifierTable::Declare(const TMofQualifierType& type) {

@@ -24,8 +24,15 @@ class TMofQualifierTable {
  public:
   TMofQualifierTable();
 
+  /// Begins with those of `general`, which outlives this table. What is declared here does not
+  /// count there.
+  explicit TMofQualifierTable(const TMofQualifierTable* general) : m_general(general) {}
+
   /// Null when `name`, compared without case, is not declared.
   const TMofQualifierType* Find(const std::string& name) const;
+
+  /// Whether the general table has a qualifier of this name that is of another type.
+  bool IsForbidden(const TMofQualifierType& type) const;
 
   /// Adds a declaration or replaces an earlier one. Whether it differs from an earlier one that
   /// was not a standard one.
@@ -37,6 +44,7 @@ class TMofQualifierTable {
     bool isStandard = false;
   };
   std::unordered_map<std::string, TEntry> m_types;
+  const TMofQualifierTable* m_general = nullptr;
 };
 
 /// `name` with the ASCII letters in lower case: the form in which names are looked up.

@@ -126,6 +126,12 @@ std::string TSchemaCache::EncodeIndex(const TContent& content,
   for (const TMofError& problem : content.problems) {
     EncodeProblem(out, problem);
   }
+  out.PutCount(content.leftOut.size());
+  for (const TLeftOutClass& leftOut : content.leftOut) {
+    out.PutText(leftOut.name);
+    out.PutText(leftOut.file);
+    out.PutText(leftOut.holder);
+  }
   const TClassTree& tree = content.classes.GetTree();
   out.PutCount(tree.GetCount());
   // The instances are the last record.
@@ -219,6 +225,12 @@ void TSchemaCache::DecodeIndex(std::string_view bytes) {
   m_problems.resize(in.TakeCount(kLeastProblem));
   for (TMofError& problem : m_problems) {
     problem = DecodeProblem(in);
+  }
+  m_leftOut.resize(in.TakeCount(3 * kLeastText));
+  for (TLeftOutClass& leftOut : m_leftOut) {
+    leftOut.name = in.TakeText();
+    leftOut.file = in.TakeText();
+    leftOut.holder = in.TakeText();
   }
   m_records.resize(in.TakeCount(kLeastClass));
   for (TRecord& record : m_records) {

@@ -8,6 +8,7 @@
 
 #include "platform/schema/ISchemaClasses.h"
 #include "platform/schema/TDescriptor.h"
+#include "platform/schema/TLeftOutClass.h"
 #include "platform/schema/TMofError.h"
 #include "platform/schema/TSchemaSources.h"
 
@@ -42,6 +43,7 @@ class TSchemaCache : public ISchemaClasses {
     const TSchemaInputs& inputs;
     const std::vector<TSchemaSource>& sources;
     const std::vector<TMofError>& problems;
+    const std::vector<TLeftOutClass>& leftOut;
     const ISchemaClasses& classes;
     const std::vector<TCIMInstanceData>& instances;
     std::int64_t trustedBefore;  ///< See CheckSource().
@@ -63,6 +65,7 @@ class TSchemaCache : public ISchemaClasses {
   const TSchemaInputs& GetInputs() const { return m_inputs; }
   /// What the loading reported.
   const std::vector<TMofError>& GetProblems() const { return m_problems; }
+  const std::vector<TLeftOutClass>& GetLeftOut() const { return m_leftOut; }
 
   /// Whether all that the schema was loaded from is as it was. `isYoung` becomes true when some
   /// of it had to be compared by content.
@@ -99,6 +102,7 @@ class TSchemaCache : public ISchemaClasses {
   TSchemaInputs m_inputs;
   std::vector<TSchemaSource> m_sources;
   std::vector<TMofError> m_problems;
+  std::vector<TLeftOutClass> m_leftOut;
   TRecord m_instances;
   TClassTree m_tree;
   std::vector<TRecord> m_records;  ///< By place in the tree.

@@ -71,10 +71,7 @@ void TSchemaChecker::CheckLoops() {
 void TSchemaChecker::CheckTree(const TSchemaClass& declaration, TScope scope) {
   ++m_visited;
   if (scope.depth > TClassRepository::kMaxInheritance) {
-    m_problems.AddError(declaration.file, declaration.position,
-                        "class " + declaration.name + " has more than " +
-                            std::to_string(TClassRepository::kMaxInheritance - 1) +
-                            " superclasses");
+    ReportDepth(declaration);
     return;
   }
   scope.isLink = scope.isLink || HasQualifier(declaration.qualifiers, "Association") ||
@@ -83,7 +80,7 @@ void TSchemaChecker::CheckTree(const TSchemaClass& declaration, TScope scope) {
     CheckProperty(declaration, property, scope);
   }
   for (const TSchemaProperty& property : declaration.properties) {
-    m_inherited[FoldName(property.name)].push_back(&property);
+    m_inherited[FoldName(property.name)].push_back({&property, &declaration});
   }
   scope.hasKeys = scope.hasKeys || HasOwnKey(declaration);
   ++scope.depth;
@@ -103,15 +100,14 @@ void TSchemaChecker::CheckProperty(const TSchemaClass& declaration, const TSchem
                               ", which is not an association");
   }
   const auto found = m_inherited.find(FoldName(property.name));
-  const TSchemaProperty* inherited =
-      found == m_inherited.end() || found->second.empty() ? nullptr : found->second.back();
-  if (inherited != nullptr) {
-    CheckOverride(declaration, property, *inherited);
+  const bool isInherited = found != m_inherited.end() && !found->second.empty();
+  if (isInherited) {
+    CheckOverride(declaration, property, found->second.back());
   }
   const bool wasKey =
-      inherited != nullptr &&
-      std::any_of(found->second.begin(), found->second.end(), [](const TSchemaProperty* above) {
-        return HasQualifier(above->qualifiers, "Key");
+      isInherited &&
+      std::any_of(found->second.begin(), found->second.end(), [](const TInherited& above) {
+        return HasQualifier(above.property->qualifiers, "Key");
       });
   if (HasQualifier(property.qualifiers, "Key") && !wasKey && scope.hasKeys) {
     m_problems.AddWarning(declaration.file, property.position,
@@ -120,15 +116,41 @@ void TSchemaChecker::CheckProperty(const TSchemaClass& declaration, const TSchem
   }
 }
 
-void TSchemaChecker::CheckOverride(const TSchemaClass& declaration, const TSchemaProperty& property,
-                                   const TSchemaProperty& inherited) {
-  const std::string what = "property " + property.name + " of class " + declaration.name;
-  if (property.type != inherited.type || property.isArray != inherited.isArray) {
-    m_problems.AddError(declaration.file, property.position,
-                        what + " is " + DescribeType(property) + ", but " +
-                            DescribeType(inherited) + " where it comes from");
+void TSchemaChecker::ReportType(const TSchemaClass& declaration, const TSchemaProperty& property,
+                                const TInherited& above) {
+  const std::string start = "property " + property.name + " of class ";
+  const TSchemaProperty& inherited = *above.property;
+  // A superclass that a vendor adds does not make the classes of others faulty.
+  if (declaration.rank < above.owner->rank) {
+    m_problems.AddError(above.owner->file, inherited.position,
+                        start + above.owner->name + " is " + DescribeType(inherited) + ", but " +
+                            DescribeType(property) + " in class " + declaration.name + " at " +
+                            declaration.file + ":" + std::to_string(property.position.line));
     return;
   }
+  m_problems.AddError(declaration.file, property.position,
+                      start + declaration.name + " is " + DescribeType(property) + ", but " +
+                          DescribeType(inherited) + " where it comes from");
+}
+
+void TSchemaChecker::ReportDepth(const TSchemaClass& declaration) {
+  const TSchemaClass* cause = &declaration;
+  for (const std::size_t place : m_tree.GetChain(declaration.name).places) {
+    cause = m_store.At(place).rank > cause->rank ? &m_store.At(place) : cause;
+  }
+  m_problems.AddError(cause->file, cause->position,
+                      "class " + declaration.name + " has more than " +
+                          std::to_string(TClassRepository::kMaxInheritance - 1) + " superclasses");
+}
+
+void TSchemaChecker::CheckOverride(const TSchemaClass& declaration, const TSchemaProperty& property,
+                                   const TInherited& above) {
+  const TSchemaProperty& inherited = *above.property;
+  if (property.type != inherited.type || property.isArray != inherited.isArray) {
+    ReportType(declaration, property, above);
+    return;
+  }
+  const std::string what = "property " + property.name + " of class " + declaration.name;
   if (property.type == ECIMType::kReference) {
     const TClassChain chain = m_tree.GetChain(property.referenceClass);
     const bool isNarrower =

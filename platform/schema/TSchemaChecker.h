@@ -28,12 +28,21 @@ class TSchemaChecker {
     bool hasKeys = false;
   };
 
+  /// A property with the class that declares it.
+  struct TInherited {
+    const TSchemaProperty* property = nullptr;
+    const TSchemaClass* owner = nullptr;
+  };
+
   void CheckTop(const TSchemaClass& top);
   void CheckTree(const TSchemaClass& declaration, TScope scope);
   void CheckProperty(const TSchemaClass& declaration, const TSchemaProperty& property,
                      const TScope& scope);
   void CheckOverride(const TSchemaClass& declaration, const TSchemaProperty& property,
-                     const TSchemaProperty& inherited);
+                     const TInherited& above);
+  void ReportType(const TSchemaClass& declaration, const TSchemaProperty& property,
+                  const TInherited& above);
+  void ReportDepth(const TSchemaClass& declaration);
   void CheckLoops();
   void ReportMissing();
 
@@ -49,7 +58,7 @@ class TSchemaChecker {
   };
   std::map<std::string, TMissing> m_missing;  ///< By folded name.
   /// Declarations of each property on the way down, the nearest last; by folded name.
-  std::unordered_map<std::string, std::vector<const TSchemaProperty*>> m_inherited;
+  std::unordered_map<std::string, std::vector<TInherited>> m_inherited;
 };
 
 }  // namespace NZEPQEL20

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,7 @@ struct TSchemaClass {
   std::vector<TSchemaMethod> methods;
   std::string file;
   TMofPosition position;
+  std::size_t rank = 0;  ///< Of the folder that the file is in; a cache does not keep it.
 };
 
 /// The qualifier called `name`, compared without case; null when there is none.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <set>
 
 #include "platform/contract/TCIMInstanceData.h"
@@ -16,16 +17,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Whether the error is about a file of the folder; the installation's own are not its fault.
-bool IsOfFolder(const TMofError& error, const std::string& folder) {
-  const std::string file = fs::path(error.file).lexically_normal().string();
+/// Whether the file is one of the folder; the installation's own are not its fault.
+bool IsOfFolder(const std::string& path, const std::string& folder) {
+  const std::string file = fs::path(path).lexically_normal().string();
   return file.compare(0, folder.size() + 1, folder + '/') == 0;
 }
 
 void Take(const std::vector<TMofError>& errors, const std::string& folder,
           std::vector<TProviderFinding>& findings) {
   for (const TMofError& error : errors) {
-    if (error.isWarning || !IsOfFolder(error, folder)) continue;
+    if (error.isWarning || !IsOfFolder(error.file, folder)) continue;
     findings.push_back({false, kMofRule, error.ToString(), "mend the MOF"});
   }
 }
@@ -54,29 +55,78 @@ TPackageClasses LoadInstalledClasses(const std::string& root, const TProviderPac
   TPackageClasses loaded;
   Take(schema.problems, package.folder, loaded.findings);
   loaded.classes = std::move(schema.classes);
+  loaded.leftOut = std::move(schema.leftOut);
   return loaded;
+}
+
+/// The vendors' folders in the order in which they are read, with the package in the place of what
+/// is installed under its name, or where that would be.
+std::vector<std::string> PlaceFolder(const TInstalledFiles& installed,
+                                     const TProviderPackage& package) {
+  std::vector<std::string> folders;
+  for (const std::string& folder : installed.providerFolders) {
+    if (fs::path(folder).filename() != package.name) folders.push_back(folder);
+  }
+  const auto place =
+      std::find_if(folders.begin(), folders.end(), [&package](const std::string& folder) {
+        return fs::path(folder).filename().string() > package.name;
+      });
+  folders.insert(place, package.folder);
+  return folders;
+}
+
+/// What the schema and the vendors would have together, were the package installed.
+TSchemaInputs GatherInputs(const std::string& root, const TProviderPackage& package) {
+  const TInstalledFiles installed = FindInstalledFiles(root);
+  TSchemaInputs inputs;
+  inputs.files = installed.schema;
+  inputs.folders = {root + "/schema"};
+  for (const std::string& folder : PlaceFolder(installed, package)) {
+    inputs.folders.push_back(folder);
+    if (folder == package.folder) {
+      const std::vector<std::string> own = OrderByIncludes(package.schema);
+      inputs.files.insert(inputs.files.end(), own.begin(), own.end());
+      continue;
+    }
+    std::copy_if(installed.providerSchema.begin(), installed.providerSchema.end(),
+                 std::back_inserter(inputs.files),
+                 [&folder](const std::string& file) { return IsBelow(file, folder); });
+  }
+  return inputs;
+}
+
+bool Registers(const TProviderPackage& vendor, const std::string& className) {
+  return std::any_of(vendor.services.begin(), vendor.services.end(),
+                     [&className](const TProviderService& service) {
+                       return IsSameName(service.className, className);
+                     });
+}
+
+/// The vendor, other than the one of the package, that registers the class; null when there is
+/// none.
+const TProviderPackage* FindVendor(const std::vector<TProviderPackage>& installed,
+                                   const TProviderPackage& package, const std::string& className) {
+  const auto found =
+      std::find_if(installed.begin(), installed.end(), [&](const TProviderPackage& vendor) {
+        return vendor.name != package.name && vendor.folder != package.folder &&
+               Registers(vendor, className);
+      });
+  return found == installed.end() ? nullptr : &*found;
+}
+
+std::string CountMore(std::size_t count) {
+  return count < 2 ? "" : " (and " + std::to_string(count - 1) + " more classes)";
 }
 
 }  // namespace
 
 TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPackage& package) {
   if (IsBelow(package.folder, root + "/providers")) return LoadInstalledClasses(root, package);
-  auto classes = std::make_shared<TClassRepository>();
+  TLoadedSchema schema = LoadSchema(GatherInputs(root, package), {});
   TPackageClasses loaded;
-  classes->AddSearchPath(root + "/schema");
-  classes->AddSearchPath(package.folder);
-  const TInstalledFiles installed = FindInstalledFiles(root);
-  for (const std::string& file : installed.schema) classes->Load(file);
-  // What is installed under the same name gives way to the folder.
-  const std::string replaced = root + "/providers/" + package.name;
-  for (const std::string& file : installed.providerSchema) {
-    if (!IsBelow(file, replaced)) classes->Load(file);
-  }
-  for (const std::string& file : OrderByIncludes(package.schema)) {
-    Take(classes->Load(file), package.folder, loaded.findings);
-  }
-  Take(classes->Check(), package.folder, loaded.findings);
-  loaded.classes = std::move(classes);
+  Take(schema.problems, package.folder, loaded.findings);
+  loaded.classes = std::move(schema.classes);
+  loaded.leftOut = std::move(schema.leftOut);
   return loaded;
 }
 
@@ -105,6 +155,45 @@ std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
       findings.push_back({false, "R16", what + " has no key, and inherits none",
                           "mark the properties that tell its instances apart with [Key]"});
     }
+  }
+  return findings;
+}
+
+std::vector<TProviderFinding> CheckLeftOut(const std::vector<TLeftOutClass>& leftOut,
+                                           const TProviderPackage& package,
+                                           const std::vector<TProviderPackage>& installed) {
+  constexpr char kRemedy[] = "derive from the class that is there, or give yours another name";
+  std::vector<const TLeftOutClass*> own;
+  std::vector<const TLeftOutClass*> anothers;
+  for (const TLeftOutClass& entry : leftOut) {
+    const bool isOwn = IsOfFolder(entry.file, package.folder);
+    if (!isOwn && !IsOfFolder(entry.holder, package.folder)) continue;
+    const bool isAnothers = FindVendor(installed, package, entry.name) != nullptr;
+    // Ahead of the others in the alphabet, a folder could take a class from who serves it.
+    if (isAnothers && (isOwn || !Registers(package, entry.name))) {
+      anothers.push_back(&entry);
+    } else if (isOwn) {
+      own.push_back(&entry);
+    }
+  }
+  std::vector<TProviderFinding> findings;
+  if (!anothers.empty()) {
+    const TLeftOutClass& first = *anothers.front();
+    const bool isOwn = IsOfFolder(first.file, package.folder);
+    findings.push_back({false, "R22",
+                        (isOwn ? first.file : first.holder) + ": class " + first.name +
+                            CountMore(anothers.size()) + " differs from the one in " +
+                            (isOwn ? first.holder : first.file) + ", and " +
+                            FindVendor(installed, package, first.name)->folder + " registers it",
+                        kRemedy});
+  }
+  if (!own.empty()) {
+    const TLeftOutClass& first = *own.front();
+    findings.push_back({true, "R22",
+                        first.file + ": class " + first.name + CountMore(own.size()) +
+                            " differs from the one in " + first.holder +
+                            ", which holds; it is left out",
+                        kRemedy});
   }
   return findings;
 }

@@ -120,6 +120,7 @@ std::vector<TProviderFinding> CheckProvider(const std::string& root,
   Append(findings, CheckRegistrations(package, registrations));
   TPackageClasses loaded = LoadPackageClasses(root, package);
   Append(findings, std::move(loaded.findings));
+  Append(findings, CheckLeftOut(loaded.leftOut, package, installed));
   Append(findings, CheckClasses(*loaded.classes, registrations));
   Append(findings, ProbeLibraries(loaded.classes, registrations));
   Append(findings, CheckUnusedLibraries(package, registrations));

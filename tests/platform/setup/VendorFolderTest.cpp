@@ -97,6 +97,15 @@ TEST_F(VendorFolderTest, ALibraryThatIsNotThereIsOneProblemWithItsRule) {
                                    ::testing::EndsWith("; see rule R13"))));
 }
 
+TEST_F(VendorFolderTest, ADifferingClassOfAnotherVendorIsLeftOut) {
+  m_root.Write("providers/acme/acme.mof", "class A_Acme : A_Base { };\n");
+  m_root.Write("providers/zvil/z.mof", "class A_Acme : CIM_Foo { };\nclass A_Base : A_Acme { };\n");
+  const TProviderSetup setup = Open();
+  EXPECT_TRUE(setup.classes->IsA("A_Acme", "A_Base"));
+  EXPECT_TRUE(setup.classes->IsComplete("A_Acme"));
+  EXPECT_THAT(setup.problems, ElementsAre(HasSubstr("holds no provider")));
+}
+
 TEST_F(VendorFolderTest, WithoutAnyRegistrationThereIsNoProvider) {
   m_root.Write("providers/acme/acme.mof", "");
   EXPECT_THAT(Open().problems, ElementsAre(HasSubstr("/providers: holds no provider; ")));

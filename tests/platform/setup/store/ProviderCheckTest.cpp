@@ -176,6 +176,42 @@ TEST_F(ProviderCheckTest, WhatNotEverybodyCanReadIsOneWarning) {
                            "neither can the installed copy; make it readable .*"));
 }
 
+TEST_F(ProviderCheckTest, AClassThatTheSchemaHasOtherwiseIsAWarning) {
+  Register("A_Base");
+  m_vendor.Write("mof/acme.mof",
+                 "class A_Keyless { uint8 Name; };\nclass A_Base { [Key] uint8 Id; };\n");
+  const auto findings = Check();
+  ASSERT_THAT(findings, SizeIs(1)) << ShowAll(findings);
+  EXPECT_EQ(Show(findings[0]),
+            "warning R22: " + m_vendor.GetPath("mof/acme.mof") +
+                ": class A_Keyless (and 1 more classes) differs from the one in " +
+                m_root.GetPath("schema/base.mof") +
+                ", which holds; it is left out; derive from the class that is there, or give yours "
+                "another name");
+}
+
+TEST_F(ProviderCheckTest, AClassThatAnotherVendorRegistersIsAnErrorWhicheverComesFirst) {
+  m_root.Write("providers/mid/m.registration", "A_Mid root/m P l instance\n");
+  const std::string others = m_root.Write("providers/mid/m.mof", "class A_Mid : A_Base { };\n");
+  Register("A_Base");
+  const std::string own = m_vendor.Write("x.mof", "class A_Mid : A_Foo { };\n");
+  for (const char* name : {"aaa", "zzz"}) {
+    TProviderPackage package = m_store.Read(m_vendor.GetPath());
+    package.name = name;
+    EXPECT_THAT(ShowAll(m_store.Check(package)),
+                testing::StartsWith("error R22: " + own + ": class A_Mid differs from the one in " +
+                                    others + ", and " + m_root.GetPath("providers/mid") +
+                                    " registers it; "));
+  }
+}
+
+TEST_F(ProviderCheckTest, WhoeverRegistersTheClassIsOnlyWarned) {
+  m_root.Write("providers/aaa/a.mof", "class A_Acme { };\n");
+  Register("A_Acme");
+  m_vendor.Write("x.mof", "class A_Acme : A_Base { };\n");
+  EXPECT_THAT(ShowAll(Check()), HasSubstr("warning R22: "));
+}
+
 TEST_F(ProviderCheckTest, ErrorsComeFirstAndNothingTwice) {
   Take(kGood, "libunused.so");
   m_vendor.Write("x.registration",
