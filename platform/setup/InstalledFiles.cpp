@@ -2,6 +2,7 @@
 #include "platform/setup/InstalledFiles.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <iterator>
 #include <set>
@@ -44,6 +45,17 @@ std::vector<fs::directory_entry> ReadFolder(const fs::path& folder,
 bool IsMof(const fs::path& file) {
   const std::string extension = file.extension().string();
   return extension == ".mof" || extension == ".MOF";
+}
+
+// Puts the reduced classes that are shipped in front: a whole schema that lies beside them holds,
+// however its files are called.
+void PutShippedFirst(const fs::path& folder, std::vector<std::string>& files) {
+  constexpr std::array<const char*, 4> kShipped = {"cim_core.mof", "cim_devices.mof",
+                                                   "cim_diagnostics.mof", "cim_jobs.mof"};
+  std::stable_partition(files.begin(), files.end(), [&](const std::string& file) {
+    return std::any_of(kShipped.begin(), kShipped.end(),
+                       [&](const char* name) { return file == (folder / name).string(); });
+  });
 }
 
 // Files below a folder of class declarations, a folder's own before those of the folders in it.
@@ -97,6 +109,7 @@ TInstalledFiles FindInstalledFiles(const std::string& root) {
   TInstalledFiles files;
   const fs::path top(root);
   TSchemaTree(files.schema, files.problems).Take(top / "schema");
+  PutShippedFirst(top / "schema", files.schema);
   if (files.schema.empty()) {
     files.problems.push_back((top / "schema").string() + ": holds no class declarations (*.mof)");
   }

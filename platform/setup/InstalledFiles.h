@@ -14,7 +14,8 @@ struct TInstalledFolder {
 
 /// The files of an installation root that are read at set-up, by name in ascending order.
 struct TInstalledFiles {
-  /// *.mof below <root>/schema, a folder's own before those of the folders in it.
+  /// *.mof below <root>/schema, those that are shipped first, a folder's own before those of the
+  /// folders in it.
   std::vector<std::string> schema;
   /// *.mof below <root>/providers/<vendor>, what others include behind those.
   std::vector<std::string> providerSchema;

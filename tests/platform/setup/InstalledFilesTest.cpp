@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <ostream>
 
@@ -48,6 +49,20 @@ TEST(InstalledFilesTest, AWholeSchemaMayLieInFoldersOfItsOwn) {
   const std::string other = root.Write("schema/a/x.mof", "");
   EXPECT_THAT(FindInstalledFiles(root.GetPath()).schema,
               ElementsAre(own, other, master, core, device));
+}
+
+TEST(InstalledFilesTest, TheShippedFilesComeFirstWhateverIsBesideThem) {
+  const TTemporaryFolder root;
+  std::vector<std::string> expected;
+  for (const auto& entry : std::filesystem::directory_iterator(DIAGSRUNNER_SCHEMA_DIR)) {
+    expected.push_back(root.Write("schema/" + entry.path().filename().string(), ""));
+  }
+  std::sort(expected.begin(), expected.end());
+  ASSERT_EQ(expected.size(), 4U);
+  for (const char* name : {"schema/CIM_Processor.mof", "schema/a.mof", "schema/in/cim_core.mof"}) {
+    expected.push_back(root.Write(name, ""));
+  }
+  EXPECT_EQ(FindInstalledFiles(root.GetPath()).schema, expected);
 }
 
 TEST(InstalledFilesTest, LinksThatLeadRoundInCirclesEnd) {
