@@ -59,7 +59,7 @@ std::string TMofLoader::Read(const std::string& path) {
     if (exception.GetStatusCode() == TQELStatusCode::kNotFound) {
       m_sources.AddAbsent(path);
     } else {
-      m_sources.Spoil();
+      m_sources.AddUnreadable(path, exception.GetStatusCode() == TQELStatusCode::kInvalidArgument);
     }
     return exception.what();
   }

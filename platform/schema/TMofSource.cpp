@@ -228,7 +228,7 @@ std::string FindWithoutCase(const std::string& folder, const std::string& name,
     } else if (problem == ENOENT || problem == ENOTDIR) {
       sources->AddAbsent(folder);
     } else {
-      sources->Spoil();
+      sources->AddUnreadable(folder, false);
     }
   }
   return found.empty() ? found : (fs::path(folder) / found).string();

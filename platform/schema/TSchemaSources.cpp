@@ -9,6 +9,7 @@
 
 #include "platform/contract/TQELException.h"
 #include "platform/schema/SchemaHash.h"
+#include "platform/schema/TDescriptor.h"
 #include "platform/schema/TMofSource.h"
 
 namespace NZEPQEL20 {
@@ -38,10 +39,30 @@ bool HasSameContent(const TSchemaSource& source) {
   }
 }
 
+/// The reason why `path` cannot be opened for reading, 0 when it can. `stamp` stays empty when it
+/// leads to nothing.
+int FindReadError(const std::string& path, TFileStamp& stamp) {
+  int error = 0;
+  if (!stamp.Read(path, error)) {
+    return error;
+  }
+  const TDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  return file.IsOpen() ? 0 : errno;
+}
+
+ESourceState CheckUnreadable(const TSchemaSource& source) {
+  TFileStamp now;
+  const auto error = static_cast<std::uint64_t>(FindReadError(source.path, now));
+  return error == source.hash && now == source.stamp ? ESourceState::kSame : ESourceState::kChanged;
+}
+
 }  // namespace
 
 ESourceState CheckSource(const TSchemaSource& source, std::int64_t trustedBefore) {
   using EKind = TSchemaSource::EKind;
+  if (source.kind == EKind::kUnreadable) {
+    return CheckUnreadable(source);
+  }
   TFileStamp now;
   int error = 0;
   if (!now.Read(source.path, error)) {
@@ -103,6 +124,20 @@ void TSchemaSources::AddFolder(const std::string& path, const TFileStamp& stamp,
 
 void TSchemaSources::AddAbsent(const std::string& path) {
   Begin(TSchemaSource::EKind::kAbsent, path);
+}
+
+void TSchemaSources::AddUnreadable(const std::string& path, bool isByNature) {
+  TFileStamp stamp;
+  const int error = FindReadError(path, stamp);
+  // It may have become readable meanwhile, or the medium is faulty.
+  if (error == 0 && !isByNature) {
+    Spoil();
+    return;
+  }
+  if (Begin(TSchemaSource::EKind::kUnreadable, path)) {
+    m_sources.back().stamp = stamp;
+    m_sources.back().hash = static_cast<std::uint64_t>(error);
+  }
 }
 
 }  // namespace NZEPQEL20

@@ -17,17 +17,20 @@ namespace NZEPQEL20 {
 /// Something on disk that loading a schema has looked at.
 struct TSchemaSource {
   enum class EKind : std::uint8_t {
-    kFile,      ///< A file that was read.
-    kSameFile,  ///< Another path of a file that was read.
-    kFolder,    ///< A folder whose names were looked through.
-    kAbsent     ///< A path at which nothing was found.
+    kFile,       ///< A file that was read.
+    kSameFile,   ///< Another path of a file that was read.
+    kFolder,     ///< A folder whose names were looked through.
+    kAbsent,     ///< A path at which nothing was found.
+    kUnreadable  ///< Something that could not be read.
   };
-  static constexpr auto kLastKind = EKind::kAbsent;
+  static constexpr auto kLastKind = EKind::kUnreadable;
 
   EKind kind = EKind::kFile;
   std::string path;
   TFileStamp stamp;
-  std::uint64_t hash = 0;  ///< Of the content of a file, or of the names in a folder.
+  /// Of the content of a file, or of the names in a folder; the reason (errno) why it cannot be
+  /// read, 0 for what cannot be a MOF file by its nature.
+  std::uint64_t hash = 0;
 };
 
 /// Whether a source is still what it was.
@@ -55,6 +58,10 @@ class TSchemaSources {
   /// `stamp` is from before the names were read.
   void AddFolder(const std::string& path, const TFileStamp& stamp, std::uint64_t namesHash);
   void AddAbsent(const std::string& path);
+  /// What cannot be opened for reading is the same while its stamp and the reason are.
+  /// `isByNature`: it can be opened, and its stamp tells why it is not read: a folder, a pipe, too
+  /// large.
+  void AddUnreadable(const std::string& path, bool isByNature);
 
   /// Something could not be read, for a reason that need not show when it goes away.
   void Spoil() { m_isWhole = false; }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <limits>
 
@@ -66,6 +67,35 @@ TEST_F(SchemaSourcesTest, WhatWasAbsentMustStayAbsent) {
   EXPECT_EQ(Check(kAlways), ESourceState::kSame);
   m_folder.Write("none", "");
   EXPECT_EQ(Check(kAlways), ESourceState::kChanged);
+}
+
+TEST_F(SchemaSourcesTest, WhatCannotBeReadIsTheSameWhileTheReasonIs) {
+  const std::string loop = m_folder.GetPath() + "/loop";
+  std::filesystem::create_symlink("loop", loop);
+  m_sources.AddUnreadable(loop, false);
+  EXPECT_EQ(m_sources.Get().back().hash, static_cast<std::uint64_t>(ELOOP));
+  EXPECT_EQ(Check(kAlways), ESourceState::kSame);
+  EXPECT_EQ(Check(kNever), ESourceState::kSame);
+  std::filesystem::remove(loop);
+  EXPECT_EQ(Check(kAlways), ESourceState::kChanged);
+  m_folder.Write("loop", "text");
+  EXPECT_EQ(Check(kAlways), ESourceState::kChanged);
+  EXPECT_TRUE(m_sources.IsWhole());
+}
+
+TEST_F(SchemaSourcesTest, WhatIsNoFileIsTheSameWhileItsStampIs) {
+  const std::string path = m_folder.GetPath() + "/a";
+  std::filesystem::create_directory(path);
+  m_sources.AddUnreadable(path, true);
+  EXPECT_EQ(Check(kAlways), ESourceState::kSame);
+  std::filesystem::remove(path);
+  m_folder.Write("a", "text");
+  EXPECT_EQ(Check(kAlways), ESourceState::kChanged);
+}
+
+TEST_F(SchemaSourcesTest, AFaultThatDoesNotShowAgainCannotBeTold) {
+  m_sources.AddUnreadable(m_folder.Write("a", "text"), false);
+  EXPECT_FALSE(m_sources.IsWhole());
 }
 
 TEST_F(SchemaSourcesTest, APathIsAddedOnce) {
