@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/setup/SchemaCachePlace.h"
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 
 #include "platform/schema/SchemaHash.h"
@@ -18,10 +20,17 @@ bool IsAbsolute(const std::string& path) {
   return path.compare(0, 1, "/") == 0;
 }
 
-std::string GetUserFolder() {
+// Under sudo these may be another user's, who could not replace there what root has written.
+bool IsAnothers(const std::string& folder, uid_t user) {
+  struct stat info = {};
+  return user == 0 && stat(folder.c_str(), &info) == 0 && info.st_uid != 0;
+}
+
+std::string GetUserFolder(uid_t user) {
   const std::string caches = GetVariable("XDG_CACHE_HOME");
-  if (IsAbsolute(caches)) return caches + "/diagsrunner";
   const std::string home = GetVariable("HOME");
+  if (IsAnothers(home, user) || IsAnothers(caches, user)) return {};
+  if (IsAbsolute(caches)) return caches + "/diagsrunner";
   return IsAbsolute(home) ? home + "/.cache/diagsrunner" : std::string();
 }
 
@@ -36,7 +45,7 @@ std::string MakeFileName(const std::string& root) {
 
 }  // namespace
 
-TSchemaCachePlace ChooseSchemaCache(const std::string& root) {
+TSchemaCachePlace ChooseSchemaCache(const std::string& root, uid_t user) {
   TSchemaCachePlace place;
   place.fileName = MakeFileName(root);
   const std::string chosen = GetVariable("DIAGSRUNNER_SCHEMA_CACHE");
@@ -46,7 +55,7 @@ TSchemaCachePlace ChooseSchemaCache(const std::string& root) {
     return place;
   }
   place.folders = {root + "/cache"};
-  const std::string own = GetUserFolder();
+  const std::string own = GetUserFolder(user);
   if (!own.empty()) place.folders.push_back(own);
   return place;
 }

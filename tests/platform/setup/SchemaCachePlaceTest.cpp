@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -75,6 +76,24 @@ INSTANTIATE_TEST_SUITE_P(
         TPlaceRow{"RelativeChosen", "own", nullptr, nullptr, {"/opt/x/cache"}},
         TPlaceRow{"Off", "off", "/c", "/h", {}}),
     [](const auto& row) { return row.param.name; });
+
+TEST(SchemaCacheOwnerTest, RootWritesNothingIntoTheHomeOfAnotherUser) {
+  const TTemporaryFolder home;
+  constexpr uid_t kNobody = 65534;
+  // Where the tests do not run as root, the folder is another user's as it is.
+  if (geteuid() == 0) {
+    ASSERT_EQ(chown(home.GetPath().c_str(), kNobody, kNobody), 0);
+  }
+  for (const char* name : {"HOME", "XDG_CACHE_HOME"}) {
+    TEnvironment environment;
+    environment.Set("DIAGSRUNNER_SCHEMA_CACHE", nullptr);
+    environment.Set("XDG_CACHE_HOME", nullptr);
+    environment.Set("HOME", "/");
+    environment.Set(name, home.GetPath().c_str());
+    EXPECT_EQ(ChooseSchemaCache("/opt/x", 0).folders.size(), 1U) << name;
+    EXPECT_EQ(ChooseSchemaCache("/opt/x", kNobody).folders.size(), 2U) << name;
+  }
+}
 
 TEST(SchemaCacheNameTest, EachRootHasAFileOfItsOwn) {
   const std::string one = ChooseSchemaCache("/opt/x").fileName;
