@@ -429,9 +429,10 @@ DEPOT_EXPORT CMPIInstanceMI* _Generic_Create_InstanceMI(const CMPIBroker* mb, co
                                nullptr,
                                nullptr,
                                nullptr};
-  return new CMPIInstanceMI{
-      traits->text.c_str(),
-      AtTheEdge(table, offsetof(CMPIInstanceMIFT, enumerateInstancesFiltered))};
+  static std::vector<CMPIInstanceMI*> made;
+  return made.emplace_back(
+      new CMPIInstanceMI{traits->text.c_str(),
+                         AtTheEdge(table, offsetof(CMPIInstanceMIFT, enumerateInstancesFiltered))});
 }
 
 DEPOT_EXPORT CMPIAssociationMI* _Generic_Create_AssociationMI(const CMPIBroker* mb,
@@ -450,8 +451,9 @@ DEPOT_EXPORT CMPIAssociationMI* _Generic_Create_AssociationMI(const CMPIBroker* 
                                   traits->IfHas('R', ReferenceNames),
                                   nullptr,
                                   nullptr};
-  return new CMPIAssociationMI{
-      traits->text.c_str(), AtTheEdge(table, offsetof(CMPIAssociationMIFT, associatorsFiltered))};
+  static std::vector<CMPIAssociationMI*> made;
+  return made.emplace_back(new CMPIAssociationMI{
+      traits->text.c_str(), AtTheEdge(table, offsetof(CMPIAssociationMIFT, associatorsFiltered))});
 }
 
 DEPOT_EXPORT CMPIMethodMI* _Generic_Create_MethodMI(const CMPIBroker* mb, const CMPIContext*,
@@ -460,7 +462,8 @@ DEPOT_EXPORT CMPIMethodMI* _Generic_Create_MethodMI(const CMPIBroker* mb, const 
   static std::vector<TTraits*> kept;
   const auto* traits = kept.emplace_back(new TTraits(name + std::strlen("Depot_")));
   const CMPIMethodMIFT table{CMPIVersion100, 0, "Depot", nullptr, traits->IfHas('m', InvokeMethod)};
-  return new CMPIMethodMI{traits->text.c_str(), AtTheEdge(table, sizeof table)};
+  static std::vector<CMPIMethodMI*> made;
+  return made.emplace_back(new CMPIMethodMI{traits->text.c_str(), AtTheEdge(table, sizeof table)});
 }
 
 DEPOT_EXPORT CMPIPropertyMI* _Generic_Create_PropertyMI(const CMPIBroker* mb,
@@ -477,8 +480,9 @@ DEPOT_EXPORT CMPIPropertyMI* _Generic_Create_PropertyMI(const CMPIBroker* mb,
                                traits->IfHas('p', SetProperty),
                                traits->IfHas('p', GetProperty),
                                nullptr};
-  return new CMPIPropertyMI{traits->text.c_str(),
-                            AtTheEdge(table, offsetof(CMPIPropertyMIFT, setPropertyWithOrigin))};
+  static std::vector<CMPIPropertyMI*> made;
+  return made.emplace_back(new CMPIPropertyMI{
+      traits->text.c_str(), AtTheEdge(table, offsetof(CMPIPropertyMIFT, setPropertyWithOrigin))});
 }
 
 // NOLINTEND(readability-identifier-naming)
