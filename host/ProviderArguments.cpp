@@ -30,7 +30,8 @@ void AddAdd(CLI::App& provider, TProviderArguments& arguments, bool& isJson) {
       ->type_name("DIR|FILE")
       ->expected(1)
       ->required();
-  add->add_option("--name", arguments.name, "Name to install it under (the folder's own)")
+  add->add_option("--name", arguments.name,
+                  "Name to install it under; else that of the folder or file")
       ->type_name("NAME");
   add->add_flag("--replace", arguments.isReplacing, "Put it in the place of one of that name");
   add->add_flag("--force", arguments.isForced, "Install it although the check finds errors");
