@@ -51,9 +51,8 @@ void Project(TCIMInstanceData& data, const char** properties) {
 /// Gathers instances for an enumeration, those that match where there is a query.
 class TGatherer {
  public:
-  explicit TGatherer(const char** properties) : m_properties(properties) {}
   TGatherer(const char** properties, const TQuery* query, const IBrokerHost& host)
-      : m_properties(properties), m_query(query), m_host(&host) {}
+      : m_properties(properties), m_query(query), m_host(host) {}
 
   ICIMOperations::TInstanceSink Sink() {
     return [this](TCIMInstanceData&& data) {
@@ -71,12 +70,12 @@ class TGatherer {
  private:
   bool Passes(const TCIMInstanceData& data) const {
     return m_query == nullptr ||
-           m_query->Matches(TQueriedInstance(data.path.GetClassName(), data.properties, m_host));
+           m_query->Matches(TQueriedInstance(data.path.GetClassName(), data.properties, &m_host));
   }
 
   const char** m_properties;
-  const TQuery* m_query = nullptr;
-  const IBrokerHost* m_host = nullptr;
+  const TQuery* m_query;
+  const IBrokerHost& m_host;
   TCIMValue::TArray m_elements;
 };
 
@@ -165,38 +164,10 @@ CMPIStatus DeleteInstance(const CMPIBroker* mb, const CMPIContext*,
   });
 }
 
-CMPIEnumeration* EnumerateInstances(const CMPIBroker* mb, const CMPIContext*,
-                                    const CMPIObjectPath* path, const char** properties,
-                                    CMPIStatus* rc) noexcept {
-  return Answer(rc, [&] {
-    const TUpcall call(mb, path);
-    const TWantedProperties wanted(properties);
-    TGatherer gatherer(properties);
-    call.Operations().EnumerateInstances(call.NameSpace(), call.Target().GetClassName(),
-                                         gatherer.Sink());
-    return gatherer.Finish();
-  });
-}
-
 TFilter MakeFilter(const char* associationClass, const char* resultClass, const char* role,
                    const char* resultRole) {
   return {TextOrEmpty(associationClass), TextOrEmpty(resultClass), TextOrEmpty(role),
           TextOrEmpty(resultRole)};
-}
-
-CMPIEnumeration* Associators(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
-                             const char* associationClass, const char* resultClass,
-                             const char* role, const char* resultRole, const char** properties,
-                             CMPIStatus* rc) noexcept {
-  return Answer(rc, [&] {
-    const TUpcall call(mb, path);
-    const TWantedProperties wanted(properties);
-    TGatherer gatherer(properties);
-    call.Operations().Associators(call.Target(),
-                                  MakeFilter(associationClass, resultClass, role, resultRole),
-                                  gatherer.Sink());
-    return gatherer.Finish();
-  });
 }
 
 CMPIEnumeration* AssociatorNames(const CMPIBroker* mb, const CMPIContext*,
@@ -207,19 +178,6 @@ CMPIEnumeration* AssociatorNames(const CMPIBroker* mb, const CMPIContext*,
     const TUpcall call(mb, path);
     return EnumerationOf(call.Operations().AssociatorNames(
         call.Target(), MakeFilter(associationClass, resultClass, role, resultRole)));
-  });
-}
-
-CMPIEnumeration* References(const CMPIBroker* mb, const CMPIContext*, const CMPIObjectPath* path,
-                            const char* resultClass, const char* role, const char** properties,
-                            CMPIStatus* rc) noexcept {
-  return Answer(rc, [&] {
-    const TUpcall call(mb, path);
-    const TWantedProperties wanted(properties);
-    TGatherer gatherer(properties);
-    call.Operations().References(call.Target(), MakeFilter(nullptr, resultClass, role, nullptr),
-                                 gatherer.Sink());
-    return gatherer.Finish();
   });
 }
 
@@ -313,18 +271,35 @@ CMPIEnumeration* ExecQuery(const CMPIBroker* mb, const CMPIContext*, const CMPIO
   });
 }
 
+/// Gathers what `ask` hands to a sink. `query` may be NULL; where it is not, it may be about
+/// properties that are not wanted, so that providers are asked for all.
+template <class TAsk>
+CMPIEnumeration* Gather(const CMPIBroker* mb, const CMPIObjectPath* path, const char** properties,
+                        const char* language, const char* query, CMPIStatus* rc,
+                        const TAsk& ask) noexcept {
+  return Answer(rc, [&] {
+    const auto filter = ReadFilter(query, language);
+    const TUpcall call(mb, path);
+    const TWantedProperties wanted(filter == nullptr ? properties : nullptr);
+    TGatherer gatherer(properties, filter.get(), call.Host());
+    ask(call, gatherer.Sink());
+    return gatherer.Finish();
+  });
+}
+
 CMPIEnumeration* EnumerateInstancesFiltered(const CMPIBroker* mb, const CMPIContext*,
                                             const CMPIObjectPath* path, const char** properties,
                                             const char* language, const char* query,
                                             CMPIStatus* rc) noexcept {
-  return Answer(rc, [&] {
-    const auto filter = ReadFilter(query, language);
-    const TUpcall call(mb, path);
-    TGatherer gatherer(properties, filter.get(), call.Host());
-    call.Operations().EnumerateInstances(call.NameSpace(), call.Target().GetClassName(),
-                                         gatherer.Sink());
-    return gatherer.Finish();
+  return Gather(mb, path, properties, language, query, rc, [](const auto& call, const auto& sink) {
+    call.Operations().EnumerateInstances(call.NameSpace(), call.Target().GetClassName(), sink);
   });
+}
+
+CMPIEnumeration* EnumerateInstances(const CMPIBroker* mb, const CMPIContext* context,
+                                    const CMPIObjectPath* path, const char** properties,
+                                    CMPIStatus* rc) noexcept {
+  return EnumerateInstancesFiltered(mb, context, path, properties, nullptr, nullptr, rc);
 }
 
 CMPIEnumeration* AssociatorsFiltered(const CMPIBroker* mb, const CMPIContext*,
@@ -333,29 +308,34 @@ CMPIEnumeration* AssociatorsFiltered(const CMPIBroker* mb, const CMPIContext*,
                                      const char* resultRole, const char** properties,
                                      const char* language, const char* query,
                                      CMPIStatus* rc) noexcept {
-  return Answer(rc, [&] {
-    const auto filter = ReadFilter(query, language);
-    const TUpcall call(mb, path);
-    TGatherer gatherer(properties, filter.get(), call.Host());
-    call.Operations().Associators(call.Target(),
-                                  MakeFilter(associationClass, resultClass, role, resultRole),
-                                  gatherer.Sink());
-    return gatherer.Finish();
+  return Gather(mb, path, properties, language, query, rc, [&](const auto& call, const auto& sink) {
+    call.Operations().Associators(
+        call.Target(), MakeFilter(associationClass, resultClass, role, resultRole), sink);
   });
+}
+
+CMPIEnumeration* Associators(const CMPIBroker* mb, const CMPIContext* context,
+                             const CMPIObjectPath* path, const char* associationClass,
+                             const char* resultClass, const char* role, const char* resultRole,
+                             const char** properties, CMPIStatus* rc) noexcept {
+  return AssociatorsFiltered(mb, context, path, associationClass, resultClass, role, resultRole,
+                             properties, nullptr, nullptr, rc);
 }
 
 CMPIEnumeration* ReferencesFiltered(const CMPIBroker* mb, const CMPIContext*,
                                     const CMPIObjectPath* path, const char* resultClass,
                                     const char* role, const char** properties, const char* language,
                                     const char* query, CMPIStatus* rc) noexcept {
-  return Answer(rc, [&] {
-    const auto filter = ReadFilter(query, language);
-    const TUpcall call(mb, path);
-    TGatherer gatherer(properties, filter.get(), call.Host());
+  return Gather(mb, path, properties, language, query, rc, [&](const auto& call, const auto& sink) {
     call.Operations().References(call.Target(), MakeFilter(nullptr, resultClass, role, nullptr),
-                                 gatherer.Sink());
-    return gatherer.Finish();
+                                 sink);
   });
+}
+
+CMPIEnumeration* References(const CMPIBroker* mb, const CMPIContext* context,
+                            const CMPIObjectPath* path, const char* resultClass, const char* role,
+                            const char** properties, CMPIStatus* rc) noexcept {
+  return ReferencesFiltered(mb, context, path, resultClass, role, properties, nullptr, nullptr, rc);
 }
 
 constexpr unsigned int kCapabilities =
