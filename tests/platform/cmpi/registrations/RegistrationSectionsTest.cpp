@@ -76,16 +76,7 @@ TEST(RegistrationSectionsTest, WhatBelongsToAServerIsNotedAndNotDriven) {
   EXPECT_THAT(findings, HasSubstr("acme.reg:11: group \"wheel\" is not heeded"));
 }
 
-struct TBadSection {
-  const char* name;
-  std::string text;
-  const char* reason;
-};
-void PrintTo(const TBadSection& row, std::ostream* out) {
-  *out << row.name;
-}
-
-class BadSectionTest : public testing::TestWithParam<TBadSection> {};
+class BadSectionTest : public testing::TestWithParam<TBadText> {};
 
 TEST_P(BadSectionTest, IsReportedOnceWithItsLineAndTheOthersCount) {
   const auto read = Read(GetParam().text + Section("Good"));
@@ -98,25 +89,23 @@ TEST_P(BadSectionTest, IsReportedOnceWithItsLineAndTheOthersCount) {
 INSTANTIATE_TEST_SUITE_P(
     Sections, BadSectionTest,
     testing::Values(
-        TBadSection{"UnknownKey", Section("A", "colour: red\n"), "reg:6: unknown key \"colour\""},
-        TBadSection{"UnknownType", Section("A", "", "P", "instance instanse"),
-                    "reg:1: class A: unknown provider type \"instanse\""},
-        TBadSection{"NoColon", Section("A", "red\n"),
-                    "reg:6: expected \"key: value\", found \"red\""},
-        TBadSection{"NulByte", Section("A", std::string("user: \0x\n", 9)),
-                    "reg:6: not a line of text"},
-        TBadSection{"OpenBracket", "[A\n", "reg:1: expected [ClassName], found \"[A\""},
-        TBadSection{"WordsBehind", "[A] B\n", "reg:1: expected [ClassName]"},
-        TBadSection{"EmptyName", "[ ]\nprovider: P\n", "reg:1: \"\" is not a class name"},
-        TBadSection{"OddName", "[A-B]\nprovider: P\n", "reg:1: \"A-B\" is not a class name"},
-        TBadSection{"OddProvider", Section("A", "", "P-Q"), "\"P-Q\" is not a provider name"},
-        TBadSection{"NothingBut", "[A]\n", "reg:1: class A: has no provider"},
-        TBadSection{"NoLocation", "[A]\nprovider: P\ntype: instance\nnamespace: x\n",
-                    "has no location"},
-        TBadSection{"NoType", "[A]\nprovider: P\nlocation: l\ntype:\nnamespace: x\n",
-                    "has no type"},
-        TBadSection{"NoNamespace", "[A]\nprovider: P\nlocation: l\ntype: instance\n",
-                    "has no namespace"}),
+        TBadText{"UnknownKey", Section("A", "colour: red\n"), "reg:6: unknown key \"colour\""},
+        TBadText{"UnknownType", Section("A", "", "P", "instance instanse"),
+                 "reg:1: class A: unknown provider type \"instanse\""},
+        TBadText{"NoColon", Section("A", "red\n"), "reg:6: expected \"key: value\", found \"red\""},
+        TBadText{"NulByte", Section("A", std::string("user: \0x\n", 9)),
+                 "reg:6: not a line of text"},
+        TBadText{"OpenBracket", "[A\n", "reg:1: expected [ClassName], found \"[A\""},
+        TBadText{"WordsBehind", "[A] B\n", "reg:1: expected [ClassName]"},
+        TBadText{"EmptyName", "[ ]\nprovider: P\n", "reg:1: \"\" is not a class name"},
+        TBadText{"OddName", "[A-B]\nprovider: P\n", "reg:1: \"A-B\" is not a class name"},
+        TBadText{"OddProvider", Section("A", "", "P-Q"), "\"P-Q\" is not a provider name"},
+        TBadText{"NothingBut", "[A]\n", "reg:1: class A: has no provider"},
+        TBadText{"NoLocation", "[A]\nprovider: P\ntype: instance\nnamespace: x\n",
+                 "has no location"},
+        TBadText{"NoType", "[A]\nprovider: P\nlocation: l\ntype:\nnamespace: x\n", "has no type"},
+        TBadText{"NoNamespace", "[A]\nprovider: P\nlocation: l\ntype: instance\n",
+                 "has no namespace"}),
     [](const auto& row) { return row.param.name; });
 
 TEST(RegistrationSectionsTest, AKeyThatIsThereTwiceHoldsWhatItSaysLast) {

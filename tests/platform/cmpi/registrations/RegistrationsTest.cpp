@@ -86,19 +86,10 @@ TEST(RegistrationsTest, ARegistrationFileOfMoreThanFourMebibytesIsNotRead) {
                                     "see rule R1\n");
 }
 
-struct TBadLine {
-  const char* name;
-  std::string line;
-  const char* reason;
-};
-void PrintTo(const TBadLine& row, std::ostream* out) {
-  *out << row.name;
-}
-
-class BadRegistrationTest : public testing::TestWithParam<TBadLine> {};
+class BadRegistrationTest : public testing::TestWithParam<TBadText> {};
 
 TEST_P(BadRegistrationTest, IsReportedInOneLineWithItsPlaceAndTheOthersCount) {
-  const auto read = Read(GetParam().line + "\nA root/x P l instance\n");
+  const auto read = Read(GetParam().text + "\nA root/x P l instance\n");
   ASSERT_THAT(read.GetProblems(), SizeIs(1));
   EXPECT_THAT(read.GetProblems()[0], HasSubstr(".registration:1: "));
   EXPECT_THAT(read.GetProblems()[0], HasSubstr(GetParam().reason));
@@ -109,13 +100,13 @@ TEST_P(BadRegistrationTest, IsReportedInOneLineWithItsPlaceAndTheOthersCount) {
 
 INSTANTIATE_TEST_SUITE_P(
     Lines, BadRegistrationTest,
-    testing::Values(TBadLine{"FewWords", "A root/x P l", "found 4 words"},
-                    TBadLine{"UnknownType", "A root/x P l instanse", "type \"instanse\""},
-                    TBadLine{"ClassName", "A-B root/x P l instance", "not a class name"},
-                    TBadLine{"ProviderName", "A root/x P! l instance", "not a provider name"},
-                    TBadLine{"NulByte", std::string("A root/x P l\0 instance", 22),
+    testing::Values(TBadText{"FewWords", "A root/x P l", "found 4 words"},
+                    TBadText{"UnknownType", "A root/x P l instanse", "type \"instanse\""},
+                    TBadText{"ClassName", "A-B root/x P l instance", "not a class name"},
+                    TBadText{"ProviderName", "A root/x P! l instance", "not a provider name"},
+                    TBadText{"NulByte", std::string("A root/x P l\0 instance", 22),
                              "a NUL byte in column 13"},
-                    TBadLine{"LongLine", std::string(70'000, 'x'), "longer than 65536 bytes"}),
+                    TBadText{"LongLine", std::string(70'000, 'x'), "longer than 65536 bytes"}),
     [](const auto& row) { return row.param.name; });
 
 struct TOddText {

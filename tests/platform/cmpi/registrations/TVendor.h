@@ -27,6 +27,16 @@ inline TRegistrations ReadText(const std::string& text, const std::string& name)
   return vendor.Read();
 }
 
+/// A faulty text, and a part of what is said about it.
+struct TBadText {
+  const char* name;
+  std::string text;
+  const char* reason;
+};
+inline void PrintTo(const TBadText& row, std::ostream* out) {
+  *out << row.name;
+}
+
 /// An entry in one line: class, namespace, provider, library's name, first letters of the types.
 inline std::string Show(const TRegistration& entry) {
   std::ostringstream out;
