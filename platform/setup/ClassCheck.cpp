@@ -114,6 +114,29 @@ const TProviderPackage* FindVendor(const std::vector<TProviderPackage>& installe
   return found == installed.end() ? nullptr : &*found;
 }
 
+void CheckClass(const TClassRepository& classes, const TRegistration& entry,
+                std::vector<TProviderFinding>& findings) {
+  const std::string what = entry.source + ": class " + entry.className;
+  const auto declaration = classes.Find(entry.className);
+  if (declaration == nullptr) {
+    findings.push_back(
+        {false, "R3", what + " is not declared", "add the MOF file that declares it"});
+    return;
+  }
+  const std::string missing = FindMissingSuperclass(classes, *declaration);
+  if (!missing.empty()) {
+    findings.push_back({true, "R3", what + ": its superclass " + missing + " is not declared",
+                        "add the MOF file that declares it"});
+  }
+  const bool needsKey =
+      entry.isInstance || entry.isAssociation || entry.isMethod || entry.isProperty;
+  // What is missing may have the key.
+  if (needsKey && missing.empty() && !HasKey(*declaration)) {
+    findings.push_back({false, "R16", what + " has no key, and inherits none",
+                        "mark the properties that tell its instances apart with [Key]"});
+  }
+}
+
 std::string CountMore(std::size_t count) {
   return count < 2 ? "" : " (and " + std::to_string(count - 1) + " more classes)";
 }
@@ -135,26 +158,7 @@ std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
   std::vector<TProviderFinding> findings;
   std::set<std::string> seen;
   for (const TRegistration& entry : registrations.GetEntries()) {
-    if (!seen.insert(entry.className).second) continue;
-    const std::string what = entry.source + ": class " + entry.className;
-    const auto declaration = classes.Find(entry.className);
-    if (declaration == nullptr) {
-      findings.push_back(
-          {false, "R3", what + " is not declared", "add the MOF file that declares it"});
-      continue;
-    }
-    const std::string missing = FindMissingSuperclass(classes, *declaration);
-    if (!missing.empty()) {
-      findings.push_back({true, "R3", what + ": its superclass " + missing + " is not declared",
-                          "add the MOF file that declares it"});
-    }
-    const bool needsKey =
-        entry.isInstance || entry.isAssociation || entry.isMethod || entry.isProperty;
-    // What is missing may have the key.
-    if (needsKey && missing.empty() && !HasKey(*declaration)) {
-      findings.push_back({false, "R16", what + " has no key, and inherits none",
-                          "mark the properties that tell its instances apart with [Key]"});
-    }
+    if (seen.insert(entry.className).second) CheckClass(classes, entry, findings);
   }
   return findings;
 }

@@ -72,7 +72,7 @@ class TFile {
 }  // namespace
 
 std::string DescribeWriteFault(int error) {
-  const std::string reason = std::generic_category().message(error);
+  std::string reason = std::generic_category().message(error);
   switch (error) {
     case EACCES:
     case EPERM:

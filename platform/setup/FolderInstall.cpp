@@ -102,7 +102,7 @@ class THeldFolder {
 class THiddenFolder {
  public:
   THiddenFolder(const std::string& providers, const std::string& name)
-      : m_path(providers + "/." + name + ".tmp-XXXXXX") {
+      : m_path(providers + "/." + name + ".tmp-XXX") {
     if (::mkdtemp(m_path.data()) == nullptr) {
       RefusePlace(providers, "no folder can be made in it", errno);
     }
@@ -201,10 +201,13 @@ void Exchange(const std::string& fresh, const std::string& target) {
   }
   if (::rename(fresh.c_str(), target.c_str()) != 0) {
     const int error = errno;
-    ::rename(aside.c_str(), target.c_str());
-    RefusePlace(target, "cannot be replaced", error);
+    const bool isBack = ::rename(aside.c_str(), target.c_str()) == 0;
+    RefusePlace(target,
+                isBack ? "cannot be replaced" : "cannot be replaced, and is " + aside + " now",
+                error);
   }
-  ::rename(aside.c_str(), fresh.c_str());
+  std::error_code ignored;
+  fs::remove_all(aside, ignored);
 }
 
 }  // namespace

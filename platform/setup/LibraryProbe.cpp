@@ -2,11 +2,9 @@
 #include "platform/setup/LibraryProbe.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <set>
 #include <sstream>
-#include <system_error>
 
 #include "platform/cmpi/LibraryLoading.h"
 #include "platform/cmpi/OneLine.h"
@@ -20,7 +18,6 @@
 namespace NZEPQEL20::setup {
 namespace {
 
-namespace fs = std::filesystem;
 using cmpi::TProviders;
 
 constexpr CMPIVersion kOldestTable = 100;
@@ -36,7 +33,7 @@ struct TKind {
   TMake make;  ///< Null for a type that is not driven.
 };
 
-const TKind kKinds[] = {
+constexpr TKind kKinds[] = {
     {"instance", "Instance", &TRegistration::isInstance,
      [](auto& provider, auto& broker) { return provider.GetInstanceMI(broker).ft->ftVersion; }},
     {"association", "Association", &TRegistration::isAssociation,
@@ -48,8 +45,18 @@ const TKind kKinds[] = {
     {"indication", "Indication", &TRegistration::isIndication, nullptr},
 };
 
+/// The provider whose functions of the type `symbol` makes; empty when it makes others.
+std::string GetMaker(const std::string& symbol, const TKind& kind) {
+  const std::string ending = std::string("_Create_") + kind.kind + "MI";
+  if (symbol.size() <= ending.size() || symbol.compare(0, 2, "_Z") == 0 ||
+      symbol.compare(symbol.size() - ending.size(), ending.size(), ending) != 0) {
+    return {};
+  }
+  return symbol.substr(0, symbol.size() - ending.size());
+}
+
 /// A failure of the run time without the rule behind it, which a finding has by itself.
-std::string WithoutRule(std::string text) {
+std::string WithoutRule(const std::string& text) {
   const std::size_t place = text.rfind("; see rule ");
   return place == std::string::npos ? text : text.substr(0, place);
 }
@@ -172,6 +179,7 @@ class TProbe {
   /// In the child: has the provider make its functions, and end them.
   void Make(const std::string& library, const std::string& name, const TKind& kind,
             const TTell& tell) const {
+    const std::string functions = library + ": the " + kind.word + " functions of provider " + name;
     // A factory may come back with upcalls; they are to meet the provider that is being made.
     const TCMPIOperations operations(m_classes, m_registrations);
     const TProviders& providers = operations.GetHosted();
@@ -181,9 +189,7 @@ class TProbe {
       try {
         const CMPIVersion version = kind.make(*service.provider, providers.GetBroker());
         if (version >= kOldestTable) return;
-        tell(Pack({true, "R6",
-                   library + ": the " + kind.word + " functions of provider " + name +
-                       " have the table version " + std::to_string(version),
+        tell(Pack({true, "R6", functions + " have the table version " + std::to_string(version),
                    "build it with a header that sets ftVersion to 100, 200 or 210"}));
       } catch (const TQELException& failure) {
         const bool isMissing = failure.GetStatusCode() == TQELStatusCode::kNotSupported;
@@ -207,25 +213,26 @@ class TProbe {
   void CheckUnregistered(const std::string& library, const TEntries& entries, const TElfFile& elf) {
     for (const std::string& symbol : FindFactories(elf.GetSymbols())) {
       for (const TKind& kind : kKinds) {
-        const std::string ending = std::string("_Create_") + kind.kind + "MI";
-        if (symbol.size() <= ending.size() || symbol.compare(0, 2, "_Z") == 0 ||
-            symbol.compare(symbol.size() - ending.size(), ending.size(), ending) != 0) {
-          continue;
-        }
-        const std::string name = symbol.substr(0, symbol.size() - ending.size());
-        const bool isUsed =
-            name == "_Generic" ||
-            std::any_of(entries.begin(), entries.end(), [&](const TRegistration* entry) {
-              return entry->providerName == name && entry->*kind.mark;
-            });
-        if (isUsed) continue;
-        m_findings.push_back(
-            {true, "R18",
-             library + " has " + symbol + ", and no class is registered for " + kind.word +
-                 " of provider " + name,
-             std::string("add the type ") + kind.word + " to the registration if it is wanted"});
+        const std::string name = GetMaker(symbol, kind);
+        if (!name.empty() && !IsUsed(name, kind, entries)) TellUnused(library, symbol, name, kind);
       }
     }
+  }
+
+  static bool IsUsed(const std::string& name, const TKind& kind, const TEntries& entries) {
+    return name == "_Generic" ||
+           std::any_of(entries.begin(), entries.end(), [&](const TRegistration* entry) {
+             return entry->providerName == name && entry->*kind.mark;
+           });
+  }
+
+  void TellUnused(const std::string& library, const std::string& symbol, const std::string& name,
+                  const TKind& kind) {
+    m_findings.push_back(
+        {true, "R18",
+         library + " has " + symbol + ", and no class is registered for " + kind.word +
+             " of provider " + name,
+         std::string("add the type ") + kind.word + " to the registration if it is wanted"});
   }
 
   const std::shared_ptr<const TClassRepository>& m_classes;
