@@ -102,7 +102,7 @@ class THeldFolder {
 class THiddenFolder {
  public:
   THiddenFolder(const std::string& providers, const std::string& name)
-      : m_path(providers + "/." + name + ".tmp-XXX") {
+      : m_path(providers + "/." + name + ".tmp-XXXXXX") {
     if (::mkdtemp(m_path.data()) == nullptr) {
       RefusePlace(providers, "no folder can be made in it", errno);
     }
