@@ -3,8 +3,6 @@
 
 #include <fcntl.h>
 #include <stdio.h>
-#include <stdlib.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +15,8 @@
 
 #include "platform/contract/TQELException.h"
 #include "platform/setup/FileCopy.h"
+#include "platform/setup/THeldFolder.h"
+#include "platform/setup/THiddenFolder.h"
 #include "platform/setup/TVendorFolder.h"
 
 namespace NZEPQEL20::setup {
@@ -27,14 +27,8 @@ namespace fs = std::filesystem;
 constexpr std::size_t kMaxName = 100;
 constexpr mode_t kFolderMode = 0755;
 
-[[noreturn]] void Refuse(const std::string& text, int error = 0) {
-  const bool isDenied = error == EACCES || error == EPERM || error == EROFS;
-  throw TQELException(isDenied ? TQELStatusCode::kAccessDenied : TQELStatusCode::kFailed, text);
-}
-
-/// For a failure of the system at a place below the root.
-[[noreturn]] void RefusePlace(const std::string& place, const std::string& what, int error) {
-  Refuse(place + ": " + what + ": " + DescribeWriteFault(error), error);
+[[noreturn]] void Refuse(const std::string& text) {
+  throw TQELException(TQELStatusCode::kFailed, text);
 }
 
 /// A folder that is made here can be entered by everybody, whatever the caller's mask says.
@@ -58,73 +52,11 @@ void SyncFolder(const fs::path& folder) {
   }
 }
 
-/// The folder of all vendors, held against other installations while this lives.
-class THeldFolder {
- public:
-  explicit THeldFolder(const std::string& folder) : m_folder(folder) {
-    m_file = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (m_file < 0) RefusePlace(folder, "cannot be opened", errno);
-    if (::flock(m_file, LOCK_EX | LOCK_NB) != 0) {
-      const int error = errno;
-      ::close(m_file);
-      if (error == EWOULDBLOCK) Refuse(folder + ": another installation is at work there");
-      RefusePlace(folder, "cannot be locked", error);
-    }
-  }
-  ~THeldFolder() { ::close(m_file); }
-  THeldFolder(const THeldFolder&) = delete;
-  THeldFolder& operator=(const THeldFolder&) = delete;
-
-  /// Has the disk know the names in the folder.
-  void Sync() const { ::fsync(m_file); }
-
-  /// Removes what an installation of `name` that was cut off has left.
-  void Tidy(const std::string& name) const {
-    std::error_code error;
-    const std::string start = '.' + name + ".tmp-";
-    // What cannot be read or removed stays; it is in nobody's way.
-    for (fs::directory_iterator next(m_folder, error), end; !error && next != end;
-         next.increment(error)) {
-      if (next->path().filename().string().compare(0, start.size(), start) == 0) {
-        std::error_code ignored;
-        fs::remove_all(next->path(), ignored);
-      }
-    }
-  }
-
- private:
-  std::string m_folder;
-  int m_file;
-};
-
-/// A folder beside the vendors' that nobody reads, because of the dot in front of its name.
-/// Whatever is in it when this ends goes.
-class THiddenFolder {
- public:
-  THiddenFolder(const std::string& providers, const std::string& name)
-      : m_path(providers + "/." + name + ".tmp-XXXXXX") {
-    if (::mkdtemp(m_path.data()) == nullptr) {
-      RefusePlace(providers, "no folder can be made in it", errno);
-    }
-    ::chmod(m_path.c_str(), kFolderMode);
-  }
-  ~THiddenFolder() {
-    std::error_code ignored;
-    fs::remove_all(m_path, ignored);
-  }
-  THiddenFolder(const THiddenFolder&) = delete;
-  THiddenFolder& operator=(const THiddenFolder&) = delete;
-
-  const std::string& GetPath() const { return m_path; }
-
- private:
-  std::string m_path;
-};
-
 /// Copies files of one folder into another.
 class TFolderCopy {
  public:
-  TFolderCopy(const std::string& from, std::string to) : m_from(from), m_to(std::move(to)) {}
+  TFolderCopy(const std::string& from, std::string to, const TFileStates& states)
+      : m_from(from), m_to(std::move(to)), m_states(states) {}
 
   void Copy(const std::vector<std::string>& files) {
     for (const std::string& file : files) Place(file);
@@ -175,11 +107,14 @@ class TFolderCopy {
   TVendorFile Take(const std::string& name) const {
     TVendorFile file = m_from.Find(name);
     if (!file.fault.empty()) Refuse(file.fault + "; " + file.remedy + "; see rule R20");
+    const auto state = m_states.find(name);
+    if (state == m_states.end() || state->second != DescribeState(file.status)) RefuseChanged(name);
     return file;
   }
 
   const TVendorFolder m_from;
   const fs::path m_to;
+  const TFileStates& m_states;
   std::set<fs::path> m_folders;           ///< In which something was put.
   std::map<fs::path, fs::path> m_copied;  ///< By the place in the vendor's folder.
   std::vector<TVendorFile> m_links;
@@ -190,16 +125,18 @@ bool Exists(const std::string& path) {
   return ::lstat(path.c_str(), &status) == 0;
 }
 
-/// Puts `fresh` into the place of `target`; what was there is in the place of `fresh` then.
-void Exchange(const std::string& fresh, const std::string& target) {
-  if (::renameat2(AT_FDCWD, fresh.c_str(), AT_FDCWD, target.c_str(), RENAME_EXCHANGE) == 0) return;
+/// Puts `fresh` into the place of `target`; what was there goes with `fresh` then.
+void Exchange(const THiddenFolder& fresh, const std::string& target) {
+  const std::string& path = fresh.GetPath();
+  if (::renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, target.c_str(), RENAME_EXCHANGE) == 0) return;
   if (errno != EINVAL && errno != ENOSYS) RefusePlace(target, "cannot be replaced", errno);
-  // A file system without exchange: for a moment there is neither.
-  const std::string aside = fresh + ".old";
+  // A file system without exchange: for a moment there is neither. Who is cut off in it, or cannot
+  // put the old one back, leaves it to whoever holds the folder next.
+  const std::string aside = fresh.GetAside();
   if (::rename(target.c_str(), aside.c_str()) != 0) {
     RefusePlace(target, "cannot be replaced", errno);
   }
-  if (::rename(fresh.c_str(), target.c_str()) != 0) {
+  if (::rename(path.c_str(), target.c_str()) != 0) {
     const int error = errno;
     const bool isBack = ::rename(aside.c_str(), target.c_str()) == 0;
     RefusePlace(target,
@@ -229,17 +166,17 @@ std::string FindNameFault(const std::string& name) {
 }
 
 void InstallFolder(const std::string& folder, const std::vector<std::string>& files,
-                   const std::string& providers, const std::string& name, bool replace) {
+                   const TFileStates& states, const std::string& providers, const std::string& name,
+                   bool replace) {
   MakeFolder(providers);
   const THeldFolder held(providers);
-  held.Tidy(name);
   const std::string target = providers + '/' + name;
   const bool isThere = Exists(target);
   if (isThere && !replace) Refuse(target + ": is there already; remove it first, or replace it");
   const THiddenFolder fresh(providers, name);
-  TFolderCopy(folder, fresh.GetPath()).Copy(files);
+  TFolderCopy(folder, fresh.GetPath(), states).Copy(files);
   if (isThere) {
-    Exchange(fresh.GetPath(), target);
+    Exchange(fresh, target);
   } else if (::rename(fresh.GetPath().c_str(), target.c_str()) != 0) {
     RefusePlace(target, "cannot be put into its place", errno);
   }
@@ -248,7 +185,6 @@ void InstallFolder(const std::string& folder, const std::vector<std::string>& fi
 
 void RemoveFolder(const std::string& providers, const std::string& name) {
   const THeldFolder held(providers);
-  held.Tidy(name);
   const std::string target = providers + '/' + name;
   const THiddenFolder away(providers, name);
   const std::string place = away.GetPath() + '/' + name;

@@ -4,15 +4,18 @@
 #include <string>
 #include <vector>
 
+#include "platform/setup/TVendorFolder.h"
+
 namespace NZEPQEL20::setup {
 
 /// Puts a copy of `files` (all below `folder`) into `<providers>/<name>`, with the places that they
-/// have below `folder`. Everything is there at once or not at all, and what the place held before
-/// goes last.
-/// Errors: TQELException naming the file and the reason: the place is taken and `replace` is not
-/// set, a link out of the folder, no room, no right to write.
+/// have below `folder`; `states` says what each of them has to be still. Everything is there at
+/// once or not at all, and what the place held before goes last. Errors: TQELException naming the
+/// file and the reason: the place is taken and `replace` is not set, a link out of the folder, a
+/// file that has changed, no room, no right to write.
 void InstallFolder(const std::string& folder, const std::vector<std::string>& files,
-                   const std::string& providers, const std::string& name, bool replace);
+                   const TFileStates& states, const std::string& providers, const std::string& name,
+                   bool replace);
 
 /// Removes `<providers>/<name>`; it is out of sight at once.
 /// Errors: TQELException naming the folder and the reason.

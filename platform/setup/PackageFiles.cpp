@@ -76,6 +76,21 @@ void AddOthers(const std::vector<std::string>& files, TProviderPackage& package)
                [&known](const std::string& file) { return known.insert(file).second; });
 }
 
+/// Notes what the files are, unless that is known from before. What cannot be had is not noted.
+void Note(const std::vector<std::string>& files, TProviderPackage& package) {
+  try {
+    const TVendorFolder folder(package.folder);
+    for (const std::string& name : files) {
+      if (package.states.count(name) > 0) continue;
+      const TVendorFile file = folder.Find(name);
+      if (file.fault.empty()) package.states.emplace(name, DescribeState(file.status));
+    }
+  } catch (const TQELException&) {
+    // The folder is gone, or nobody may enter it. Nothing of it can be added, then.
+    return;
+  }
+}
+
 /// What keeps `file` from being copied; no text when nothing does.
 TProviderFinding FindFault(const TVendorFile& file) {
   if (file.fault.empty()) return {};
@@ -151,12 +166,14 @@ TProviderPackage ReadFolder(const std::string& folder) {
   package.isWhole = true;
   package.name = fs::path(folder).filename().string();
   const std::vector<std::string> files = ListVendorFiles(package.folder).files;
+  Note(files, package);
   std::copy_if(files.begin(), files.end(), std::back_inserter(package.libraries), IsLibraryName);
   std::copy_if(files.begin(), files.end(), std::back_inserter(package.schema), IsMofName);
   TRegistrations registrations;
   registrations.LoadFolder(package.folder, files);
   Sort(registrations, package);
   AddOthers(files, package);
+  Note(FindIncluded(package), package);
   return package;
 }
 
@@ -173,6 +190,9 @@ TProviderPackage ReadFile(const std::string& file) {
     }
   }
   package.registrations = {file};
+  for (const auto* some : {&package.libraries, &package.schema, &package.registrations}) {
+    Note(*some, package);
+  }
   const TRegistrations registrations = ReadRegistrations(package);
   // Registrations in MOF that lie beside are not asked for.
   TRegistrations beside;
@@ -181,7 +201,9 @@ TProviderPackage ReadFile(const std::string& file) {
   package.services.clear();
   Sort(registrations, package);
   package.libraries = FindUsed(package.libraries, registrations);
-  AddOthers(FindIncluded(package), package);
+  const std::vector<std::string> included = FindIncluded(package);
+  Note(included, package);
+  AddOthers(included, package);
   return package;
 }
 

@@ -11,6 +11,7 @@
 #include "platform/setup/InstalledFiles.h"
 #include "platform/setup/PackageFiles.h"
 #include "platform/setup/ProviderCheck.h"
+#include "platform/setup/THeldFolder.h"
 
 namespace NZEPQEL20 {
 namespace {
@@ -49,6 +50,7 @@ std::string GetProviders(const std::string& root) {
 TProviderStore::TProviderStore(const std::string& root) : m_root(setup::CheckRoot(root)) {}
 
 std::vector<TProviderPackage> TProviderStore::List() const {
+  setup::THeldFolder::Tidy(GetProviders(m_root));
   std::vector<TProviderPackage> packages;
   for (const fs::path& folder : FindFolders(GetProviders(m_root))) {
     packages.push_back(setup::ReadFolder(folder.string()));
@@ -92,8 +94,8 @@ void TProviderStore::Add(const TProviderPackage& package, const std::string& nam
     Refuse(TQELStatusCode::kInvalidArgument,
            "name \"" + name + "\" is that of the bundled provider; give the folder another name");
   }
-  setup::InstallFolder(package.folder, setup::CollectFiles(package), GetProviders(m_root), name,
-                       replace);
+  setup::InstallFolder(package.folder, setup::CollectFiles(package), package.states,
+                       GetProviders(m_root), name, replace);
 }
 
 void TProviderStore::Remove(const std::string& name, bool force) const {

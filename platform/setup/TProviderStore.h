@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,8 @@ struct TProviderPackage {
   std::vector<TProviderService> services;
   std::vector<std::string> others;  ///< What goes with it: included MOF, configuration, texts.
   bool isWhole = false;             ///< Everything in the folder, not what one file names.
+  /// What the files were before they were looked into, by name: what was checked is what is added.
+  std::map<std::string, std::string> states;
 };
 
 /// The vendors' folders below an installation root: reads, checks, installs and removes them.
@@ -46,7 +49,7 @@ class DIAGSPLATFORM_EXPORT TProviderStore {
   /// Errors: TQELException when the root is unusable.
   explicit TProviderStore(const std::string& root);
 
-  /// The installed folders, by name.
+  /// The installed folders, by name. Removes what an installation that was cut off has left.
   std::vector<TProviderPackage> List() const;
 
   /// A folder, or the registration file in one: then only what that file names, and the MOF files
@@ -59,7 +62,7 @@ class DIAGSPLATFORM_EXPORT TProviderStore {
   std::vector<TProviderFinding> Check(const TProviderPackage& package) const;
 
   /// Copies the package below the root as `name`, whole or not at all; `replace` in the place of
-  /// one of that name.
+  /// one of that name. It comes from Read(), and its files are still what they were then.
   /// Errors: TQELException naming the file and the reason.
   void Add(const TProviderPackage& package, const std::string& name, bool replace) const;
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <deque>
+#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -147,6 +148,22 @@ class TWalk {
 
 }  // namespace
 
+std::string DescribeState(const struct stat& status) {
+  std::ostringstream text;
+  // The last one is the system's own: nobody can set it.
+  text << status.st_dev << ' ' << status.st_ino << ' ' << status.st_size << ' '
+       << status.st_mtim.tv_sec << '.' << status.st_mtim.tv_nsec << ' ' << status.st_ctim.tv_sec
+       << '.' << status.st_ctim.tv_nsec;
+  return text.str();
+}
+
+void RefuseChanged(const std::string& file) {
+  throw TQELException(TQELStatusCode::kFailed,
+                      file +
+                          ": changed while it was being checked; leave the folder alone and try "
+                          "again; see rule R20");
+}
+
 TVendorFolder::TVendorFolder(const std::string& path)
     : m_path(path), m_folder(::open(path.c_str(), kLook | O_DIRECTORY)) {
   if (m_folder.Get() < 0) Refuse(path, "cannot be read", errno);
@@ -169,17 +186,15 @@ TDescriptor TVendorFolder::Open(const TVendorFile& file) {
   const std::string name = file.real.filename().string();
   TDescriptor opened(::openat(file.parent.Get(), name.c_str(),
                               O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  struct stat status = {};
-  if (opened.Get() < 0 || ::fstat(opened.Get(), &status) != 0) {
-    Refuse(file.name, "cannot be read", errno);
-  }
-  if (status.st_dev != file.status.st_dev || status.st_ino != file.status.st_ino) {
-    throw TQELException(TQELStatusCode::kFailed,
-                        file.name +
-                            ": was replaced while it was read; leave the folder alone "
-                            "and try again; see rule R20");
-  }
+  if (opened.Get() < 0) Refuse(file.name, "cannot be read", errno);
+  CheckUnchanged(file, opened.Get());
   return opened;
+}
+
+void TVendorFolder::CheckUnchanged(const TVendorFile& file, int opened) {
+  struct stat status = {};
+  if (::fstat(opened, &status) != 0) Refuse(file.name, "cannot be read", errno);
+  if (DescribeState(status) != DescribeState(file.status)) RefuseChanged(file.name);
 }
 
 }  // namespace NZEPQEL20::setup

@@ -4,12 +4,23 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "platform/setup/TDescriptor.h"
 
 namespace NZEPQEL20::setup {
+
+/// What each file was at some time, by its name.
+using TFileStates = std::map<std::string, std::string>;
+
+/// The state of a file: differs when it is another one, or has been written to or had its
+/// permissions changed, even when its time was put back.
+std::string DescribeState(const struct stat& status);
+
+/// Throws TQELException: the file is not the one that was checked.
+[[noreturn]] void RefuseChanged(const std::string& file);
 
 /// A regular file of a vendor's folder, found and held.
 struct TVendorFile {
@@ -38,8 +49,12 @@ class TVendorFolder {
   TVendorFile Find(const std::string& file) const;
 
   /// Opens what was found for reading.
-  /// Errors: TQELException naming the file: it may not be read, or is another one by now.
+  /// Errors: TQELException naming the file: it may not be read, or is not what was found.
   static TDescriptor Open(const TVendorFile& file);
+
+  /// `opened` is the file as Open() has given it.
+  /// Errors: TQELException naming the file when it is not what was found any more.
+  static void CheckUnchanged(const TVendorFile& file, int opened);
 
  private:
   std::string m_path;

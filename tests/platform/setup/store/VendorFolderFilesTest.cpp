@@ -111,10 +111,10 @@ TEST_F(VendorFolderFilesTest, WhatIsReplacedAfterTheLookIsNotRead) {
   EXPECT_THAT(OpenFault(file), HasSubstr("lib/real: cannot be read: Too many levels"));
   fs::remove(name);
   m_vendor.Write("lib/real", "other");
-  EXPECT_THAT(OpenFault(file), HasSubstr("lib/real: was replaced while it was read; "));
+  EXPECT_THAT(OpenFault(file), HasSubstr("lib/real: changed while it was being checked; "));
   fs::remove(name);
   ASSERT_EQ(::mkfifo(name.c_str(), 0600), 0);
-  EXPECT_THAT(OpenFault(file), HasSubstr("lib/real: was replaced while it was read; "));
+  EXPECT_THAT(OpenFault(file), HasSubstr("lib/real: changed while it was being checked; "));
 }
 
 TEST_F(VendorFolderFilesTest, AFolderThatBecomesALinkAfterTheLookDoesNotLeadOut) {
