@@ -30,7 +30,15 @@ std::vector<std::string> GetNames(const std::string& location) {
   return {"lib" + base + ".so", base + ".so"};
 }
 
-/// The first that this machine can load stands for all; those are named.
+/// Adds `library` unless one of the others is the same by another name, as a link or a copy.
+void AddOther(std::vector<std::string>& libraries, const std::string& library) {
+  const bool isKnown =
+      std::any_of(libraries.begin(), libraries.end(),
+                  [&library](const std::string& known) { return IsSameFile(known, library); });
+  if (!isKnown) libraries.push_back(library);
+}
+
+/// The first that this machine can load stands for all; others that it could load are named.
 TFoundLibrary Choose(const std::vector<std::string>& libraries) {
   std::vector<std::string> fit;
   if (libraries.size() > 1) {
@@ -39,7 +47,8 @@ TFoundLibrary Choose(const std::vector<std::string>& libraries) {
                    return TElfFile(library, TElfFile::EContent::kNeeds).GetFault().empty();
                  });
   }
-  const std::vector<std::string>& best = fit.empty() ? libraries : fit;
+  std::vector<std::string> best;
+  for (const std::string& library : fit.empty() ? libraries : fit) AddOther(best, library);
   TFoundLibrary found = {best.front(), true, ""};
   for (std::size_t i = 1; i < best.size(); ++i) {
     found.doubt += (i == 1 ? best.front() + " is taken, not " : " or ") + best[i];

@@ -73,7 +73,11 @@ std::string ReadBounded(const std::string& file) {
   if (!error && !IsMofName(file) && size > TRegistrations::kMaxFileSize) {
     throw TQELException(TQELStatusCode::kFailed, "larger than 4 MiB");
   }
-  return TMofSource::ReadFile(file).text;
+  std::string text = TMofSource::ReadFile(file).text;
+  if (IsBinary(text)) {
+    throw TQELException(TQELStatusCode::kFailed, "holds binary data and no registration");
+  }
+  return text;
 }
 
 }  // namespace
@@ -111,6 +115,7 @@ void TRegistrations::ReadFiles(const std::vector<std::string>& files,
     } catch (const TQELException& failure) {
       // Whoever loads the schema says so of a MOF file.
       if (IsMofName(file) && files.size() > 1) continue;
+      if (!IsMofName(file)) m_files.push_back(file);
       taker.Fail(file + ": cannot be read: " + failure.what(), "make it a readable file", "R1");
     }
   }

@@ -67,7 +67,7 @@ class TRegistrations {
   /// Warnings included, in reading order.
   const std::vector<TRegistrationProblem>& GetFindings() const { return m_findings; }
 
-  /// The registration files that were read.
+  /// The registration files, with those that could not be read.
   const std::vector<std::string>& GetFiles() const { return m_files; }
   /// Those of them that hold nothing that a schema could use: they declare no class.
   const std::vector<std::string>& GetPureFiles() const { return m_pureFiles; }

@@ -1,13 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cmpi/VendorFiles.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstddef>
 #include <filesystem>
 #include <set>
 #include <system_error>
 
 #include "platform/contract/TCIMInstanceData.h"
+#include "platform/schema/TDescriptor.h"
 
 namespace NZEPQEL20 {
 
@@ -17,6 +24,8 @@ namespace fs = std::filesystem;
 
 // A full CIM schema with one file for each class is a tenth of it.
 constexpr std::size_t kMaxFiles = 20'000;
+
+using TPiece = std::array<char, 65536>;
 
 /// Looks through one vendor's folder.
 class TVisit {
@@ -87,6 +96,31 @@ bool HasEnding(const std::string& file, const std::string& ending) {
          IsSameName(name.substr(name.size() - ending.size()), ending);
 }
 
+/// Fills `bytes` as far as the file goes; negative when it cannot be read.
+ssize_t ReadFull(int file, TPiece& bytes) {
+  std::size_t size = 0;
+  while (size < bytes.size()) {
+    const ssize_t count = ::read(file, bytes.data() + size, bytes.size() - size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return count;
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
+  }
+  return static_cast<ssize_t>(size);
+}
+
+/// Of two files that are read from their beginning.
+bool HasSameBytes(int first, int second) {
+  TPiece left;
+  TPiece right;
+  for (;;) {
+    const ssize_t size = ReadFull(first, left);
+    if (size < 0 || ReadFull(second, right) != size) return false;
+    if (!std::equal(left.begin(), left.begin() + size, right.begin())) return false;
+    if (static_cast<std::size_t>(size) < left.size()) return true;
+  }
+}
+
 }  // namespace
 
 TVendorFiles ListVendorFiles(const std::string& folder, unsigned int depth) {
@@ -110,6 +144,21 @@ bool IsMofName(const std::string& file) {
 
 bool IsRegistrationName(const std::string& file) {
   return HasEnding(file, ".registration") || HasEnding(file, ".reg");
+}
+
+bool IsSameFile(const std::string& left, const std::string& right) {
+  // Not blocking, so that a pipe in the place of a file cannot hold the host up.
+  constexpr int kHow = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  const TDescriptor first(::open(left.c_str(), kHow));
+  const TDescriptor second(::open(right.c_str(), kHow));
+  struct stat one = {};
+  struct stat other = {};
+  if (::fstat(first.Get(), &one) != 0 || ::fstat(second.Get(), &other) != 0) return false;
+  if (one.st_dev == other.st_dev && one.st_ino == other.st_ino) return true;
+  if (!S_ISREG(one.st_mode) || !S_ISREG(other.st_mode) || one.st_size != other.st_size) {
+    return false;
+  }
+  return HasSameBytes(first.Get(), second.Get());
 }
 
 }  // namespace NZEPQEL20

@@ -27,4 +27,7 @@ bool IsMofName(const std::string& file);
 /// Whether the name ends in `.registration` or `.reg`, in any case.
 bool IsRegistrationName(const std::string& file);
 
+/// Whether both names lead to one file, or to two with the same bytes.
+bool IsSameFile(const std::string& left, const std::string& right);
+
 }  // namespace NZEPQEL20

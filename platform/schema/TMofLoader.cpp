@@ -53,7 +53,12 @@ bool TMofLoader::Open(const std::string& path) {
 
 std::string TMofLoader::Read(const std::string& path) {
   try {
-    Parse(TMofSource::ReadFile(path, &m_sources));
+    const TMofSource source = TMofSource::ReadFile(path, &m_sources);
+    // Each of its bytes would be an error.
+    if (IsBinary(source.text)) {
+      return "holds binary data and no MOF text";
+    }
+    Parse(source);
     return {};
   } catch (const TQELException& exception) {
     if (exception.GetStatusCode() == TQELStatusCode::kNotFound) {

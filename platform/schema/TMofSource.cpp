@@ -177,6 +177,20 @@ TMofSource TMofSource::FromText(const std::string& name, std::string bytes) {
   return {name, MendUtf8(std::move(bytes))};
 }
 
+bool IsBinary(const std::string& text) {
+  constexpr std::size_t kLookedAt = 4096;
+  constexpr std::ptrdiff_t kOneIn = 32;
+  const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(text.size(), kLookedAt));
+  const auto isControl = [](char c) {
+    // The end-of-file mark of old systems is among what a text may hold.
+    return (static_cast<unsigned char>(c) < ' ' || c == '\x7F') &&
+           std::strchr("\t\n\v\f\r\x1A", c) == nullptr;
+  };
+  const auto isOdd = [&](char c) { return c == '\0' || isControl(c); };
+  const auto count = std::count_if(text.begin(), end, isOdd);
+  return count > 1 && count * kOneIn >= end - text.begin();
+}
+
 namespace {
 
 /// Calls `take` with each name in the folder; false when the folder cannot be read to its end.

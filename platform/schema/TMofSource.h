@@ -28,6 +28,10 @@ struct TMofSource {
   std::string text;
 };
 
+/// Whether the beginning of `text` is that of binary data, such as a library or an archive. One
+/// stray control character does not make it so.
+bool IsBinary(const std::string& text);
+
 /// The bytes of a regular file as they are; `stamp` is from before the first of them was read.
 /// Errors: like TMofSource::ReadFile().
 std::string ReadMofBytes(const std::string& path, TFileStamp& stamp);

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <set>
+#include <utility>
 
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/setup/FolderInstall.h"
@@ -23,11 +25,22 @@ bool IsOfFolder(const std::string& path, const std::string& folder) {
   return file.compare(0, folder.size() + 1, folder + '/') == 0;
 }
 
+/// The errors of each file of the folder: the first ones, and how many more there are. A file that
+/// is something else would have hundreds.
 void Take(const std::vector<TMofError>& errors, const std::string& folder,
           std::vector<TProviderFinding>& findings) {
+  constexpr std::size_t kShown = 20;
+  constexpr char kMend[] = "mend the MOF";
+  std::map<std::string, std::size_t> counts;
   for (const TMofError& error : errors) {
     if (error.isWarning || !IsOfFolder(error.file, folder)) continue;
-    findings.push_back({false, kMofRule, error.ToString(), "mend the MOF"});
+    if (++counts[error.file] > kShown) continue;
+    findings.push_back({false, kMofRule, error.ToString(), kMend});
+  }
+  for (const auto& [file, count] : counts) {
+    if (count <= kShown) continue;
+    findings.push_back({false, kMofRule,
+                        file + ": and " + std::to_string(count - kShown) + " more errors", kMend});
   }
 }
 
@@ -114,28 +127,57 @@ const TProviderPackage* FindVendor(const std::vector<TProviderPackage>& installe
   return found == installed.end() ? nullptr : &*found;
 }
 
-void CheckClass(const TClassRepository& classes, const TRegistration& entry,
-                std::vector<TProviderFinding>& findings) {
-  const std::string what = entry.source + ": class " + entry.className;
-  const auto declaration = classes.Find(entry.className);
-  if (declaration == nullptr) {
-    findings.push_back(
-        {false, "R3", what + " is not declared", "add the MOF file that declares it"});
-    return;
-  }
-  const std::string missing = FindMissingSuperclass(classes, *declaration);
-  if (!missing.empty()) {
-    findings.push_back({true, "R3", what + ": its superclass " + missing + " is not declared",
-                        "add the MOF file that declares it"});
-  }
-  const bool needsKey =
-      entry.isInstance || entry.isAssociation || entry.isMethod || entry.isProperty;
-  // What is missing may have the key.
-  if (needsKey && missing.empty() && !HasKey(*declaration)) {
-    findings.push_back({false, "R16", what + " has no key, and inherits none",
-                        "mark the properties that tell its instances apart with [Key]"});
-  }
+bool NeedsKey(const TRegistration& entry) {
+  return entry.isInstance || entry.isAssociation || entry.isMethod || entry.isProperty;
 }
+
+constexpr char kDeclare[] = "add the MOF that declares what is missing";
+
+/// How a fault of one class, or of several, is told.
+struct TFaultWords {
+  bool isWarning;
+  const char* rule;
+  const char* one;
+  const char* many;
+  const char* remedy;
+};
+
+/// Registered classes that the same is wrong with: a file or superclass that is missing is one
+/// cause, and one line for each registration file.
+class TClassFaults {
+ public:
+  explicit TClassFaults(const TFaultWords& words) : m_words(words) {}
+
+  void Add(const TRegistration& entry, const std::string& cause = {}) {
+    m_groups[{entry.file, cause}].push_back(&entry);
+  }
+
+  void Tell(std::vector<TProviderFinding>& findings) const {
+    for (const auto& [key, entries] : m_groups) {
+      std::string text = entries.front()->source + ": " + Name(entries);
+      text += entries.size() == 1 ? m_words.one : m_words.many;
+      text += key.second;
+      findings.push_back({m_words.isWarning, m_words.rule, std::move(text), m_words.remedy});
+    }
+  }
+
+ private:
+  using TGroup = std::vector<const TRegistration*>;
+
+  static std::string Name(const TGroup& entries) {
+    constexpr std::size_t kNamed = 3;
+    std::string text = entries.size() == 1 ? "class " : "classes ";
+    for (std::size_t i = 0; i < std::min(entries.size(), kNamed); ++i) {
+      if (i > 0) text += ", ";
+      text += entries[i]->className;
+    }
+    if (entries.size() <= kNamed) return text;
+    return text + " and " + std::to_string(entries.size() - kNamed) + " more";
+  }
+
+  const TFaultWords m_words;
+  std::map<std::pair<std::string, std::string>, TGroup> m_groups;  ///< By file and cause.
+};
 
 std::string CountMore(std::size_t count) {
   return count < 2 ? "" : " (and " + std::to_string(count - 1) + " more classes)";
@@ -155,11 +197,29 @@ TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPacka
 
 std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
                                            const TRegistrations& registrations) {
-  std::vector<TProviderFinding> findings;
+  TClassFaults undeclared({false, "R3", " is not declared", " are not declared", kDeclare});
+  TClassFaults orphans({true, "R3", ": its superclass ", ": their superclass ", kDeclare});
+  TClassFaults keyless({false, "R16", " has no key, and inherits none",
+                        " have no key, and inherit none",
+                        "mark the properties that tell their instances apart with [Key]"});
   std::set<std::string> seen;
   for (const TRegistration& entry : registrations.GetEntries()) {
-    if (seen.insert(entry.className).second) CheckClass(classes, entry, findings);
+    if (!seen.insert(entry.className).second) continue;
+    const auto declaration = classes.Find(entry.className);
+    if (declaration == nullptr) {
+      undeclared.Add(entry);
+      continue;
+    }
+    const std::string missing = FindMissingSuperclass(classes, *declaration);
+    // What is missing may have the key.
+    if (!missing.empty()) {
+      orphans.Add(entry, missing + " is not declared");
+    } else if (NeedsKey(entry) && !HasKey(*declaration)) {
+      keyless.Add(entry);
+    }
   }
+  std::vector<TProviderFinding> findings;
+  for (const TClassFaults* faults : {&undeclared, &orphans, &keyless}) faults->Tell(findings);
   return findings;
 }
 

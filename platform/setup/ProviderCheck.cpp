@@ -37,12 +37,25 @@ TFindings CheckRegistrations(const TProviderPackage& package, const TRegistratio
   return findings;
 }
 
+/// Whether the two are one library under names that differ in their version: links, or what a
+/// packer has made of them.
+bool IsSameLibrary(const std::string& left, const std::string& right) {
+  const auto getPlain = [](const std::string& file) {
+    const std::string name = file.substr(file.rfind('/') + 1);
+    return name.substr(0, name.find(".so"));
+  };
+  return getPlain(left) == getPlain(right) && IsSameFile(left, right);
+}
+
 TFindings CheckUnusedLibraries(const TProviderPackage& package,
                                const TRegistrations& registrations) {
   TFindings findings;
   const std::vector<std::string> used = FindUsed(package.libraries, registrations);
   for (const std::string& library : package.libraries) {
-    if (std::find(used.begin(), used.end(), library) != used.end()) continue;
+    const auto isThis = [&library](const std::string& other) {
+      return IsSameLibrary(other, library);
+    };
+    if (std::any_of(used.begin(), used.end(), isThis)) continue;
     findings.push_back({true, "R18",
                         library + ": no registration names it, and no library needs it",
                         "leave it out, or register what it serves"});

@@ -38,6 +38,60 @@ TEST(MofFileTest, CirclesOfIncludesEndAndFilesAreReadOnce) {
   EXPECT_EQ(repository.GetInstances().size(), 1U);
 }
 
+struct TBeginning {
+  const char* name;
+  std::string bytes;
+  bool isBinary;
+};
+void PrintTo(const TBeginning& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class BinaryFileTest : public testing::TestWithParam<TBeginning> {};
+
+TEST_P(BinaryFileTest, IsOneErrorAndTextIsRead) {
+  const TFolder folder;
+  const std::string file = folder.Write("a.mof", GetParam().bytes + "class A_A { };");
+  const std::string master = folder.Write("m.mof", "#pragma include (\"a.mof\")");
+  TClassRepository repository;
+  const TLines lines = Lines(repository.Load(file));
+  if (GetParam().isBinary) {
+    EXPECT_EQ(lines, TLines{file + ": cannot be read: holds binary data and no MOF text"});
+    TClassRepository other;
+    EXPECT_EQ(Lines(other.Load(master)),
+              TLines{master + ":1:18: include \"a.mof\": holds binary data and no MOF text"});
+  } else {
+    EXPECT_NE(repository.Find("A_A"), nullptr);
+  }
+}
+
+/// Bytes that look like those of an archive: all values, in no order that means anything.
+std::string Scramble(std::size_t size) {
+  std::string bytes;
+  for (std::uint32_t state = 1; bytes.size() < size;) {
+    state = state * 1664525U + 1013904223U;
+    bytes += static_cast<char>(state >> 24U);
+  }
+  return bytes;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Beginnings, BinaryFileTest,
+    testing::Values(TBeginning{"Library",
+                               std::string("\x7F"
+                                           "ELF\2\1\1\0\0\0\0\0\0\0\0\0",
+                                           16),
+                               true},
+                    TBeginning{"Archive", Scramble(3000), true},
+                    TBeginning{"Zeros", std::string(10'000, '\0'), true},
+                    TBeginning{"OneStrayZero", std::string(";\0;\n", 4), false},
+                    TBeginning{"Blanks", "\t\t\r\n\f\v\n\n\x1A\n", false},
+                    TBeginning{"Latin1", "// \xE4\xF6\xFC\xDF\xE4\xF6\xFC\n", false},
+                    TBeginning{"LateZeros",
+                               "/*" + std::string(5000, '-') + std::string(100, '\0') + "*/",
+                               false}),
+    [](const auto& row) { return row.param.name; });
+
 TEST(MofFileTest, ErrorsOfAnIncludedFileNameThatFile) {
   const TFolder folder;
   const std::string master = folder.Write("m.mof", "#pragma include (\"x.mof\")\nclass A_A { };");

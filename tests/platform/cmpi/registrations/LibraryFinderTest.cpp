@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "platform/cmpi/TLibraryFinder.h"
+#include "platform/cmpi/VendorFiles.h"
 #include "tests/platform/cmpi/registrations/TVendor.h"
 
 namespace NZEPQEL20 {
@@ -59,6 +61,7 @@ TEST(LibraryFinderTest, OfSeveralTheFirstForThisMachineIsTakenAndSaidSo) {
     std::filesystem::create_directory(vendor.GetPath(folder));
     std::filesystem::copy_file(own, vendor.GetPath(std::string(folder) + "/libx.so"));
   }
+  std::ofstream(vendor.GetPath("c/libx.so"), std::ios::app) << "of its own";
   const std::vector<std::string> files = {vendor.Write("a/libx.so", "not for here"),
                                           vendor.GetPath("b/libx.so"), vendor.GetPath("c/libx.so")};
   const TFoundLibrary found = TLibraryFinder(vendor.GetPath(), files).Find("x", vendor.GetPath());
@@ -66,11 +69,27 @@ TEST(LibraryFinderTest, OfSeveralTheFirstForThisMachineIsTakenAndSaidSo) {
   EXPECT_EQ(found.doubt, files[1] + " is taken, not " + files[2]);
 }
 
+TEST(LibraryFinderTest, OneLibraryUnderSeveralNamesIsNoChoice) {
+  const TVendor vendor;
+  const std::string real = vendor.Write("a/libx.so.1.2.3", std::string(100'000, 'x'));
+  std::filesystem::create_symlink("libx.so.1.2.3", vendor.GetPath("a/libx.so.1"));
+  std::filesystem::create_hard_link(real, vendor.GetPath("a/libx.so.2"));
+  vendor.Write("b/libx.so.1", std::string(100'000, 'x'));
+  TVendorFiles found = ListVendorFiles(vendor.GetPath());
+  ASSERT_EQ(found.files.size(), 4U);
+  EXPECT_EQ(TLibraryFinder(vendor.GetPath(), found.files).Find("x", vendor.GetPath()).doubt, "");
+  // Longer than what is read at once, and other at the end only.
+  const std::string other = vendor.Write("c/libx.so.1", std::string(99'999, 'x') + 'y');
+  found = ListVendorFiles(vendor.GetPath());
+  EXPECT_EQ(TLibraryFinder(vendor.GetPath(), found.files).Find("x", vendor.GetPath()).doubt,
+            vendor.GetPath("a/libx.so.1") + " is taken, not " + other);
+}
+
 TEST(LibraryFinderTest, APathOrAChoiceIsAWarningOfTheRegistration) {
   const TVendor vendor;
   vendor.Write("acme.registration", "A root/x P /opt/acme/libx.so instance\n");
-  vendor.Write("a/libx.so", "");
-  vendor.Write("b/libx.so", "");
+  vendor.Write("a/libx.so", "one");
+  vendor.Write("b/libx.so", "two");
   const auto read = vendor.Read();
   EXPECT_TRUE(read.GetEntries().at(0).hasLibrary);
   EXPECT_EQ(read.GetEntries().at(0).library, vendor.GetPath("a/libx.so"));
