@@ -167,7 +167,7 @@ EExitStatus RunOnPlatform(const TOptions& options, TCredentials credentials,
 
 EExitStatus RunOnProviders(const TOptions& options) {
   const TLog log(options);
-  TInstalledProviders providers(options.root);
+  TInstalledProviders providers(options.root, options.nameSpace);
   const TSurroundings surroundings{std::cout,
                                    std::cerr,
                                    [] { return false; },

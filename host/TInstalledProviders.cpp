@@ -5,8 +5,9 @@
 
 namespace host {
 
-TInstalledProviders::TInstalledProviders(const std::string& root)
-    : m_root(root.empty() ? NZEPQEL20::TOSSpecific::GetQELRootPath() : root), m_store(m_root) {}
+TInstalledProviders::TInstalledProviders(const std::string& root, const std::string& nameSpace)
+    : m_root(root.empty() ? NZEPQEL20::TOSSpecific::GetQELRootPath() : root),
+      m_store(m_root, nameSpace) {}
 
 std::string TInstalledProviders::GetFolder() {
   return m_root + "/providers";

@@ -8,9 +8,10 @@ namespace host {
 /// The vendors' folders of an installation root.
 class TInstalledProviders : public IProviderStore {
  public:
-  /// `root` empty: as the environment or the install prefix says.
+  /// `root` empty: as the environment or the install prefix says. The tests will be looked for in
+  /// `nameSpace`.
   /// Errors: TQELException when the root is unusable.
-  explicit TInstalledProviders(const std::string& root);
+  TInstalledProviders(const std::string& root, const std::string& nameSpace);
 
   std::string GetFolder() override;
   std::vector<NZEPQEL20::TProviderPackage> List() override;

@@ -131,15 +131,14 @@ bool NeedsKey(const TRegistration& entry) {
   return entry.isInstance || entry.isAssociation || entry.isMethod || entry.isProperty;
 }
 
-constexpr char kDeclare[] = "add the MOF that declares what is missing";
-
 /// How a fault of one class, or of several, is told.
 struct TFaultWords {
   bool isWarning;
   const char* rule;
   const char* one;
   const char* many;
-  const char* remedy;
+  const char* remedyOfOne;
+  const char* remedyOfMany;
 };
 
 /// Registered classes that the same is wrong with: a file or superclass that is missing is one
@@ -157,7 +156,8 @@ class TClassFaults {
       std::string text = entries.front()->source + ": " + Name(entries);
       text += entries.size() == 1 ? m_words.one : m_words.many;
       text += key.second;
-      findings.push_back({m_words.isWarning, m_words.rule, std::move(text), m_words.remedy});
+      findings.push_back({m_words.isWarning, m_words.rule, std::move(text),
+                          entries.size() == 1 ? m_words.remedyOfOne : m_words.remedyOfMany});
     }
   }
 
@@ -197,10 +197,13 @@ TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPacka
 
 std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
                                            const TRegistrations& registrations) {
-  TClassFaults undeclared({false, "R3", " is not declared", " are not declared", kDeclare});
-  TClassFaults orphans({true, "R3", ": its superclass ", ": their superclass ", kDeclare});
+  constexpr char kAdd[] = "add the MOF file that declares it";
+  TClassFaults undeclared({false, "R3", " is not declared", " are not declared", kAdd,
+                           "add the MOF files that declare them"});
+  TClassFaults orphans({true, "R3", ": its superclass ", ": their superclass ", kAdd, kAdd});
   TClassFaults keyless({false, "R16", " has no key, and inherits none",
                         " have no key, and inherit none",
+                        "mark the properties that tell its instances apart with [Key]",
                         "mark the properties that tell their instances apart with [Key]"});
   std::set<std::string> seen;
   for (const TRegistration& entry : registrations.GetEntries()) {

@@ -117,7 +117,11 @@ class TProbe {
     for (const std::string& name : names) {
       if (!ProbeProvider(library, name, entries)) break;
     }
-    CheckUnregistered(library, entries, elf);
+    // Under a wrong name the right one is registered for nothing, as an error has said.
+    const bool isMisnamed = std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+      return !HasOtherEntry(library, name);
+    });
+    if (!isMisnamed) CheckUnregistered(library, entries, elf);
   }
 
   /// False when there is no use in going on with the library.

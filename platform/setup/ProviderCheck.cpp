@@ -11,6 +11,7 @@
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/setup/ClassCheck.h"
 #include "platform/setup/LibraryProbe.h"
+#include "platform/setup/OfferCheck.h"
 #include "platform/setup/PackageFiles.h"
 
 namespace NZEPQEL20::setup {
@@ -94,6 +95,21 @@ TFindings CheckOthers(const TProviderPackage& package,
   return findings;
 }
 
+/// Drops the warnings of what is not registered when an error says why: a registration that is at
+/// fault, or one for a library that is not there.
+TFindings DropFollowers(TFindings findings) {
+  const std::set<std::string> causes = {"R2", "R11", "R12", "R13"};
+  const auto isCause = [&causes](const TProviderFinding& finding) {
+    return !finding.isWarning && causes.count(finding.rule) > 0;
+  };
+  if (std::none_of(findings.begin(), findings.end(), isCause)) return findings;
+  const auto isFollower = [](const TProviderFinding& finding) {
+    return finding.isWarning && finding.rule == "R18";
+  };
+  findings.erase(std::remove_if(findings.begin(), findings.end(), isFollower), findings.end());
+  return findings;
+}
+
 /// Errors first, each finding once.
 TFindings Arrange(TFindings findings) {
   std::set<std::string> seen;
@@ -119,7 +135,8 @@ TRegistrations ReadRegistrations(const TProviderPackage& package) {
 
 std::vector<TProviderFinding> CheckProvider(const std::string& root,
                                             const TProviderPackage& package,
-                                            const std::vector<TProviderPackage>& installed) {
+                                            const std::vector<TProviderPackage>& installed,
+                                            const std::string& nameSpace) {
   TFindings findings;
   // What is beside the files of one registration may be anything.
   if (!package.isWhole) {
@@ -138,7 +155,8 @@ std::vector<TProviderFinding> CheckProvider(const std::string& root,
   Append(findings, ProbeLibraries(loaded.classes, registrations));
   Append(findings, CheckUnusedLibraries(package, registrations));
   Append(findings, CheckOthers(package, installed));
-  return Arrange(std::move(findings));
+  Append(findings, CheckOffer(*loaded.classes, package, installed, nameSpace));
+  return Arrange(DropFollowers(std::move(findings)));
 }
 
 }  // namespace NZEPQEL20::setup

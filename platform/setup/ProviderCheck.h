@@ -13,9 +13,10 @@ namespace NZEPQEL20::setup {
 TRegistrations ReadRegistrations(const TProviderPackage& package);
 
 /// Everything wrong with a vendor's folder that is, or is to be, installed below `root` beside
-/// `installed`; errors first, each once.
+/// `installed`, for discovery in `nameSpace`; errors first, each once.
 std::vector<TProviderFinding> CheckProvider(const std::string& root,
                                             const TProviderPackage& package,
-                                            const std::vector<TProviderPackage>& installed);
+                                            const std::vector<TProviderPackage>& installed,
+                                            const std::string& nameSpace);
 
 }  // namespace NZEPQEL20::setup

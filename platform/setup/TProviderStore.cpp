@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "platform/cmpi/VendorFiles.h"
 #include "platform/contract/TQELException.h"
@@ -47,7 +48,8 @@ std::string GetProviders(const std::string& root) {
 
 }  // namespace
 
-TProviderStore::TProviderStore(const std::string& root) : m_root(setup::CheckRoot(root)) {}
+TProviderStore::TProviderStore(const std::string& root, std::string nameSpace)
+    : m_root(setup::CheckRoot(root)), m_nameSpace(std::move(nameSpace)) {}
 
 std::vector<TProviderPackage> TProviderStore::List() const {
   setup::THeldFolder::Tidy(GetProviders(m_root));
@@ -80,7 +82,7 @@ TProviderPackage TProviderStore::Read(const std::string& path) const {
 }
 
 std::vector<TProviderFinding> TProviderStore::Check(const TProviderPackage& package) const {
-  return setup::CheckProvider(m_root, package, List());
+  return setup::CheckProvider(m_root, package, List(), m_nameSpace);
 }
 
 void TProviderStore::Add(const TProviderPackage& package, const std::string& name,

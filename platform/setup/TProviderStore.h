@@ -46,8 +46,9 @@ struct TProviderPackage {
 /// Threads: safe from several as far as they touch different vendors.
 class DIAGSPLATFORM_EXPORT TProviderStore {
  public:
+  /// `nameSpace` is the one in which discovery will look for tests.
   /// Errors: TQELException when the root is unusable.
-  explicit TProviderStore(const std::string& root);
+  explicit TProviderStore(const std::string& root, std::string nameSpace = "root/cimv2");
 
   /// The installed folders, by name. Removes what an installation that was cut off has left.
   std::vector<TProviderPackage> List() const;
@@ -73,6 +74,7 @@ class DIAGSPLATFORM_EXPORT TProviderStore {
 
  private:
   std::string m_root;
+  std::string m_nameSpace;
 };
 
 }  // namespace NZEPQEL20

@@ -46,7 +46,7 @@ TEST_F(OneCauseTest, ClassesWithoutTheirMofAreOneLine) {
   Register(50);
   EXPECT_EQ(CheckOne(), "error R3: " + m_vendor.GetPath("x.registration") +
                             ":1: classes A_1, A_2, A_3 and 47 more are not declared; add the MOF "
-                            "that declares what is missing");
+                            "files that declare them");
 }
 
 TEST_F(OneCauseTest, AFewClassesAreAllNamed) {

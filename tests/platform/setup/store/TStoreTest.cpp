@@ -22,7 +22,8 @@ TStoreTest::TStoreTest()
     : m_store((m_root.Write("schema/base.mof",
                             "class A_Base { [Key] string InstanceID; };\n"
                             "class A_Keyless { string Name; };\n"),
-               m_root.GetPath())) {}
+               m_root.GetPath()),
+              "root/x") {}
 
 std::string TStoreTest::Take(const std::string& library, const std::string& place) const {
   const fs::path target = m_vendor.GetPath(place);

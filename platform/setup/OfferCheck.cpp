@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/setup/OfferCheck.h"
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+
+#include "platform/cmpi/TProviders.h"
+#include "platform/contract/TCIMInstanceData.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+using TServices = std::vector<TProviderService>;
+
+// Joins a test to a device; discovery enumerates its instances.
+constexpr char kLink[] = "CIM_AvailableDiagnosticService";
+constexpr char kTest[] = "CIM_DiagnosticService";
+constexpr char kRule[] = "T1";
+
+bool IsA(const TClassRepository& classes, const std::string& className, const char* wanted) {
+  std::string name = className;
+  for (unsigned int depth = 0; depth < TClassRepository::kMaxInheritance && !name.empty();
+       ++depth) {
+    if (IsSameName(name, wanted)) return true;
+    const auto declaration = classes.Find(name);
+    if (declaration == nullptr) return false;
+    name = declaration->superclass;
+  }
+  return false;
+}
+
+TServices FindKind(const TClassRepository& classes, const TServices& services, const char* wanted) {
+  TServices found;
+  for (const TProviderService& service : services) {
+    if (IsA(classes, service.className, wanted)) found.push_back(service);
+  }
+  return found;
+}
+
+bool IsEnumerated(const TProviderService& service) {
+  return std::find(service.types.begin(), service.types.end(), "instance") != service.types.end();
+}
+
+bool IsIn(const TProviderService& service, const std::string& nameSpace) {
+  return service.nameSpace == "*" || cmpi::IsSameNamespace(service.nameSpace, nameSpace);
+}
+
+/// A few of the names, each once: "a, b, c and 2 more".
+std::string Name(const std::set<std::string>& names) {
+  constexpr std::size_t kNamed = 3;
+  std::string text;
+  std::size_t count = 0;
+  for (const std::string& name : names) {
+    if (++count > kNamed) break;
+    if (count > 1) text += ", ";
+    text += name;
+  }
+  if (names.size() <= kNamed) return text;
+  return text + " and " + std::to_string(names.size() - kNamed) + " more";
+}
+
+/// Whether another folder joins tests to devices; it may do so for those of this one.
+bool HasLinkElsewhere(const TClassRepository& classes, const TProviderPackage& package,
+                      const std::vector<TProviderPackage>& installed) {
+  return std::any_of(installed.begin(), installed.end(), [&](const TProviderPackage& other) {
+    return other.name != package.name && other.folder != package.folder &&
+           !FindKind(classes, other.services, kLink).empty();
+  });
+}
+
+TProviderFinding MakeNoLink(const TProviderPackage& package, const TProviderService& test) {
+  return {true, kRule,
+          package.folder + ": registers the test " + test.className + " and no subclass of " +
+              kLink + ", so that no test of it is found",
+          "register one as instance"};
+}
+
+TProviderFinding MakeNotEnumerated(const TProviderPackage& package, const TServices& links) {
+  std::set<std::string> names;
+  for (const TProviderService& link : links) names.insert(link.className);
+  return {true, kRule,
+          package.folder + ": " + Name(names) +
+              ": not registered as instance, and discovery enumerates its instances, so that no "
+              "test of it is found",
+          "add the type instance to the registration"};
+}
+
+TProviderFinding MakeElsewhere(const TProviderPackage& package, const TServices& services,
+                               const std::string& nameSpace) {
+  std::set<std::string> spaces;
+  for (const TProviderService& service : services) spaces.insert(service.nameSpace);
+  return {true, kRule,
+          package.folder + ": is registered in " + Name(spaces) +
+              ", and `diagsrun list` looks in " + nameSpace,
+          "`diagsrun --namespace " + *spaces.begin() + " list` looks there"};
+}
+
+}  // namespace
+
+std::vector<TProviderFinding> CheckOffer(const TClassRepository& classes,
+                                         const TProviderPackage& package,
+                                         const std::vector<TProviderPackage>& installed,
+                                         const std::string& nameSpace) {
+  const TServices links = FindKind(classes, package.services, kLink);
+  const TServices tests = FindKind(classes, package.services, kTest);
+  if (links.empty() && !tests.empty()) {
+    if (HasLinkElsewhere(classes, package, installed)) return {};
+    return {MakeNoLink(package, tests.front())};
+  }
+  TServices found;
+  std::copy_if(links.begin(), links.end(), std::back_inserter(found), IsEnumerated);
+  if (!links.empty() && found.empty()) return {MakeNotEnumerated(package, links)};
+  // Without tests of its own it may still be meant for those who look where it is not.
+  if (links.empty()) found = package.services;
+  const bool isHere = std::any_of(
+      found.begin(), found.end(),
+      [&nameSpace](const TProviderService& service) { return IsIn(service, nameSpace); });
+  if (found.empty() || isHere) return {};
+  return {MakeElsewhere(package, found, nameSpace)};
+}
+
+}  // namespace NZEPQEL20::setup
