@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a schema of the size of the published one costs: read from its files, taken from the cache,
-// and one class of it.
+// and one class of it; and a start with one that a vendor ships in the provider's own folder.
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "bench/Ratio.h"
 #include "platform/schema/SchemaLoad.h"
+#include "platform/setup/InstalledSchema.h"
 #include "tests/platform/schema/FullSchema.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace {
 
@@ -21,19 +25,12 @@ using NZEPQEL20::TSchemaInputs;
 class TSchemaFolder {
  public:
   TSchemaFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "schemabenchXXXXXX").string();
-    m_path = mkdtemp(name.data()) == nullptr ? std::string() : name;
-    m_inputs.files.push_back(fullschema::Write(m_path + "/schema", fullschema::kClassCount));
-    m_place.folders.push_back(m_path + "/cache");
+    const std::string schema = m_folder.GetPath("schema");
+    m_inputs.files.push_back(fullschema::Write(schema, fullschema::kClassCount));
+    m_place.folders.push_back(m_folder.GetPath("cache"));
     m_place.fileName = "schema.cache";
     // The first one writes the cache.
     m_size = LoadSchema(m_inputs, m_place).classes->GetSources().GetSize();
-  }
-  TSchemaFolder(const TSchemaFolder&) = delete;
-  TSchemaFolder& operator=(const TSchemaFolder&) = delete;
-  ~TSchemaFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
   }
 
   TLoadedSchema ReadFiles() const { return LoadSchema(m_inputs, {}); }
@@ -41,7 +38,7 @@ class TSchemaFolder {
   double GetMegabytes() const { return static_cast<double>(m_size) / 1e6; }
 
  private:
-  std::string m_path;
+  TTemporaryFolder m_folder;
   TSchemaInputs m_inputs;
   TSchemaCachePlace m_place;
   std::size_t m_size = 0;
@@ -95,6 +92,45 @@ void BM_CachedWithOneClassAgainstCached(benchmark::State& state) {
       [&folder] { folder.Open(); });
 }
 BENCHMARK(BM_CachedWithOneClassAgainstCached)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// An installation whose vendor ships the whole schema beside the library and its registration.
+class TVendorRoot {
+ public:
+  TVendorRoot() {
+    m_folder.Write("schema/base.mof", "class B_Base { [Key] uint8 k; };\n");
+    m_folder.Write("providers/acme/acme.registration", "CIM_Gen0 root/cimv2 Acme acme instance\n");
+    m_folder.Write("providers/acme/libacme.so", "");
+    fullschema::Write(m_folder.GetPath("providers/acme/mof"), fullschema::kClassCount);
+    // Younger stamps are not believed.
+    std::this_thread::sleep_for(std::chrono::milliseconds(2100));
+    Start("");
+  }
+
+  // With the cache where it always is, or "off".
+  NZEPQEL20::setup::TInstalledSchema Start(const char* cache) const {
+    setenv("DIAGSRUNNER_SCHEMA_CACHE", cache, 1);
+    return NZEPQEL20::setup::LoadInstalledSchema(m_folder.GetPath());
+  }
+
+ private:
+  TTemporaryFolder m_folder;
+};
+
+void BM_CachedStartWithAVendorsSchemaAgainstRead(benchmark::State& state) {
+  const TVendorRoot root;
+  const NZEPQEL20::setup::TInstalledSchema cached = root.Start("");
+  if (!cached.schema.isFromCache || cached.registrations.GetEntries().size() != 1 ||
+      cached.schema.classes->GetCount() != fullschema::kClassCount + 1) {
+    state.SkipWithError("the cache is not used");
+  }
+  bench::MeasureRatio(
+      state, [&root] { root.Start(""); }, [&root] { root.Start("off"); });
+}
+BENCHMARK(BM_CachedStartWithAVendorsSchemaAgainstRead)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    // The reference is what takes the time.
+    ->Iterations(5);
 
 }  // namespace
 

@@ -8,6 +8,7 @@
 #include "platform/cmpi/TRegistrationTaker.h"
 #include "platform/contract/TQELException.h"
 #include "platform/schema/TClassRepository.h"
+#include "platform/schema/TFolderNames.h"
 #include "platform/schema/TMofSource.h"
 
 namespace NZEPQEL20 {
@@ -90,31 +91,6 @@ std::string ReadText(const std::string& file) {
   } catch (const TQELException&) {
     return {};
   }
-}
-
-/// Whether nothing in the file registers providers.
-bool IsSchemaAlone(const std::string& file) {
-  const std::string text = ReadText(file);
-  return !text.empty() && text.find("PG_Provider") == std::string::npos;
-}
-
-/// Blanks the directives by which `text` includes mere schema, which may be the whole of CIM and
-/// would be read at each start. True when there was one.
-bool DropSchemaIncludes(std::string& text, const std::string& file) {
-  bool hasDropped = false;
-  for (std::size_t at = text.find('#'); at != std::string::npos; at = text.find('#', at + 1)) {
-    std::size_t place = at + 1;
-    if (!Skip(text, "pragma", place) || !Skip(text, "include", place)) continue;
-    if (!Skip(text, "(", place) || !Skip(text, "\"", place)) continue;
-    const std::size_t quote = text.find_first_of("\"\n", place);
-    std::size_t end = quote + 1;
-    if (quote == std::string::npos || text[quote] != '"' || !Skip(text, ")", end)) continue;
-    if (!IsSchemaAlone(ResolveMofPath(text.substr(place, quote - place), file))) continue;
-    // Line ends stay, so that messages have the right ones.
-    for (std::size_t i = at; i < end; ++i) text[i] = text[i] == '\n' ? '\n' : ' ';
-    hasDropped = true;
-  }
-  return hasDropped;
 }
 
 /// The instances of one vendor's MOF files, put together.
@@ -250,35 +226,100 @@ class TPegasusReader {
   std::string m_module;
 };
 
+/// What one vendor's MOF files declare.
+class TMofCollection {
+ public:
+  TMofCollection(TMofOutlines& outlines, TRegistrationTaker& taker)
+      : m_outlines(outlines), m_taker(taker) {}
+
+  void Load(const std::string& file) {
+    std::string text = ReadText(file);
+    if (DropSchemaIncludes(text, file)) {
+      Take(m_classes.LoadText(text, file), file, true);
+    } else {
+      Take(m_classes.Load(file), file, false);
+    }
+  }
+
+  void LoadText(std::string text, const std::string& file) {
+    const bool hasSchema = DropSchemaIncludes(text, file);
+    Take(m_classes.LoadText(text, file), file, hasSchema);
+  }
+
+  /// `file` is the one that what is wrong with the whole is put down to.
+  void Finish(const std::string& file) {
+    if (m_mixed.empty()) Report(m_classes.Check());
+    TPegasusReader(file, m_taker).Read(m_classes.GetInstances());
+  }
+
+  /// The files that declare classes, too, or include some.
+  const std::vector<std::string>& GetMixed() const { return m_mixed; }
+
+ private:
+  void Report(const std::vector<TMofError>& errors) {
+    for (const TMofError& error : errors) {
+      if (!error.isWarning) m_taker.Fail(error.ToString(), "mend the MOF", kRule);
+    }
+  }
+
+  void Take(const std::vector<TMofError>& errors, const std::string& file, bool hasSchema) {
+    if (hasSchema || m_classes.GetCount() > m_count) {
+      // Whoever loads the classes reports what is wrong in the file.
+      m_mixed.push_back(file);
+    } else {
+      Report(errors);
+    }
+    m_count = m_classes.GetCount();
+  }
+
+  /// Blanks the directives by which `text` includes mere schema, which may be the whole of CIM and
+  /// would be read at each start. True when there was one.
+  bool DropSchemaIncludes(std::string& text, const std::string& file) {
+    bool hasDropped = false;
+    for (std::size_t at = text.find('#'); at != std::string::npos; at = text.find('#', at + 1)) {
+      std::size_t place = at + 1;
+      if (!Skip(text, "pragma", place) || !Skip(text, "include", place)) continue;
+      if (!Skip(text, "(", place) || !Skip(text, "\"", place)) continue;
+      const std::size_t quote = text.find_first_of("\"\n", place);
+      std::size_t end = quote + 1;
+      if (quote == std::string::npos || text[quote] != '"' || !Skip(text, ")", end)) continue;
+      const std::string path = text.substr(place, quote - place);
+      const TMofOutline* const outline = m_outlines.Find(ResolveMofPath(path, file, m_names));
+      if (outline == nullptr || !outline->isMereSchema) continue;
+      // Line ends stay, so that messages have the right ones.
+      for (std::size_t i = at; i < end; ++i) text[i] = text[i] == '\n' ? '\n' : ' ';
+      hasDropped = true;
+    }
+    return hasDropped;
+  }
+
+  TMofOutlines& m_outlines;
+  TRegistrationTaker& m_taker;
+  TFolderNames m_names;
+  // The classes are the server's, and not declared: whatever its version, its properties are taken.
+  TClassRepository m_classes;
+  std::size_t m_count = 0;  ///< Of the classes before the last file.
+  std::vector<std::string> m_mixed;
+};
+
 }  // namespace
 
 std::vector<std::string> ReadRegistrationMof(const std::vector<std::string>& files,
-                                             TRegistrationTaker& taker) {
+                                             TMofOutlines& outlines, TRegistrationTaker& taker) {
   if (files.empty()) return {};
-  // The classes are the server's, and not declared: whatever its version, its properties are taken.
-  TClassRepository classes;
-  std::vector<std::string> mixed;
-  const auto report = [&](const std::vector<TMofError>& errors) {
-    for (const TMofError& error : errors) {
-      if (!error.isWarning) taker.Fail(error.ToString(), "mend the MOF", kRule);
-    }
-  };
-  for (const std::string& file : files) {
-    const std::size_t before = classes.GetCount();
-    std::string text = ReadText(file);
-    const bool hasSchema = DropSchemaIncludes(text, file);
-    const std::vector<TMofError> errors =
-        hasSchema ? classes.LoadText(text, file) : classes.Load(file);
-    if (hasSchema || classes.GetCount() > before) {
-      // Whoever loads the classes reports what is wrong in the file.
-      mixed.push_back(file);
-    } else {
-      report(errors);
-    }
-  }
-  if (mixed.empty()) report(classes.Check());
-  TPegasusReader(files.front(), taker).Read(classes.GetInstances());
-  return mixed;
+  TMofCollection collection(outlines, taker);
+  for (const std::string& file : files) collection.Load(file);
+  collection.Finish(files.front());
+  return collection.GetMixed();
+}
+
+bool ReadRegistrationMofText(const std::string& text, const std::string& file,
+                             TRegistrationTaker& taker) {
+  TMofOutlines outlines;
+  TMofCollection collection(outlines, taker);
+  collection.LoadText(text, file);
+  collection.Finish(file);
+  return !collection.GetMixed().empty();
 }
 
 }  // namespace NZEPQEL20

@@ -7,6 +7,7 @@
 
 #include "platform/cmpi/TLibraryFinder.h"
 #include "platform/cmpi/TRegistrations.h"
+#include "platform/schema/TMofOutlines.h"
 
 namespace NZEPQEL20 {
 
@@ -66,6 +67,9 @@ void ReadRegistrationSections(const std::string& text, const std::string& file,
 /// All MOF files of one vendor, whose instances name each other. Answers with those that declare
 /// classes, too.
 std::vector<std::string> ReadRegistrationMof(const std::vector<std::string>& files,
-                                             TRegistrationTaker& taker);
+                                             TMofOutlines& outlines, TRegistrationTaker& taker);
+/// One text, as if it were that of `file`. Answers whether it declares classes, too.
+bool ReadRegistrationMofText(const std::string& text, const std::string& file,
+                             TRegistrationTaker& taker);
 
 }  // namespace NZEPQEL20

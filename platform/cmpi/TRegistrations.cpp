@@ -12,34 +12,18 @@
 #include "platform/cmpi/VendorFiles.h"
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/contract/TQELException.h"
+#include "platform/schema/TMofOutlines.h"
 #include "platform/schema/TMofSource.h"
 
 namespace NZEPQEL20 {
 
 namespace {
 
-enum class EForm { kNone, kLines, kSections, kMof };
+using EForm = TRegistrations::EForm;
 
-/// Whether an instance declaration stands where `text` has "_" at `place`: "of PG_Provider".
-bool IsProviderInstance(const std::string& text, std::size_t place) {
-  constexpr char kBefore[] = "PG";
-  constexpr char kBehind[] = "_Provider";
-  constexpr std::size_t kLength = sizeof kBefore - 1;
-  if (place < kLength || !IsSameName(text.substr(place - kLength, kLength), kBefore)) return false;
-  if (!IsSameName(text.substr(place, sizeof kBehind - 1), kBehind)) return false;
-  if (place == kLength) return false;
-  const std::size_t end = text.find_last_not_of(" \t\r\n\f", place - kLength - 1);
-  return end != std::string::npos && end > 0 && end + 1 < place - kLength &&
-         IsSameName(text.substr(end - 1, 2), "of");
-}
-
-/// Whether `text` holds an instance of one of the classes that register providers. A vendor's
-/// folder may hold a schema of megabytes, which is looked through at every start.
-bool DeclaresProviders(const std::string& text) {
-  for (std::size_t at = text.find('_'); at != std::string::npos; at = text.find('_', at + 1)) {
-    if (IsProviderInstance(text, at)) return true;
-  }
-  return false;
+std::string GetFolderOf(const std::string& file) {
+  const std::size_t slash = file.rfind('/');
+  return slash == std::string::npos ? "." : file.substr(0, slash);
 }
 
 /// What the first line that is no comment looks like.
@@ -53,7 +37,7 @@ EForm FindTextForm(const std::string& text, const std::string& file) {
 }
 
 EForm FindForm(const std::string& text, const std::string& file) {
-  if (DeclaresProviders(text)) return EForm::kMof;
+  if (OutlineMof(text).registersProviders) return EForm::kMof;
   return IsMofName(file) ? EForm::kNone : FindTextForm(text, file);
 }
 
@@ -87,31 +71,46 @@ std::string TRegistrationProblem::ToString() const {
 }
 
 void TRegistrations::Load(const std::string& file) {
-  const std::size_t slash = file.rfind('/');
-  const std::string folder = slash == std::string::npos ? "." : file.substr(0, slash);
-  ReadFiles({file}, TLibraryFinder(folder, ListVendorFiles(folder, 0).files));
+  const std::string folder = GetFolderOf(file);
+  TMofOutlines outlines;
+  ReadFiles({file}, TLibraryFinder(folder, ListVendorFiles(folder, 0).files), outlines);
+}
+
+void TRegistrations::LoadText(const std::string& text, const std::string& file) {
+  const TLibraryFinder libraries(GetFolderOf(file), {});
+  TRegistrationTaker taker(*this, libraries);
+  const EForm form = ReadText(text, file, taker);
+  if (form != EForm::kMof) return;
+  if (!ReadRegistrationMofText(text, file, taker)) m_pureFiles.push_back(file);
 }
 
 void TRegistrations::LoadFolder(const std::string& folder, const std::vector<std::string>& files) {
+  TMofOutlines outlines;
+  LoadFolder(folder, files, outlines);
+}
+
+void TRegistrations::LoadFolder(const std::string& folder, const std::vector<std::string>& files,
+                                TMofOutlines& outlines) {
   std::vector<std::string> candidates;
   std::copy_if(files.begin(), files.end(), std::back_inserter(candidates),
                [](const std::string& file) { return IsRegistrationName(file) || IsMofName(file); });
-  ReadFiles(candidates, TLibraryFinder(folder, files));
+  ReadFiles(candidates, TLibraryFinder(folder, files), outlines);
 }
 
 void TRegistrations::ReadFiles(const std::vector<std::string>& files,
-                               const TLibraryFinder& libraries) {
+                               const TLibraryFinder& libraries, TMofOutlines& outlines) {
   TRegistrationTaker taker(*this, libraries);
   std::vector<std::string> declarations;
+  // A vendor's folder may hold a schema of many files, which need not be read at every start.
+  const auto isMereSchema = [&](const std::string& file) {
+    if (!IsMofName(file)) return false;
+    const TMofOutline* const outline = outlines.Find(file);
+    return outline == nullptr ? files.size() > 1 : !outline->registersProviders;
+  };
   for (const std::string& file : files) {
+    if (isMereSchema(file)) continue;
     try {
-      const std::string text = ReadBounded(file);
-      const EForm form = FindForm(text, file);
-      if (form == EForm::kNone) continue;
-      m_files.push_back(file);
-      if (form == EForm::kMof) declarations.push_back(file);
-      if (form == EForm::kLines) ReadRegistrationLines(text, file, taker);
-      if (form == EForm::kSections) ReadRegistrationSections(text, file, taker);
+      if (ReadText(ReadBounded(file), file, taker) == EForm::kMof) declarations.push_back(file);
     } catch (const TQELException& failure) {
       // Whoever loads the schema says so of a MOF file.
       if (IsMofName(file) && files.size() > 1) continue;
@@ -119,11 +118,20 @@ void TRegistrations::ReadFiles(const std::vector<std::string>& files,
       taker.Fail(file + ": cannot be read: " + failure.what(), "make it a readable file", "R1");
     }
   }
-  const std::vector<std::string> mixed = ReadRegistrationMof(declarations, taker);
+  const std::vector<std::string> mixed = ReadRegistrationMof(declarations, outlines, taker);
   for (const std::string& file : declarations) {
     const bool isMixed = std::find(mixed.begin(), mixed.end(), file) != mixed.end();
     if (!isMixed) m_pureFiles.push_back(file);
   }
+}
+
+TRegistrations::EForm TRegistrations::ReadText(const std::string& text, const std::string& file,
+                                               TRegistrationTaker& taker) {
+  const EForm form = FindForm(text, file);
+  if (form != EForm::kNone) m_files.push_back(file);
+  if (form == EForm::kLines) ReadRegistrationLines(text, file, taker);
+  if (form == EForm::kSections) ReadRegistrationSections(text, file, taker);
+  return form;
 }
 
 std::vector<std::string> TRegistrations::GetProblems() const {

@@ -9,6 +9,8 @@
 namespace NZEPQEL20 {
 
 class TLibraryFinder;
+class TMofOutlines;
+class TRegistrationTaker;
 
 /// One class that a provider serves in one namespace.
 struct TRegistration {
@@ -54,12 +56,21 @@ class TRegistrations {
   /// Largest registration file that is read, in bytes. MOF may be larger.
   static constexpr std::size_t kMaxFileSize = std::size_t{4} * 1024 * 1024;
 
+  /// What a text proves to be.
+  enum class EForm { kNone, kLines, kSections, kMof };
+
   /// Adds what `file` says; its folder is the vendor's. A file that cannot be read is a problem.
   void Load(const std::string& file);
+
+  /// Adds what `text` says, as if it were that of `file`, with no library beside it.
+  void LoadText(const std::string& text, const std::string& file);
 
   /// Adds what the registrations among `files` say, which are those of the vendor's `folder`: the
   /// files named `.registration` or `.reg`, and those named `.mof` that declare providers.
   void LoadFolder(const std::string& folder, const std::vector<std::string>& files);
+  /// The same, with what is known of MOF files: most of them need not be read.
+  void LoadFolder(const std::string& folder, const std::vector<std::string>& files,
+                  TMofOutlines& outlines);
 
   const std::vector<TRegistration>& GetEntries() const { return m_entries; }
   /// Without the warnings, one line each.
@@ -75,7 +86,9 @@ class TRegistrations {
  private:
   friend class TRegistrationTaker;
 
-  void ReadFiles(const std::vector<std::string>& files, const TLibraryFinder& libraries);
+  void ReadFiles(const std::vector<std::string>& files, const TLibraryFinder& libraries,
+                 TMofOutlines& outlines);
+  EForm ReadText(const std::string& text, const std::string& file, TRegistrationTaker& taker);
   void Add(const TRegistration& entry);
 
   std::vector<TRegistration> m_entries;

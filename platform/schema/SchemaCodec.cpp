@@ -160,4 +160,29 @@ TMofError DecodeProblem(TByteReader& in) {
   return problem;
 }
 
+void EncodeSource(TByteWriter& out, const TSchemaSource& source) {
+  out.PutByte(static_cast<std::uint8_t>(source.kind));
+  out.PutText(source.path);
+  out.PutLong(source.stamp.device);
+  out.PutLong(source.stamp.inode);
+  out.PutLong(source.stamp.size);
+  out.PutSigned(source.stamp.modified);
+  out.PutSigned(source.stamp.changed);
+  out.PutLong(source.hash);
+}
+
+TSchemaSource DecodeSource(TByteReader& in) {
+  TSchemaSource source;
+  source.kind = static_cast<TSchemaSource::EKind>(
+      in.TakeUpTo(static_cast<std::uint8_t>(TSchemaSource::kLastKind)));
+  source.path = in.TakeText();
+  source.stamp.device = in.TakeLong();
+  source.stamp.inode = in.TakeLong();
+  source.stamp.size = in.TakeLong();
+  source.stamp.modified = in.TakeSigned();
+  source.stamp.changed = in.TakeSigned();
+  source.hash = in.TakeLong();
+  return source;
+}
+
 }  // namespace NZEPQEL20

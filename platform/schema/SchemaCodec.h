@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "platform/schema/TByteWriter.h"
 #include "platform/schema/TMofError.h"
 #include "platform/schema/TSchemaClass.h"
+#include "platform/schema/TSchemaSources.h"
 
 namespace NZEPQEL20 {
 
@@ -24,5 +26,10 @@ std::vector<TCIMInstanceData> DecodeInstances(std::string_view bytes);
 
 void EncodeProblem(TByteWriter& out, const TMofError& problem);
 TMofError DecodeProblem(TByteReader& in);
+
+/// Bytes that a source takes at the least.
+constexpr std::size_t kLeastSource = 53;
+void EncodeSource(TByteWriter& out, const TSchemaSource& source);
+TSchemaSource DecodeSource(TByteReader& in);
 
 }  // namespace NZEPQEL20

@@ -10,10 +10,10 @@
 #include <utility>
 
 #include "platform/contract/TQELException.h"
+#include "platform/schema/TFolderNames.h"
 #include "platform/schema/TInstanceResolver.h"
 #include "platform/schema/TMofLoader.h"
 #include "platform/schema/TMofQualifierTable.h"
-#include "platform/schema/TMofSource.h"
 #include "platform/schema/TSchemaChecker.h"
 #include "platform/schema/TSchemaStore.h"
 
@@ -24,7 +24,7 @@ struct TClassRepository::TParts {
 
   /// Loads the files of missing superclasses from the search path, until that brings no more.
   void LoadMissing();
-  void LoadMissing(const std::string& name);
+  void LoadMissing(const std::string& name, TFolderNames& names);
 
   TClassesPtr GetClasses() const {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -52,6 +52,7 @@ struct TClassRepository::TParts {
 };
 
 void TClassRepository::TParts::LoadMissing() {
+  TFolderNames names(&sources);
   for (bool isMore = true; isMore;) {
     std::vector<std::string> missing;
     const TClassTree& tree = store->GetTree();
@@ -63,14 +64,14 @@ void TClassRepository::TParts::LoadMissing() {
     }
     isMore = !missing.empty() && !folders.empty();
     for (const std::string& name : missing) {
-      LoadMissing(name);
+      LoadMissing(name, names);
     }
   }
 }
 
-void TClassRepository::TParts::LoadMissing(const std::string& name) {
+void TClassRepository::TParts::LoadMissing(const std::string& name, TFolderNames& names) {
   for (const std::string& folder : folders) {
-    const std::string file = FindWithoutCase(folder, name + ".mof", &sources);
+    const std::string file = names.Find(folder, name + ".mof");
     if (!file.empty()) {
       loader.LoadFile(file);
       return;

@@ -14,6 +14,7 @@ void TMofLoader::Begin() {
   ++m_unit;
   m_pieces = 0;
   m_nameSpace.clear();
+  m_names = TFolderNames(&m_sources);
   UseRank(0);
 }
 
@@ -101,7 +102,7 @@ void TMofLoader::OnInclude(const std::string& file, TMofPosition position,
     m_problems.AddError(file, position, shown + "nested deeper than 64 files");
     return;
   }
-  const std::string target = ResolveMofPath(path, file, &m_sources);
+  const std::string target = ResolveMofPath(path, file, m_names);
   if (!Open(target)) {
     return;
   }

@@ -72,6 +72,7 @@ class TMofLoader : public IMofSink {
   unsigned int m_unit = 0;
   std::size_t m_pieces = 0;
   std::string m_nameSpace;
+  TFolderNames m_names;  ///< As they were when this load began.
 };
 
 }  // namespace NZEPQEL20

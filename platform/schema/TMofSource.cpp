@@ -14,7 +14,6 @@
 
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/contract/TQELException.h"
-#include "platform/schema/SchemaHash.h"
 #include "platform/schema/TDescriptor.h"
 #include "platform/schema/TMofLexer.h"
 
@@ -191,65 +190,8 @@ bool IsBinary(const std::string& text) {
   return count > 1 && count * kOneIn >= end - text.begin();
 }
 
-namespace {
-
-/// Calls `take` with each name in the folder; false when the folder cannot be read to its end.
-template <typename TTake>
-bool ReadNames(const std::string& folder, TFileStamp& stamp, int& problem, const TTake& take) {
-  const fs::path place = folder.empty() ? fs::path(".") : fs::path(folder);
-  if (!stamp.Read(place.string(), problem)) {
-    return false;
-  }
-  std::error_code error;
-  fs::directory_iterator entry(place, error);
-  for (const fs::directory_iterator end; !error && entry != end; entry.increment(error)) {
-    take(entry->path().filename().string());
-  }
-  problem = error.value();
-  return !error;
-}
-
-/// The same whatever the order.
-void AddName(std::uint64_t& hash, const std::string& name) {
-  hash += HashBytes(name);
-}
-
-}  // namespace
-
-bool HashFolder(const std::string& folder, TFileStamp& stamp, std::uint64_t& hash) {
-  int problem = 0;
-  hash = 0;
-  return ReadNames(folder, stamp, problem,
-                   [&hash](const std::string& name) { AddName(hash, name); });
-}
-
-std::string FindWithoutCase(const std::string& folder, const std::string& name,
-                            TSchemaSources* sources) {
-  TFileStamp stamp;
-  int problem = 0;
-  std::uint64_t hash = 0;
-  std::string found;
-  const bool isWhole = ReadNames(folder, stamp, problem, [&](const std::string& other) {
-    AddName(hash, other);
-    // Of several the first in the order of bytes: folders have none of their own.
-    if (IsSameName(other, name) && (found.empty() || other < found)) {
-      found = other;
-    }
-  });
-  if (sources != nullptr) {
-    if (isWhole) {
-      sources->AddFolder(folder, stamp, hash);
-    } else if (problem == ENOENT || problem == ENOTDIR) {
-      sources->AddAbsent(folder);
-    } else {
-      sources->AddUnreadable(folder, false);
-    }
-  }
-  return found.empty() ? found : (fs::path(folder) / found).string();
-}
-
 std::string ResolveMofPath(const std::string& path, const std::string& includingFile,
-                           TSchemaSources* sources) {
+                           TFolderNames& names) {
   std::string plain = path;
   std::replace(plain.begin(), plain.end(), '\\', '/');
   const fs::path wanted = fs::path(includingFile).parent_path() / plain;
@@ -261,9 +203,8 @@ std::string ResolveMofPath(const std::string& path, const std::string& including
   fs::path found;
   for (const fs::path& part : wanted) {
     const fs::path exact = found / part;
-    const std::string similar = fs::exists(exact, error)
-                                    ? exact.string()
-                                    : FindWithoutCase(found.string(), part.string(), sources);
+    const std::string similar =
+        fs::exists(exact, error) ? exact.string() : names.Find(found.string(), part.string());
     if (similar.empty()) {
       return wanted.string();
     }

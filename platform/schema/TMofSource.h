@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
+#include "platform/schema/TFolderNames.h"
 #include "platform/schema/TSchemaSources.h"
 
 namespace NZEPQEL20 {
@@ -36,19 +36,10 @@ bool IsBinary(const std::string& text);
 /// Errors: like TMofSource::ReadFile().
 std::string ReadMofBytes(const std::string& path, TFileStamp& stamp);
 
-/// A hash over the names in a folder, and its stamp from before they were read. False when it
-/// cannot be read.
-bool HashFolder(const std::string& folder, TFileStamp& stamp, std::uint64_t& hash);
-
 /// The file that `path` means, seen from the folder of `includingFile`: `\` separates like `/`,
 /// and a name that is not there is looked for without case. A path that leads to nothing comes
-/// back in its plain form. Folders that were searched are added to `sources`.
+/// back in its plain form.
 std::string ResolveMofPath(const std::string& path, const std::string& includingFile,
-                           TSchemaSources* sources = nullptr);
-
-/// `folder`/`name` with the spelling that the folder has for it in any case; empty when there is
-/// none. The folder is added to `sources`.
-std::string FindWithoutCase(const std::string& folder, const std::string& name,
-                            TSchemaSources* sources = nullptr);
+                           TFolderNames& names);
 
 }  // namespace NZEPQEL20

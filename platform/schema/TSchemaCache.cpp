@@ -21,7 +21,6 @@ constexpr std::string_view kMagic = "DIAGSMOF";
 // More than any schema needs; what a file can make us hold is bounded by this.
 constexpr std::uint64_t kMaxSize = std::uint64_t{512} * 1024 * 1024;
 constexpr std::size_t kLeastText = 4;
-constexpr std::size_t kLeastSource = 53;
 constexpr std::size_t kLeastProblem = 17;
 constexpr std::size_t kLeastClass = 32;
 
@@ -62,31 +61,6 @@ TSchemaInputs DecodeInputs(TByteReader& in) {
     text.place = static_cast<std::size_t>(in.TakeLong());
   }
   return inputs;
-}
-
-void EncodeSource(TByteWriter& out, const TSchemaSource& source) {
-  out.PutByte(static_cast<std::uint8_t>(source.kind));
-  out.PutText(source.path);
-  out.PutLong(source.stamp.device);
-  out.PutLong(source.stamp.inode);
-  out.PutLong(source.stamp.size);
-  out.PutSigned(source.stamp.modified);
-  out.PutSigned(source.stamp.changed);
-  out.PutLong(source.hash);
-}
-
-TSchemaSource DecodeSource(TByteReader& in) {
-  TSchemaSource source;
-  source.kind = static_cast<TSchemaSource::EKind>(
-      in.TakeUpTo(static_cast<std::uint8_t>(TSchemaSource::kLastKind)));
-  source.path = in.TakeText();
-  source.stamp.device = in.TakeLong();
-  source.stamp.inode = in.TakeLong();
-  source.stamp.size = in.TakeLong();
-  source.stamp.modified = in.TakeSigned();
-  source.stamp.changed = in.TakeSigned();
-  source.hash = in.TakeLong();
-  return source;
 }
 
 bool IsSameText(const TSchemaText& left, const TSchemaText& right) {

@@ -10,6 +10,7 @@
 #include "platform/contract/TQELException.h"
 #include "platform/schema/SchemaHash.h"
 #include "platform/schema/TDescriptor.h"
+#include "platform/schema/TFolderNames.h"
 #include "platform/schema/TMofSource.h"
 
 namespace NZEPQEL20 {

@@ -106,6 +106,11 @@ std::string CheckRoot(const std::string& root) {
 }
 
 TInstalledFiles FindInstalledFiles(const std::string& root) {
+  TMofOutlines outlines;
+  return FindInstalledFiles(root, outlines);
+}
+
+TInstalledFiles FindInstalledFiles(const std::string& root, TMofOutlines& outlines) {
   TInstalledFiles files;
   const fs::path top(root);
   TSchemaTree(files.schema, files.problems).Take(top / "schema");
@@ -122,7 +127,7 @@ TInstalledFiles FindInstalledFiles(const std::string& root) {
     files.problems.insert(files.problems.end(), found.problems.begin(), found.problems.end());
     std::vector<std::string> schema;
     std::copy_if(found.files.begin(), found.files.end(), std::back_inserter(schema), IsMofName);
-    schema = OrderByIncludes(schema);
+    schema = OrderByIncludes(schema, outlines);
     files.providerSchema.insert(files.providerSchema.end(), schema.begin(), schema.end());
     files.vendors.push_back({folder.string(), std::move(found.files)});
   }

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/schema/TMofOutlines.h"
+
 namespace NZEPQEL20::setup {
 
 /// A vendor's folder below `providers/`.
@@ -32,5 +34,7 @@ std::string CheckRoot(const std::string& root);
 /// Looks through the root. A folder that is not there holds nothing, one with a dot in front of its
 /// name is left out; that there is no schema at all is a problem.
 TInstalledFiles FindInstalledFiles(const std::string& root);
+/// The same; what vendors' MOF files include is in `outlines`.
+TInstalledFiles FindInstalledFiles(const std::string& root, TMofOutlines& outlines);
 
 }  // namespace NZEPQEL20::setup

@@ -11,26 +11,32 @@
 namespace NZEPQEL20::setup {
 namespace {
 
-TLoadedSchema LoadClasses(const TInstalledFiles& files, const std::string& root) {
+void Log(const std::vector<std::string>& notes) {
+  ILogger* logger = TRootObject::GetCoreLogger();
+  for (const std::string& note : notes) {
+    if (logger != nullptr) logger->Log(ILogger::kTrace, note);
+  }
+}
+
+TLoadedSchema LoadClasses(const TInstalledFiles& files, const std::string& root,
+                          const TSchemaCachePlace& place) {
   TSchemaInputs inputs;
   inputs.folders = {root + "/schema"};
   inputs.folders.insert(inputs.folders.end(), files.providerFolders.begin(),
                         files.providerFolders.end());
   inputs.files = files.schema;
   inputs.files.insert(inputs.files.end(), files.providerSchema.begin(), files.providerSchema.end());
-  TLoadedSchema schema = LoadSchema(inputs, ChooseSchemaCache(root));
-  ILogger* logger = TRootObject::GetCoreLogger();
-  for (const std::string& note : schema.notes) {
-    if (logger != nullptr) logger->Log(ILogger::kTrace, note);
-  }
+  TLoadedSchema schema = LoadSchema(inputs, place);
+  Log(schema.notes);
   return schema;
 }
 
 // Takes the files out that hold nothing but registrations.
-TRegistrations LoadRegistrations(TInstalledFiles& files, const std::string& root) {
+TRegistrations LoadRegistrations(TInstalledFiles& files, const std::string& root,
+                                 TMofOutlines& outlines) {
   TRegistrations registrations;
   for (const TInstalledFolder& vendor : files.vendors) {
-    registrations.LoadFolder(vendor.path, vendor.files);
+    registrations.LoadFolder(vendor.path, vendor.files, outlines);
   }
   if (registrations.GetFiles().empty()) {
     files.problems.push_back(root +
@@ -50,9 +56,13 @@ TRegistrations LoadRegistrations(TInstalledFiles& files, const std::string& root
 
 TInstalledSchema LoadInstalledSchema(const std::string& root) {
   TInstalledSchema installed;
-  TInstalledFiles files = FindInstalledFiles(root);
-  installed.registrations = LoadRegistrations(files, root);
-  installed.schema = LoadClasses(files, root);
+  const TSchemaCachePlace place = ChooseSchemaCache(root);
+  TMofOutlines outlines(place);
+  TInstalledFiles files = FindInstalledFiles(root, outlines);
+  installed.registrations = LoadRegistrations(files, root, outlines);
+  outlines.Store();
+  Log(outlines.GetNotes());
+  installed.schema = LoadClasses(files, root, place);
   installed.problems = files.problems;
   return installed;
 }

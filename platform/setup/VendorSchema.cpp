@@ -2,12 +2,13 @@
 #include "platform/setup/VendorSchema.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <set>
 #include <system_error>
+#include <utility>
 
-#include "platform/contract/TCIMInstanceData.h"
-#include "platform/contract/TQELException.h"
+#include "platform/schema/TFolderNames.h"
 #include "platform/schema/TMofSource.h"
 
 namespace NZEPQEL20::setup {
@@ -15,26 +16,36 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\f' || c == '\r';
-}
-
-/// Moves `at` behind blanks and `word`; false when another word stands there.
-bool Skip(const std::string& text, std::size_t& at, const std::string& word) {
-  while (at < text.size() && IsBlank(text[at])) ++at;
-  if (!IsSameName(text.substr(at, word.size()), word)) return false;
-  at += word.size();
-  return true;
-}
-
-/// The path behind "#pragma include" at `at`; empty when something else stands there.
-std::string GetIncluded(const std::string& text, std::size_t at) {
-  for (const char* word : {"#", "pragma", "include", "(", "\""}) {
-    if (!Skip(text, at, word)) return {};
+/// Where the includes of `file` lead.
+std::vector<std::string> FindTargets(const std::string& file, TMofOutlines& outlines,
+                                     TFolderNames& names) {
+  std::vector<std::string> found;
+  const TMofOutline* const outline = outlines.Find(file);
+  // Loading it says why it cannot be read.
+  if (outline == nullptr) return found;
+  for (const std::string& path : outline->includes) {
+    found.push_back(ResolveMofPath(path, file, names));
   }
-  const std::size_t end = text.find_first_of("\"\n", at);
-  return end == std::string::npos ? std::string() : text.substr(at, end - at);
+  return found;
 }
+
+/// Tells files from each other by what they are on disk, without following every path.
+class TFileSet {
+ public:
+  void Add(const std::string& file) {
+    TFileStamp stamp;
+    int error = 0;
+    if (stamp.Read(file, error)) m_files.emplace(stamp.device, stamp.inode);
+  }
+  bool Has(const std::string& file) const {
+    TFileStamp stamp;
+    int error = 0;
+    return stamp.Read(file, error) && m_files.count({stamp.device, stamp.inode}) > 0;
+  }
+
+ private:
+  std::set<std::pair<std::uint64_t, std::uint64_t>> m_files;
+};
 
 }  // namespace
 
@@ -45,30 +56,22 @@ std::string MakeCanonical(const std::string& file) {
 }
 
 std::vector<std::string> FindIncludes(const std::string& file) {
-  std::vector<std::string> found;
-  try {
-    const std::string text = TMofSource::ReadFile(file).text;
-    for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1) {
-      const std::string path = GetIncluded(text, at);
-      if (!path.empty()) found.push_back(ResolveMofPath(path, file));
-      if (text.find('\n', at) == std::string::npos) break;
-    }
-  } catch (const TQELException&) {
-    // Loading it says why.
-    found.clear();
-  }
-  return found;
+  TMofOutlines outlines;
+  TFolderNames names;
+  return FindTargets(file, outlines, names);
 }
 
 std::vector<std::string> FindAllIncludes(const std::vector<std::string>& files) {
   std::vector<std::string> found;
   std::vector<std::string> open = files;
   std::set<std::string> seen;
+  TMofOutlines outlines;
+  TFolderNames names;
   while (!open.empty()) {
     const std::string file = open.back();
     open.pop_back();
     if (!seen.insert(MakeCanonical(file)).second) continue;
-    for (const std::string& other : FindIncludes(file)) {
+    for (const std::string& other : FindTargets(file, outlines, names)) {
       std::error_code error;
       if (!fs::exists(other, error)) continue;
       found.push_back(fs::path(other).lexically_normal().string());
@@ -79,15 +82,21 @@ std::vector<std::string> FindAllIncludes(const std::vector<std::string>& files) 
 }
 
 std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files) {
+  TMofOutlines outlines;
+  return OrderByIncludes(files, outlines);
+}
+
+std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files,
+                                         TMofOutlines& outlines) {
   if (files.size() < 2) return files;
-  std::set<std::string> included;
+  TFolderNames names;
+  TFileSet included;
   for (const std::string& file : files) {
-    for (const std::string& other : FindIncludes(file)) included.insert(MakeCanonical(other));
+    for (const std::string& other : FindTargets(file, outlines, names)) included.Add(other);
   }
   std::vector<std::string> ordered = files;
-  std::stable_partition(ordered.begin(), ordered.end(), [&](const std::string& file) {
-    return included.count(MakeCanonical(file)) == 0;
-  });
+  std::stable_partition(ordered.begin(), ordered.end(),
+                        [&](const std::string& file) { return !included.Has(file); });
   return ordered;
 }
 

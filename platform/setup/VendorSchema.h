@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/schema/TMofOutlines.h"
+
 namespace NZEPQEL20::setup {
 
 /// The path of `file` with every link followed; `file` itself when it leads nowhere.
@@ -12,6 +14,8 @@ std::string MakeCanonical(const std::string& file);
 /// `files` in the order in which they are to be read: those that another one includes behind those
 /// that nobody includes, so that an include finds its file unread. Otherwise the order stays.
 std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files);
+std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files,
+                                         TMofOutlines& outlines);
 
 /// The files that the MOF file includes by its own words, where they lead from there; what cannot
 /// be read includes nothing.

@@ -3,15 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "platform/schema/TClassRepository.h"
+#include "tests/support/TTemporaryFolder.h"
 
 /// What the tests of the MOF reader share.
 namespace schematest {
@@ -51,32 +50,6 @@ inline const TCIMValue* FindValue(const std::vector<TCIMQualifier>& qualifiers,
   return nullptr;
 }
 
-/// A folder of its own, gone with the object.
-class TFolder {
- public:
-  TFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "schemaXXXXXX").string();
-    m_path = mkdtemp(name.data());
-  }
-  TFolder(const TFolder&) = delete;
-  TFolder& operator=(const TFolder&) = delete;
-  ~TFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-  }
-
-  /// Writes a file below the folder and answers with its path.
-  std::string Write(const std::string& name, const std::string& content) const {
-    const std::filesystem::path path = std::filesystem::path(m_path) / name;
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << content;
-    return path.string();
-  }
-
-  const std::string& GetPath() const { return m_path; }
-
- private:
-  std::string m_path;
-};
+using TFolder = TTemporaryFolder;
 
 }  // namespace schematest

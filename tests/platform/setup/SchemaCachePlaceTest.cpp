@@ -125,6 +125,43 @@ TEST(SchemaCacheUseTest, TheSecondStartOfARootUsesTheCacheBelowIt) {
   EXPECT_EQ(OpenProviders(root.GetPath(), "root/x").classes->GetCount(), count + 1);
 }
 
+// The time of the last change of the file that the outlines of vendors' MOF are in.
+std::filesystem::file_time_type GetStoringTime(const TTemporaryFolder& root) {
+  return std::filesystem::last_write_time(root.GetPath() + "/cache/outlines-" +
+                                          ChooseSchemaCache(root.GetPath()).fileName);
+}
+
+TEST(SchemaCacheUseTest, AVendorsSchemaIsNotReadAgainAndItsChangesAreNoticed) {
+  TEnvironment environment;
+  environment.Set("DIAGSRUNNER_SCHEMA_CACHE", nullptr);
+  const TTemporaryFolder root;
+  root.Write("schema/base.mof", "class A_Base { [Key] string InstanceID; };");
+  // Files that have been there for long.
+  std::filesystem::create_directories(root.GetPath("providers/acme"));
+  for (const auto& entry : std::filesystem::directory_iterator(DIAGSRUNNER_SCHEMA_DIR)) {
+    for (int i = 0; i < 9; ++i) {
+      const std::string name = std::to_string(i) + entry.path().filename().string();
+      std::filesystem::create_symlink(entry.path(), root.GetPath("providers/acme/" + name));
+    }
+  }
+  const std::size_t count = OpenProviders(root.GetPath(), "root/x").classes->GetCount();
+  const auto stored = GetStoringTime(root);
+  EXPECT_EQ(OpenProviders(root.GetPath(), "root/x").classes->GetCount(), count);
+  EXPECT_EQ(GetStoringTime(root), stored);
+  std::filesystem::remove(root.GetPath("providers/acme/0cim_jobs.mof"));
+  root.Write("providers/acme/0cim_jobs.mof",
+             "instance of PG_ProviderModule { Name = \"M\"; InterfaceType = \"CMPI\"; "
+             "Location = \"acme\"; };\n"
+             "instance of PG_Provider { ProviderModuleName = \"M\"; Name = \"P\"; };\n"
+             "instance of PG_ProviderCapabilities { ProviderModuleName = \"M\"; ProviderName = "
+             "\"P\"; CapabilityID = \"1\"; ClassName = \"A_Base\"; Namespaces = {\"root/y\"}; "
+             "ProviderType = {2}; };\n");
+  const TProviderSetup changed = OpenProviders(root.GetPath(), "root/x");
+  EXPECT_THAT(changed.operations->GetNamespaces(), ::testing::ElementsAre("root/x", "root/y"));
+  root.Write("providers/acme/0cim_jobs.mof", "class A_More { };");
+  EXPECT_EQ(OpenProviders(root.GetPath(), "root/x").classes->GetCount(), count + 1);
+}
+
 TEST(SchemaCacheUseTest, NothingIsWrittenWhenItIsOff) {
   TEnvironment environment;
   environment.Set("DIAGSRUNNER_SCHEMA_CACHE", "off");
