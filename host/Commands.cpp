@@ -49,6 +49,7 @@ class TCommand {
   TTestReport RunOne(const std::vector<TTest>& tests, const TRunReport& run);
   void RunAll(const std::vector<TTest>& tests, IReport& report, TRunReport& run);
   EExitStatus InspectAsJson();
+  bool CanEnumerate();
 
   const TOptions& m_options;
   IDiagnostics& m_diagnostics;
@@ -101,8 +102,8 @@ EExitStatus TCommand::List() {
   MakeReport(m_around.out)->ShowList(list);
   m_around.out.flush();
   if (!m_options.isJson) ShowUnoffered(list.unoffered);
-  return m_around.CheckOutput(list.tests.empty() ? EExitStatus::kNotFinished
-                                                 : EExitStatus::kAllPassed);
+  return m_around.CheckListing(list.tests.empty() ? EExitStatus::kNotFinished
+                                                  : EExitStatus::kAllPassed);
 }
 
 double TCommand::GetSecondsSince(std::chrono::steady_clock::time_point start) const {
@@ -219,13 +220,28 @@ EExitStatus TCommand::InspectAsJson() {
   if (instances) inspected.instances = std::move(*instances);
   ShowProblems(inspected.problems);
   TJsonReport(m_around.out, m_server).ShowInstances(inspected);
-  return m_around.CheckOutput(inspected.isKnown ? EExitStatus::kAllPassed
-                                                : EExitStatus::kNotFinished);
+  return m_around.CheckListing(inspected.isKnown ? EExitStatus::kAllPassed
+                                                 : EExitStatus::kNotFinished);
+}
+
+// Whether any provider of the class answers; where all have failed, there is nothing to show.
+bool TCommand::CanEnumerate() {
+  try {
+    return m_diagnostics.GetInstances(m_options.className).has_value();
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
 EExitStatus TCommand::Inspect() {
   if (m_options.isJson) return InspectAsJson();
+  const std::size_t before = m_diagnostics.GetProblems().size();
+  m_diagnostics.TakeServerFailure();
   std::string text = m_diagnostics.Inspect(m_options.className);
+  // The text tells of failures as of anything else.
+  const bool isTroubled =
+      m_diagnostics.GetProblems().size() > before || !m_diagnostics.TakeServerFailure().empty();
+  const bool isAnswered = !isTroubled || CanEnumerate();
   std::vector<std::string> shown;
   ShowProblems(shown);
   const std::string end = kClassNotFound;
@@ -236,7 +252,8 @@ EExitStatus TCommand::Inspect() {
     Complain(m_options.className + ": no such class" + m_place);
   }
   m_around.out << SafeText(text, ELines::kKeep);
-  return m_around.CheckOutput(isUnknown ? EExitStatus::kNotFinished : EExitStatus::kAllPassed);
+  const bool isWhole = !isUnknown && isAnswered;
+  return m_around.CheckListing(isWhole ? EExitStatus::kAllPassed : EExitStatus::kNotFinished);
 }
 
 }  // namespace

@@ -161,7 +161,8 @@ EExitStatus RunOnPlatform(const TOptions& options, TCredentials credentials,
                                    &std::chrono::steady_clock::now,
                                    [&watch] {
                                      if (watch) watch->BeginTests();
-                                   }};
+                                   },
+                                   &IsReaderGone};
   return RunCommand(options, diagnostics, surroundings);
 }
 
@@ -173,7 +174,9 @@ EExitStatus RunOnProviders(const TOptions& options) {
                                    [] { return false; },
                                    &IsOutputGood,
                                    &std::chrono::system_clock::now,
-                                   &std::chrono::steady_clock::now};
+                                   &std::chrono::steady_clock::now,
+                                   [] {},
+                                   &IsReaderGone};
   return RunProviderCommand(options, providers, surroundings);
 }
 
@@ -193,7 +196,8 @@ EExitStatus RunArguments(const std::vector<std::string>& arguments) {
   TCommandLine commandLine;
   const std::optional<TOptions> options = commandLine.Parse(arguments, std::cout, std::cerr);
   if (!options) {
-    return IsOutputGood() ? commandLine.GetStatus() : EExitStatus::kNotFinished;
+    const bool isShown = IsOutputGood() || IsReaderGone();
+    return isShown ? commandLine.GetStatus() : EExitStatus::kNotFinished;
   }
   if (options->server) CheckServerFiles(*options->server);
   TCredentials credentials = GetCredentials(*options, std::move(environment));

@@ -139,7 +139,7 @@ EExitStatus TProviderCommand::ShowAll(const std::string& command,
     if (!m_isJson) show(m_around.out, provider);
   }
   if (m_isJson) WriteProvidersDocument(m_around.out, command, status, providers);
-  return m_around.CheckOutput(status);
+  return m_around.CheckListing(status);
 }
 
 EExitStatus TProviderCommand::List() {

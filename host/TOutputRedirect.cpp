@@ -2,6 +2,7 @@
 #include "host/TOutputRedirect.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -64,6 +65,11 @@ bool IsOutputGood() {
   FlushAll();
   // A line-buffered stream keeps a failure to itself that happened when it passed a line on.
   return std::cout.good() && std::ferror(stdout) == 0;
+}
+
+bool IsReaderGone() {
+  pollfd output = {GetOutputDescriptor(), 0, 0};
+  return ::poll(&output, 1, 0) > 0 && (output.revents & POLLERR) != 0;
 }
 
 int GetOutputDescriptor() {

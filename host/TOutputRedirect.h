@@ -29,6 +29,9 @@ class TOutputRedirect {
 /// Whether everything that was written to standard output so far arrived.
 bool IsOutputGood();
 
+/// Whether standard output is a pipe or socket that nobody reads any more.
+bool IsReaderGone();
+
 /// Where standard output goes, also while a TOutputRedirect lives.
 int GetOutputDescriptor();
 

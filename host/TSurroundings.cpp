@@ -18,4 +18,9 @@ EExitStatus TSurroundings::CheckOutput(EExitStatus status) const {
   return EExitStatus::kNotFinished;
 }
 
+EExitStatus TSurroundings::CheckListing(EExitStatus status) const {
+  out.flush();
+  return isReaderGone() ? status : CheckOutput(status);
+}
+
 }  // namespace host

@@ -38,7 +38,8 @@ class CommandsTest : public ::testing::Test {
         [this] { return m_out.good(); },
         [] { return std::chrono::system_clock::from_time_t(0); },
         [this] { return std::chrono::steady_clock::time_point(m_time += m_step); },
-        [this] { m_runsBeforeBegin.push_back(m_fake.runs.size()); }};
+        [this] { m_runsBeforeBegin.push_back(m_fake.runs.size()); },
+        [this] { return m_isReaderGone; }};
     return static_cast<int>(RunCommand(m_options, m_fake, surroundings));
   }
 
@@ -52,6 +53,7 @@ class CommandsTest : public ::testing::Test {
   std::ostringstream m_out;
   std::ostringstream m_err;
   bool m_isInterrupted = false;
+  bool m_isReaderGone = false;
   std::vector<std::size_t> m_runsBeforeBegin;  // Tests that had run at each "tests begin".
   std::chrono::milliseconds m_step{250};
   std::chrono::milliseconds m_time{0};
@@ -247,6 +249,55 @@ TEST_F(CommandsTest, InspectNamesAnUnknownClassAndKeepsWhatWasSaidBefore) {
   EXPECT_EQ(Do(), 2);
   EXPECT_EQ(m_out.str(), "a provider failed\n");
   EXPECT_EQ(m_err.str(), "diagsrun: B: no such class\n");
+}
+
+TEST_F(CommandsTest, InspectOfAClassWhoseProvidersHaveAllFailedIsAnError) {
+  m_options.command = ECommand::kInspect;
+  m_options.className = "A";
+  m_fake.texts["A"] = "a provider failed\n";
+  m_fake.duringInspect = [this] { m_fake.problems = {"a provider failed"}; };
+  m_fake.instancesFailure = "a provider failed";
+  EXPECT_EQ(Do(), 2);
+  EXPECT_EQ(m_out.str(), "a provider failed\n");
+  EXPECT_EQ(m_err.str(), "diagsrun: a provider failed\n");
+}
+
+TEST_F(CommandsTest, InspectThatLostAServersAnswerIsAnError) {
+  m_options.command = ECommand::kInspect;
+  m_options.className = "A";
+  m_fake.texts["A"] = "the server is gone\n";
+  m_fake.duringInspect = [this] { m_fake.serverFailure = "gone"; };
+  m_fake.instancesFailure = "gone";
+  EXPECT_EQ(Do(), 2);
+}
+
+TEST_F(CommandsTest, InspectOfAClassThatOneProviderStillAnswersForIsNone) {
+  m_options.command = ECommand::kInspect;
+  m_options.className = "A";
+  m_fake.texts["A"] = "A.K=\"1\"\n";
+  m_fake.instances["A"] = {};
+  m_fake.duringInspect = [this] { m_fake.problems = {"a provider failed"}; };
+  EXPECT_EQ(Do(), 0);
+  // What is wrong from before has nothing to do with the class.
+  m_fake.duringInspect = [] {};
+  m_fake.instancesFailure = "must not be asked";
+  EXPECT_EQ(Do(), 0);
+}
+
+TEST_F(CommandsTest, AReaderThatHasGoneEndsAListingQuietly) {
+  m_isReaderGone = true;
+  m_out.setstate(std::ios::badbit);
+  m_options.className = "A";
+  m_fake.texts["A"] = "A.K=\"1\"\n";
+  m_fake.instances["A"] = {};
+  for (const bool isJson : {false, true}) {
+    m_options.isJson = isJson;
+    for (const ECommand command : {ECommand::kList, ECommand::kInspect}) {
+      m_options.command = command;
+      EXPECT_EQ(Do(), 0);
+    }
+  }
+  EXPECT_EQ(m_err.str(), "");
 }
 
 // The same commands, with the tests behind a CIM server.

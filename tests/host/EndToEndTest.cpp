@@ -115,12 +115,18 @@ TEST_F(EndToEndTest, ProgressNeverGetsIntoADocumentOnATerminal) {
   EXPECT_EQ(finished.err, "");
 }
 
-TEST_F(EndToEndTest, ANonReadingCallerIsAnErrorNotADeath) {
-  for (const char* command : {"list", "--help"}) {
-    TProgram program = MakeCommand({command});
+TEST_F(EndToEndTest, AListingWhoseReaderHasGoneEndsQuietly) {
+  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+           {"list"}, {"list", "--json"}, {"--help"}, {"inspect", "CIM_Processor"}}) {
+    TProgram program = MakeCommand(arguments);
     program.isOutputClosed = true;
-    EXPECT_EQ(RunToEnd(program).status, 2) << command;
+    const TFinished finished = RunToEnd(program);
+    EXPECT_EQ(finished.status, 0) << arguments[0];
+    EXPECT_THAT(finished.err, Not(HasSubstr("standard output"))) << arguments[0];
   }
+}
+
+TEST_F(EndToEndTest, ARunWhoseReaderHasGoneIsAnErrorNotADeath) {
   TProgram program = MakeCommand({"run", GetId(), GetId()});
   program.isOutputClosed = true;
   const TFinished finished = RunToEnd(program);

@@ -52,7 +52,9 @@ class ProviderCommandsTest : public ::testing::Test {
                                      [] { return false; },
                                      [this] { return m_isOutputGood; },
                                      &std::chrono::system_clock::now,
-                                     &std::chrono::steady_clock::now};
+                                     &std::chrono::steady_clock::now,
+                                     [] {},
+                                     [this] { return m_isReaderGone; }};
     return static_cast<int>(RunProviderCommand(m_options, m_store, surroundings));
   }
   int List() { return Do(EProviderAction::kList); }
@@ -85,6 +87,7 @@ class ProviderCommandsTest : public ::testing::Test {
   std::ostringstream m_out;
   std::ostringstream m_err;
   bool m_isOutputGood = true;
+  bool m_isReaderGone = false;
 };
 
 TEST_F(ProviderCommandsTest, ListShowsWhatEachFolderRegistersAndHowItIs) {
@@ -337,6 +340,18 @@ TEST_F(ProviderCommandsTest, AnOutputThatCannotBeWrittenIsAnError) {
   OfferAcme();
   m_arguments.isReplacing = true;
   EXPECT_EQ(Add(), 2);
+}
+
+TEST_F(ProviderCommandsTest, AReaderThatHasGoneChangesNoVerdict) {
+  m_store.installed = {MakePackage("acme")};
+  m_isOutputGood = false;
+  m_isReaderGone = true;
+  EXPECT_EQ(List(), 0);
+  EXPECT_EQ(Check(), 0);
+  EXPECT_EQ(m_err.str(), "");
+  m_store.findings["acme"] = {{false, "R1", "t", "r"}};
+  EXPECT_EQ(Check(), 2);
+  EXPECT_EQ(m_err.str(), "");
 }
 
 class ProviderDocumentsTest : public ProviderCommandsTest {

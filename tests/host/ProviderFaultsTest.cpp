@@ -221,6 +221,23 @@ TEST_F(ProviderFaultsTest, AMissingLibraryIsToldByTheLineThatNamesIt) {
                              "registration; see rule R13\nbad: 1 error\n");
 }
 
+TEST_F(ProviderFaultsTest, InspectOfAClassThatOnlyAFailingProviderServesIsAnError) {
+  InstallAcme();
+  ASSERT_EQ(Do({"provider", "add", MakeBad("code"), "--force"}).status, 0);
+  for (const std::vector<std::string>& format :
+       std::vector<std::vector<std::string>>{{}, {"--json"}}) {
+    std::vector<std::string> arguments = {"inspect", "BAD_AvailableDiagnosticService"};
+    arguments.insert(arguments.end(), format.begin(), format.end());
+    const TFinished finished = Do(arguments);
+    EXPECT_EQ(finished.status, 2) << finished.out;
+    EXPECT_THAT(finished.err, HasSubstr("not for you"));
+  }
+  // Of those that serve the superclass one answers.
+  const TFinished finished = Do({"inspect", "CIM_AvailableDiagnosticService"});
+  EXPECT_EQ(finished.status, 0);
+  EXPECT_THAT(finished.err, HasSubstr("not for you"));
+}
+
 TEST_F(ProviderFaultsTest, WordsOfALibraryNeverGetIntoADocument) {
   InstallAcme();
   const std::string vendor = MakeBad("stdout");

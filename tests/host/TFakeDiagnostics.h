@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,7 +21,9 @@ class TFakeDiagnostics : public IDiagnostics {
   std::map<std::string, TRunResult> results;  ///< By test id; others answer "No Results.\n".
   std::map<std::string, std::string> texts;   ///< What Inspect() answers, by class.
   std::map<std::string, std::vector<TInstanceText>> instances;
+  std::string instancesFailure;  ///< What GetInstances() throws; empty for nothing.
   std::function<void()> duringRun = [] {};
+  std::function<void()> duringInspect = [] {};
   std::string serverFailure;      ///< What TakeServerFailure() answers next.
   std::vector<std::string> runs;  ///< "id|label" of each test that was run.
 
@@ -35,10 +38,12 @@ class TFakeDiagnostics : public IDiagnostics {
     return found == results.end() ? TRunResult{"No Results.\n", std::nullopt} : found->second;
   }
   std::string Inspect(const std::string& className) override {
+    duringInspect();
     const auto found = texts.find(className);
     return found == texts.end() ? "Class Not Found\n" : found->second;
   }
   std::optional<std::vector<TInstanceText>> GetInstances(const std::string& className) override {
+    if (!instancesFailure.empty()) throw std::runtime_error(instancesFailure);
     const auto found = instances.find(className);
     if (found == instances.end()) return std::nullopt;
     return found->second;
