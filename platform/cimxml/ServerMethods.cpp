@@ -5,8 +5,7 @@
 
 #include "platform/cimxml/TReplyReader.h"
 #include "platform/cimxml/TServerParts.h"
-#include "platform/contract/ILogger.h"
-#include "platform/contract/TRootObject.h"
+#include "platform/model/CoreLog.h"
 #include "platform/model/Typing.h"
 
 namespace NZEPQEL20 {
@@ -41,8 +40,7 @@ void AddArguments(TRequestText& request, const TKeyMap& arguments,
 }
 
 void Warn(const std::string& text) {
-  ILogger* const logger = TRootObject::GetCoreLogger();
-  if (logger != nullptr) logger->Log(ILogger::kWarning, text);
+  LogToCore(ILogger::kWarning, text);
 }
 
 TCIMValue ReadEmbedded(const TCIMValue& text, const std::string& nameSpace) {

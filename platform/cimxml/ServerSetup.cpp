@@ -14,8 +14,7 @@
 
 #include "platform/cimxml/HttpText.h"
 #include "platform/cimxml/TExchange.h"
-#include "platform/contract/ILogger.h"
-#include "platform/contract/TRootObject.h"
+#include "platform/model/CoreLog.h"
 
 namespace NZEPQEL20::cimxml {
 namespace {
@@ -56,8 +55,7 @@ bool IsOpenToOthers(const std::string& file) {
 }
 
 void Warn(const TServerUrl& url, const std::string& text) {
-  ILogger* const logger = TRootObject::GetCoreLogger();
-  if (logger != nullptr) logger->Log(ILogger::kWarning, url.GetText() + ": " + text);
+  LogToCore(ILogger::kWarning, url.GetText() + ": " + text);
 }
 
 // Reading a byte is the only way to know: a folder can be opened, too.

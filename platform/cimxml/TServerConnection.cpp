@@ -7,9 +7,8 @@
 #include "platform/cimxml/HttpText.h"
 #include "platform/cimxml/Secrets.h"
 #include "platform/cimxml/TReplyReader.h"
-#include "platform/contract/ILogger.h"
-#include "platform/contract/TRootObject.h"
 #include "platform/model/CIMStatus.h"
+#include "platform/model/CoreLog.h"
 
 namespace NZEPQEL20::cimxml {
 namespace {
@@ -24,11 +23,6 @@ constexpr std::size_t kMaxProblems = 20;
 
 // Bytes of a server's description in a message.
 constexpr std::size_t kShownReason = 2000;
-
-void Log(ILogger::EQELLogSeverity severity, const std::string& text) {
-  ILogger* const logger = TRootObject::GetCoreLogger();
-  if (logger != nullptr) logger->Log(severity, text);
-}
 
 TServerOptions WithoutSecrets(TServerOptions options) {
   options.user.clear();
@@ -124,9 +118,10 @@ void TServerConnection::Check(const TQuestion& question, const TReply& reply) co
 
 void TServerConnection::ReportOddities(const TQuestion& question, const TReply& reply) const {
   if (reply.oddities == 0) return;
-  Log(ILogger::kWarning, question.what + ": " + GetName() + ": " + std::to_string(reply.oddities) +
-                             " places of the reply could not be used as they are, the first: " +
-                             MakeSafe(reply.firstOddity));
+  LogToCore(ILogger::kWarning,
+            question.what + ": " + GetName() + ": " + std::to_string(reply.oddities) +
+                " places of the reply could not be used as they are, the first: " +
+                MakeSafe(reply.firstOddity));
 }
 
 TReply TServerConnection::AskOnce(const TQuestion& question, TBudget& budget, bool isSecond) {
@@ -189,7 +184,7 @@ TReply TServerConnection::Ask(const TQuestion& question, TBudget& budget) {
     try {
       return AskOnce(question, budget, false);
     } catch (const TConnectionLost& e) {
-      Log(ILogger::kWarning, what + ": " + e.what() + "; asking once more");
+      LogToCore(ILogger::kWarning, what + ": " + e.what() + "; asking once more");
     }
     return AskOnce(question, budget, true);
   } catch (const THttpError& e) {

@@ -18,7 +18,7 @@
 #include "platform/cmpi/TBrokerString.h"
 #include "platform/cmpi/THostLease.h"
 #include "platform/cmpi/Values.h"
-#include "platform/contract/TRootObject.h"
+#include "platform/model/CoreLog.h"
 #include "platform/model/DateTimeText.h"
 
 namespace NZEPQEL20::cmpi {
@@ -241,8 +241,7 @@ CMPIStatus LogMessage(const CMPIBroker*, CMPISeverity severity, const char* id, 
                       const CMPIString* alternative) noexcept {
   return AnswerStatus([&] {
     const std::string line = LogLine(id, text, alternative);
-    ILogger* logger = TRootObject::GetCoreLogger();
-    if (logger != nullptr) logger->Log(SeverityOf(severity), line);
+    LogToCore(SeverityOf(severity), line);
   });
 }
 
@@ -250,8 +249,7 @@ CMPIStatus Trace(const CMPIBroker*, CMPILevel, const char* component, const char
                  const CMPIString* alternative) noexcept {
   return AnswerStatus([&] {
     const std::string line = LogLine(component, text, alternative);
-    ILogger* logger = TRootObject::GetCoreLogger();
-    if (logger != nullptr) logger->Log(ILogger::kTrace, line);
+    LogToCore(ILogger::kTrace, line);
   });
 }
 

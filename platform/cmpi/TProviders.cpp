@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "platform/cmpi/OneLine.h"
-#include "platform/contract/TRootObject.h"
+#include "platform/model/CoreLog.h"
 
 namespace NZEPQEL20::cmpi {
 
@@ -33,8 +33,7 @@ bool IsAmong(const TProviders::TServices& found, const TProviders::TService& ser
 }
 
 void Log(const std::string& text) {
-  ILogger* logger = TRootObject::GetCoreLogger();
-  if (logger != nullptr) logger->Log(ILogger::kWarning, text);
+  LogToCore(ILogger::kWarning, text);
 }
 
 /// Undeclared classes of one registration file that are told one by one.

@@ -3,8 +3,7 @@
 
 #include <algorithm>
 
-#include "platform/contract/ILogger.h"
-#include "platform/contract/TRootObject.h"
+#include "platform/model/CoreLog.h"
 #include "platform/setup/InstalledFiles.h"
 #include "platform/setup/SchemaCachePlace.h"
 
@@ -12,10 +11,7 @@ namespace NZEPQEL20::setup {
 namespace {
 
 void Log(const std::vector<std::string>& notes) {
-  ILogger* logger = TRootObject::GetCoreLogger();
-  for (const std::string& note : notes) {
-    if (logger != nullptr) logger->Log(ILogger::kTrace, note);
-  }
+  for (const std::string& note : notes) LogToCore(ILogger::kTrace, note);
 }
 
 TLoadedSchema LoadClasses(const TInstalledFiles& files, const std::string& root,

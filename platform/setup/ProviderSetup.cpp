@@ -3,19 +3,13 @@
 
 #include <utility>
 
-#include "platform/contract/ILogger.h"
-#include "platform/contract/TRootObject.h"
+#include "platform/model/CoreLog.h"
 #include "platform/setup/ClassCheck.h"
 #include "platform/setup/FolderInstall.h"
 #include "platform/setup/InstalledSchema.h"
 
 namespace NZEPQEL20::setup {
 namespace {
-
-void Log(ILogger::EQELLogSeverity severity, const std::string& text) {
-  ILogger* logger = TRootObject::GetCoreLogger();
-  if (logger != nullptr) logger->Log(severity, text);
-}
 
 // A warning names nothing that is missing, so only the log has it. An error in a vendor's file says
 // which rule for vendors it is about.
@@ -24,12 +18,12 @@ void TakeErrors(const std::vector<TMofError>& errors, const std::string& root,
   for (const TMofError& error : errors) {
     const std::string text = error.ToString();
     if (error.isWarning) {
-      Log(ILogger::kWarning, text);
+      LogToCore(ILogger::kWarning, text);
       continue;
     }
     const bool isVendors = IsBelow(error.file, root + "/providers");
     problems.push_back(text + (isVendors ? std::string("; see rule ") + kMofRule : ""));
-    Log(ILogger::kError, problems.back());
+    LogToCore(ILogger::kError, problems.back());
   }
 }
 
@@ -38,7 +32,7 @@ void TakeErrors(const std::vector<TMofError>& errors, const std::string& root,
 TProviderSetup OpenProviders(const std::string& root, const std::string& nameSpace) {
   TProviderSetup setup;
   TInstalledSchema installed = LoadInstalledSchema(root);
-  for (const std::string& problem : installed.problems) Log(ILogger::kError, problem);
+  for (const std::string& problem : installed.problems) LogToCore(ILogger::kError, problem);
   setup.problems = std::move(installed.problems);
   TakeErrors(installed.schema.problems, root, setup.problems);
   setup.classes = std::move(installed.schema.classes);

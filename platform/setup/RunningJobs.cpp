@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/contract/ILogger.h"
-#include "platform/contract/TRootObject.h"
+#include "platform/model/CoreLog.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -17,8 +16,7 @@ constexpr char kJobClass[] = "CIM_ConcreteJob";
 constexpr std::uint16_t kKill = 5;
 
 void Note(const std::string& text) {
-  ILogger* logger = TRootObject::GetCoreLogger();
-  if (logger != nullptr) logger->Log(ILogger::kWarning, text);
+  LogToCore(ILogger::kWarning, text);
 }
 
 // Completed, terminated, killed and exception are final. What cannot be read may be running.
