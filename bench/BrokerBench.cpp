@@ -26,6 +26,7 @@ std::shared_ptr<TClassRepository> MakeClasses() {
       "class Stock_100 : Stock_Article { };\n"
       "class Stock_1000 : Stock_Article { };\n"
       "class Stock_10000 : Stock_Article { };\n"
+      "class Stock_1000000 : Stock_Article { };\n"
       "class Stock_Shelf { [Key] string Id; };\n"
       "[Association] class Stock_Holds { [Key] Stock_Shelf REF Shelf;\n"
       "  [Key] Stock_Article REF Article; };\n",
@@ -206,6 +207,29 @@ void BM_DerivedAssociatorNamesAgainstReferenceNames(benchmark::State& state) {
       state, [&] { return stock.operations.AssociatorNames(shelf, {}).size(); },
       [&] { return stock.bare.Refer(shelf); });
 }
+
+// Were there anything that grows with their number for each of them, it would take far longer than
+// a hundred times ten thousand of them.
+void BM_AMillionInstancesAgainstAHundredTimesTenThousand(benchmark::State& state) {
+  TStock stock;
+  const auto enumerate = [&stock](const char* className) {
+    TCounter counter;
+    stock.operations.EnumerateInstances(kNamespace, className, counter.Sink());
+    return counter.GetCount();
+  };
+  std::size_t count = 0;
+  bench::MeasureRatio(
+      state, [&] { count = enumerate("Stock_1000000"); },
+      [&] {
+        for (int i = 0; i < 100; ++i) enumerate("Stock_10000");
+      });
+  if (count != 1'000'000) state.SkipWithError("not every instance came");
+  state.counters["each_us"] = state.counters["seconds"];
+}
+BENCHMARK(BM_AMillionInstancesAgainstAHundredTimesTenThousand)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 void SetArguments(benchmark::internal::Benchmark* benchmark) {
   benchmark->Arg(100)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
