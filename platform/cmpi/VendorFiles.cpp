@@ -42,10 +42,11 @@ class TVisit {
       return;
     }
     std::vector<fs::path> below;
-    for (const fs::path& entry : Read(folder)) {
-      if (fs::is_directory(entry, error)) {
-        below.push_back(entry);
-      } else if (!Take(entry)) {
+    for (const fs::directory_entry& entry : Read(folder)) {
+      // Known from the folder, unless it is a link.
+      if (entry.is_directory(error)) {
+        below.push_back(entry.path());
+      } else if (!Take(entry.path())) {
         return;
       }
     }
@@ -54,12 +55,12 @@ class TVisit {
   }
 
  private:
-  std::vector<fs::path> Read(const fs::path& folder) {
-    std::vector<fs::path> entries;
+  std::vector<fs::directory_entry> Read(const fs::path& folder) {
+    std::vector<fs::directory_entry> entries;
     std::error_code error;
     fs::directory_iterator next(folder, error);
     while (!error && next != fs::directory_iterator() && entries.size() <= kMaxFiles) {
-      if (next->path().filename().string().front() != '.') entries.push_back(next->path());
+      if (next->path().filename().string().front() != '.') entries.push_back(*next);
       next.increment(error);
     }
     if (!error && next != fs::directory_iterator()) {
@@ -67,7 +68,9 @@ class TVisit {
                                  std::to_string(kMaxFiles) + " names; the others are left out");
     }
     if (error) m_found.problems.push_back(folder.string() + ": cannot be read: " + error.message());
-    std::sort(entries.begin(), entries.end());
+    std::sort(entries.begin(), entries.end(), [](const auto& left, const auto& right) {
+      return left.path().native() < right.path().native();
+    });
     return entries;
   }
 
@@ -91,9 +94,9 @@ class TVisit {
 };
 
 bool HasEnding(const std::string& file, const std::string& ending) {
-  const std::string name = fs::path(file).filename().string();
-  return name.size() > ending.size() &&
-         IsSameName(name.substr(name.size() - ending.size()), ending);
+  const std::size_t start = file.rfind('/') + 1;
+  return file.size() - start > ending.size() &&
+         IsSameName(file.substr(file.size() - ending.size()), ending);
 }
 
 /// Fills `bytes` as far as the file goes; negative when it cannot be read.

@@ -33,6 +33,11 @@ class TMofOutlines {
   /// Null when the file cannot be read. The answer for a path stays the same.
   const TMofOutline* Find(const std::string& path);
 
+  /// The stamp of a file that Find() has found.
+  const TFileStamp& GetStamp(const std::string& path) const {
+    return m_found.at(path).source.stamp;
+  }
+
   /// Stores what Find() was asked for, when some of that had to be read and it is large enough for
   /// a cache. That it cannot be stored is no error.
   void Store();

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <set>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "platform/schema/TFolderNames.h"
@@ -29,22 +30,54 @@ std::vector<std::string> FindTargets(const std::string& file, TMofOutlines& outl
   return found;
 }
 
-/// Tells files from each other by what they are on disk, without following every path.
-class TFileSet {
+/// Some files, and which of them others include.
+class TIncluded {
  public:
-  void Add(const std::string& file) {
-    TFileStamp stamp;
-    int error = 0;
-    if (stamp.Read(file, error)) m_files.emplace(stamp.device, stamp.inode);
+  TIncluded(const std::vector<std::string>& files, TMofOutlines& outlines)
+      : m_paths(files.begin(), files.end()), m_outlines(outlines) {}
+
+  void AddIncludesOf(const std::string& file) {
+    const TMofOutline* const outline = m_outlines.Find(file);
+    // Loading it says why it cannot be read.
+    if (outline == nullptr) return;
+    for (const std::string& path : outline->includes) {
+      const std::string plain = FindPlainly(path, file);
+      m_included.insert(Identify(plain.empty() ? ResolveMofPath(path, file, m_names) : plain));
+    }
   }
+
   bool Has(const std::string& file) const {
-    TFileStamp stamp;
-    int error = 0;
-    return stamp.Read(file, error) && m_files.count({stamp.device, stamp.inode}) > 0;
+    const TIdentity identity = Identify(file);
+    return identity != TIdentity() && m_included.count(identity) > 0;
   }
 
  private:
-  std::set<std::pair<std::uint64_t, std::uint64_t>> m_files;
+  using TIdentity = std::pair<std::uint64_t, std::uint64_t>;  ///< Device and inode.
+
+  /// What a file is on disk, whatever the names that lead there; nothing for one that is not there.
+  TIdentity Identify(const std::string& file) const {
+    TFileStamp stamp;
+    int error = 0;
+    if (m_paths.count(file) > 0 && m_outlines.Find(file) != nullptr) {
+      stamp = m_outlines.GetStamp(file);
+    } else {
+      stamp.Read(file, error);
+    }
+    return {stamp.device, stamp.inode};
+  }
+
+  /// The one of the files that `path` names letter by letter; empty when it takes a look at the
+  /// disk to tell. A whole schema has a thousand includes, and nearly all of them are such.
+  std::string FindPlainly(const std::string& path, const std::string& file) const {
+    std::string plain = file.substr(0, file.rfind('/') + 1) + path;
+    std::replace(plain.begin(), plain.end(), '\\', '/');
+    return m_paths.count(plain) > 0 ? plain : std::string();
+  }
+
+  const std::unordered_set<std::string> m_paths;
+  TMofOutlines& m_outlines;
+  TFolderNames m_names;
+  std::set<TIdentity> m_included;
 };
 
 }  // namespace
@@ -89,11 +122,8 @@ std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files) 
 std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files,
                                          TMofOutlines& outlines) {
   if (files.size() < 2) return files;
-  TFolderNames names;
-  TFileSet included;
-  for (const std::string& file : files) {
-    for (const std::string& other : FindTargets(file, outlines, names)) included.Add(other);
-  }
+  TIncluded included(files, outlines);
+  for (const std::string& file : files) included.AddIncludesOf(file);
   std::vector<std::string> ordered = files;
   std::stable_partition(ordered.begin(), ordered.end(),
                         [&](const std::string& file) { return !included.Has(file); });

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -84,6 +85,20 @@ TEST_F(VendorFolderTest, AFileThatAnotherIncludesIsReadOnceAndThere) {
   const std::vector<TCIMInstanceData> instances = setup.classes->GetInstances();
   ASSERT_EQ(instances.size(), 1U);
   EXPECT_EQ(instances[0].path.GetNamespaceName(), "root/acme");
+}
+
+TEST_F(VendorFolderTest, AnotherNameOfAnIncludedFileIsReadBehindWhatIncludesIt) {
+  const std::string part = m_root.Write("m/part.mof", "class A_A { };");
+  const std::string other = m_root.GetPath("m/a_link.mof");
+  std::filesystem::create_symlink("part.mof", other);
+  for (const char* words : {"part.mof", "PART.mof", "./part.mof", "../m/part.mof", "a_link.mof"}) {
+    const std::string all =
+        m_root.Write("m/z.mof", "#pragma include (\"" + std::string(words) + "\")\n");
+    EXPECT_THAT(OrderByIncludes({other, part, all}), ElementsAre(all, other, part)) << words;
+  }
+  const std::string none = m_root.Write("m/z.mof", "#pragma include (\"gone.mof\")\n");
+  const std::string gone = m_root.GetPath("m/unread.mof");
+  EXPECT_THAT(OrderByIncludes({gone, part, none}), ElementsAre(gone, part, none));
 }
 
 TEST_F(VendorFolderTest, ALibraryThatIsNotThereIsOneProblemWithItsRule) {
