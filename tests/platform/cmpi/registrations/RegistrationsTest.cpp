@@ -46,6 +46,34 @@ TEST(RegistrationsTest, SlashesAroundANamespaceDoNotCount) {
                         "see rule R2"));
 }
 
+constexpr char kMofText[] =
+    "#pragma include (\"gone.mof\")\n"
+    "instance of PG_ProviderModule { Name = \"M\"; InterfaceType = \"CMPI\"; Location = \"l\"; };\n"
+    "instance of PG_Provider { ProviderModuleName = \"M\"; Name = \"P\"; };\n"
+    "instance of PG_ProviderCapabilities { ProviderModuleName = \"M\"; ProviderName = \"P\";\n"
+    "  CapabilityID = \"1\"; ClassName = \"A\"; Namespaces = {\"n\"}; ProviderType = {2}; };\n";
+
+TEST(RegistrationsTest, ATextInEachFormCountsAsThatOfItsFile) {
+  for (const char* text :
+       {"A n P l instance\n", "[A]\nprovider: P\nlocation: l\ntype: instance\nnamespace: n\n",
+        kMofText}) {
+    TRegistrations read;
+    read.LoadText(text, "/nowhere/x.reg");
+    ASSERT_THAT(read.GetEntries(), SizeIs(1U)) << text;
+    const TRegistration& entry = read.GetEntries().front();
+    EXPECT_EQ(entry.className + entry.nameSpace + entry.providerName, "AnP");
+    EXPECT_TRUE(entry.isInstance);
+    EXPECT_FALSE(entry.hasLibrary);
+    EXPECT_EQ(entry.library, "/nowhere/libl.so");
+    EXPECT_THAT(read.GetFiles(), ::testing::ElementsAre("/nowhere/x.reg"));
+    EXPECT_THAT(read.GetPureFiles(), SizeIs(text == kMofText ? 1U : 0U));
+    EXPECT_THAT(read.GetProblems(), SizeIs(text == kMofText ? 1U : 0U));
+  }
+  TRegistrations schema;
+  schema.LoadText("class A { };", "/nowhere/x.mof");
+  EXPECT_THAT(schema.GetFiles(), SizeIs(0U));
+}
+
 TEST(RegistrationsTest, AFolderRegistersABoundedNumberOfClasses) {
   const TVendor vendor;
   std::string text;
