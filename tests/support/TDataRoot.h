@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "tests/support/TTemporaryFolder.h"
+
 namespace scripted {
 
 /// Paths of the runner's data files below the installation root.
@@ -14,11 +16,8 @@ extern const char kCatalogue[];
 class TDataRoot {
  public:
   TDataRoot();
-  ~TDataRoot();
-  TDataRoot(const TDataRoot&) = delete;
-  TDataRoot& operator=(const TDataRoot&) = delete;
 
-  const std::string& GetPath() const { return m_path; }
+  const std::string& GetPath() const { return m_folder.GetPath(); }
 
   /// Writes the file `name`, one of the names above.
   void Write(const std::string& name, const std::string& content) const;
@@ -28,7 +27,7 @@ class TDataRoot {
   void Remove(const std::string& name) const;
 
  private:
-  std::string m_path;
+  TTemporaryFolder m_folder;
 };
 
 }  // namespace scripted

@@ -11,10 +11,7 @@
 
 #include <atomic>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
-#include <system_error>
 
 namespace cimserver {
 namespace {
@@ -81,14 +78,6 @@ void WriteKey(const std::string& name, const EVP_PKEY* key) {
        "write a key");
 }
 
-std::string MakeFolder() {
-  std::string name = (std::filesystem::temp_directory_path() / "throw-away-ca-XXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr) {
-    throw std::system_error(errno, std::generic_category(), name);
-  }
-  return name;
-}
-
 // A certificate with all but its extensions and its signature. No two have the same number, as
 // clients refuse two of one issuer that do.
 TCertificate Begin(const std::string& name, EVP_PKEY* key, long from, long until) {
@@ -132,7 +121,7 @@ struct TThrowAwayCa::TRequest {
   long until = 2 * kDay;
 };
 
-TThrowAwayCa::TThrowAwayCa() : m_folder(MakeFolder()), m_caFile(m_folder + "/ca.pem") {
+TThrowAwayCa::TThrowAwayCa() : m_caFile(m_folder.GetPath("ca.pem")) {
   const TIssuer issuer;
   WriteCertificate(m_caFile, issuer.certificate.get());
   const std::string here = "IP:127.0.0.1,DNS:localhost";
@@ -140,11 +129,6 @@ TThrowAwayCa::TThrowAwayCa() : m_folder(MakeFolder()), m_caFile(m_folder + "/ca.
   m_expired = Issue(issuer, {"expired", "127.0.0.1", here, "serverAuth", -2 * kDay, -1 * kDay});
   m_other = Issue(issuer, {"other", "other.example", "DNS:other.example", "serverAuth"});
   m_client = Issue(issuer, {"client", "throw-away client", "DNS:client.example", "clientAuth"});
-}
-
-TThrowAwayCa::~TThrowAwayCa() {
-  std::error_code ignored;
-  std::filesystem::remove_all(m_folder, ignored);
 }
 
 TThrowAwayCa::TFiles TThrowAwayCa::Issue(const TIssuer& issuer, const TRequest& request) const {
@@ -157,7 +141,7 @@ TThrowAwayCa::TFiles TThrowAwayCa::Issue(const TIssuer& issuer, const TRequest& 
   AddExtension(certificate.get(), signer, NID_subject_alt_name, request.alternativeNames);
   AddExtension(certificate.get(), signer, NID_authority_key_identifier, "keyid");
   Sign(certificate.get(), signer, issuer.key.get());
-  TFiles files{m_folder + '/' + request.file + ".pem", m_folder + '/' + request.file + ".key"};
+  TFiles files{m_folder.GetPath(request.file) + ".pem", m_folder.GetPath(request.file) + ".key"};
   WriteCertificate(files.certificate, certificate.get());
   WriteKey(files.key, key.get());
   return files;

@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "tests/support/TTemporaryFolder.h"
+
 namespace cimserver {
 
 /// A certificate authority that lives as long as a test, with certificates for every way in which
@@ -19,11 +21,8 @@ class TThrowAwayCa {
 
   /// Errors: std::runtime_error in the words of OpenSSL or of the system.
   TThrowAwayCa();
-  ~TThrowAwayCa();
-  TThrowAwayCa(const TThrowAwayCa&) = delete;
-  TThrowAwayCa& operator=(const TThrowAwayCa&) = delete;
 
-  const std::string& GetFolder() const { return m_folder; }
+  const std::string& GetFolder() const { return m_folder.GetPath(); }
   /// The authority's own certificate: what a client or a server is to trust.
   const std::string& GetCaFile() const { return m_caFile; }
   /// For a server at 127.0.0.1 or localhost.
@@ -40,7 +39,7 @@ class TThrowAwayCa {
   struct TRequest;
   TFiles Issue(const TIssuer& issuer, const TRequest& request) const;
 
-  std::string m_folder;
+  TTemporaryFolder m_folder;
   std::string m_caFile;
   TFiles m_server;
   TFiles m_expired;

@@ -2,9 +2,7 @@
 #include "tests/platform/cmpi/operations/TDepotTest.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "platform/contract/TCIMInstanceData.h"
 
@@ -28,10 +26,13 @@ std::string NameOf(const TCIMReference& path) {
 
 }  // namespace
 
+TDepotTest::TDepotTest() {
+  std::filesystem::create_symlink(WORKSHOP_DIR "/libdepot.so", m_folder.GetPath("libdepot.so"));
+}
+
 TDepotTest::~TDepotTest() {
+  // Before the folder that its library is in.
   m_operations.reset();
-  std::error_code ignored;
-  if (!m_folder.empty()) std::filesystem::remove_all(m_folder, ignored);
 }
 
 void TDepotTest::Open(const std::vector<std::string>& lines) {
@@ -46,15 +47,11 @@ void TDepotTest::Open(const std::vector<std::string>& lines) {
 }
 
 void TDepotTest::OpenFile(const std::string& name, const std::string& content) {
-  std::string pattern = testing::TempDir() + "depot-XXXXXX";
-  ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-  m_folder = pattern;
-  std::filesystem::create_symlink(WORKSHOP_DIR "/libdepot.so", m_folder + "/libdepot.so");
-  std::ofstream(m_folder + '/' + name) << content;
+  const std::string file = m_folder.Write(name, content);
   auto classes = std::make_shared<TClassRepository>();
   ASSERT_TRUE(classes->Load(WORKSHOP_DIR "/depot.mof").empty());
   TRegistrations registrations;
-  registrations.Load(m_folder + '/' + name);
+  registrations.Load(file);
   m_operations = std::make_unique<TCMPIOperations>(classes, registrations);
   m_operations->OpenLibraries();
   ASSERT_EQ(m_operations->GetProblems(), std::vector<std::string>());

@@ -9,6 +9,7 @@
 
 #include "platform/cmpi/TCMPIOperations.h"
 #include "platform/contract/TQELException.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace NZEPQEL20 {
 
@@ -17,6 +18,7 @@ class TDepotTest : public testing::Test {
  protected:
   using TFilter = ICIMOperations::TAssociationFilter;
 
+  TDepotTest();
   ~TDepotTest() override;
 
   /// Registers `lines`, each "Class Namespace Provider types..."; to be called once, first.
@@ -55,7 +57,7 @@ class TDepotTest : public testing::Test {
   std::unique_ptr<TCMPIOperations> m_operations;
 
  private:
-  std::string m_folder;
+  TTemporaryFolder m_folder;
 };
 
 }  // namespace NZEPQEL20
