@@ -27,7 +27,7 @@ constexpr std::size_t kHeaderSize = 24;
 // What is stored had a stamp that was old enough.
 constexpr std::int64_t kAlways = std::numeric_limits<std::int64_t>::max();
 // More than any vendors' files need; what a file can make us hold is bounded by this.
-constexpr off_t kMaxSize = 64 * 1024 * 1024;
+constexpr off_t kMaxSize = off_t{64} * 1024 * 1024;
 
 std::string GetFileName(const TSchemaCachePlace& place) {
   return "outlines-" + place.fileName;
