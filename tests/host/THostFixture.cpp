@@ -2,8 +2,6 @@
 #include "tests/host/THostFixture.h"
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -14,17 +12,9 @@ const char* const kGoodStress =
     "stress-ng: info: [1] successful run completed in 1.00s\n";
 
 THostFixture::THostFixture() {
-  std::string name = (std::filesystem::temp_directory_path() / "diagsrun-test-XXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("mkdtemp " + name);
-  m_folder = name;
   Write("hardware.conf",
         "processor_seconds = 1\nmemory_mib = 1\nmemory_extended_mib = 1\ndisk_mib = 1\n"
         "disk_seconds = 1\nnetwork_seconds = 1\n");
-}
-
-THostFixture::~THostFixture() {
-  std::error_code ignored;
-  std::filesystem::remove_all(m_folder, ignored);
 }
 
 TProgram THostFixture::MakeCommand(const std::vector<std::string>& arguments) const {
@@ -34,8 +24,8 @@ TProgram THostFixture::MakeCommand(const std::vector<std::string>& arguments) co
   program.arguments.insert(program.arguments.end(), arguments.begin(), arguments.end());
   program.environment = {
       {"DIAGSRUNNER_ROOT", DIAGSRUNNER_TEST_ROOT},
-      {"DIAGSRUNNER_HARDWARE_CONF", m_folder + "/hardware.conf"},
-      {"PATH", m_folder + "/bin:" + (path != nullptr ? path : "/usr/bin:/bin")},
+      {"DIAGSRUNNER_HARDWARE_CONF", m_folder.GetPath("hardware.conf")},
+      {"PATH", m_folder.GetPath("bin:") + (path != nullptr ? path : "/usr/bin:/bin")},
   };
   return program;
 }
@@ -45,15 +35,11 @@ TFinished THostFixture::Run(const std::vector<std::string>& arguments) const {
 }
 
 std::string THostFixture::Write(const std::string& name, const std::string& text) const {
-  const std::filesystem::path file = std::filesystem::path(m_folder) / name;
-  std::filesystem::create_directories(file.parent_path());
-  std::ofstream(file) << text;
-  return file.string();
+  return m_folder.Write(name, text, 0644);
 }
 
 void THostFixture::AddTool(const std::string& name, const std::string& script) const {
-  const std::string file = Write("bin/" + name, "#!/bin/sh\nhere=${0%/*}\n" + script + "\n");
-  std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+  m_folder.Write("bin/" + name, "#!/bin/sh\nhere=${0%/*}\n" + script + "\n", 0700);
 }
 
 void THostFixture::AddStress(const std::string& lines, int status) const {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/support/TSubprocess.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace host {
 
@@ -21,7 +22,6 @@ using programs::TSubprocess;
 class THostFixture : public ::testing::Test {
  protected:
   THostFixture();
-  ~THostFixture() override;
 
   /// The command with its sleeping shortened; `arguments` without the program's name.
   TProgram MakeCommand(const std::vector<std::string>& arguments) const;
@@ -38,10 +38,10 @@ class THostFixture : public ::testing::Test {
   /// Identifiers of the offered tests that contain `text`, by the command's own list.
   std::vector<std::string> FindTests(const std::string& text) const;
 
-  const std::string& GetFolder() const { return m_folder; }
+  const std::string& GetFolder() const { return m_folder.GetPath(); }
 
  private:
-  std::string m_folder;
+  TTemporaryFolder m_folder;
 };
 
 /// What a stress-ng says at the end of a full run.
