@@ -83,6 +83,7 @@ std::vector<std::string> TLibraryFinder::Collect(const std::string& location) co
   // Those that lie higher come first, whatever their version.
   std::sort(places.begin(), places.end());
   std::vector<std::string> found;
+  found.reserve(places.size());
   for (const std::size_t place : places) found.push_back(m_libraries[place]);
   return found;
 }
