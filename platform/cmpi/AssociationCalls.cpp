@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/cmpi/TAssociationWalk.h"
+#include "platform/cmpi/TNoDerivation.h"
 #include "platform/cmpi/TWantedProperties.h"
 
 namespace NZEPQEL20 {
@@ -135,6 +136,7 @@ TWalk::TInstances TWalk::GetEach(const TNames& names, const char** wanted) {
 }
 
 TWalk::TInstances TWalk::EnumerateReferences(TGroup& group) {
+  const TNoDerivation guard;
   TInstances found;
   bool isServed = false;
   for (const TService& service : group.services) {

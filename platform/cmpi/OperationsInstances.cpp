@@ -86,7 +86,7 @@ using TPassedInstance = TPassed<TBrokerInstance>;
 void TCMPIOperations::EnumerateInstances(const std::string& nameSpace, const std::string& className,
                                          const TInstanceSink& sink) {
   TProviders& providers = m_parts->providers;
-  const auto services = providers.FindServices(nameSpace, className, ERole::kInstance);
+  const auto services = m_parts->FindEnumerable(nameSpace, className);
   const TQuestion question{"EnumerateInstances of " + nameSpace + ':' + className, nameSpace,
                            TWantedProperties::Get()};
   RequireKnown(providers, services, question.what, className);
@@ -103,14 +103,14 @@ void TCMPIOperations::EnumerateInstances(const std::string& nameSpace, const std
     return true;
   };
   m_parts->AskAll(
-      services, [&](const auto& service) { return m_parts->AskEnumerate(service, question); },
+      services, [&](const auto& service) { return m_parts->AskInstances(service, question); },
       take);
 }
 
 std::vector<TCIMReference> TCMPIOperations::EnumerateInstanceNames(const std::string& nameSpace,
                                                                    const std::string& className) {
   TProviders& providers = m_parts->providers;
-  const auto services = providers.FindServices(nameSpace, className, ERole::kInstance);
+  const auto services = m_parts->FindEnumerable(nameSpace, className);
   const TQuestion question{"EnumerateInstanceNames of " + nameSpace + ':' + className, nameSpace,
                            nullptr};
   RequireKnown(providers, services, question.what, className);
@@ -128,7 +128,7 @@ std::vector<TCIMReference> TCMPIOperations::EnumerateInstanceNames(const std::st
     return true;
   };
   m_parts->AskAll(
-      services, [&](const auto& service) { return m_parts->AskEnumerateNames(service, question); },
+      services, [&](const auto& service) { return m_parts->AskInstanceNames(service, question); },
       take);
   return found;
 }

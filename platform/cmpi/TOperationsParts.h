@@ -86,6 +86,17 @@ struct TCMPIOperations::TParts {
   cmpi::TCallOutcome AskGet(const TService& service, const cmpi::TQuestion& question,
                             const cmpi::TPathContent& path);
 
+  /// Who can be asked for the instances of `className` and of the classes below it: providers of
+  /// instances, and those of associations for classes that have no other.
+  TServices FindEnumerable(const std::string& nameSpace, const std::string& className) const;
+
+  /// AskEnumerate() and AskEnumerateNames(), by whatever FindEnumerable() has found. Instances of
+  /// an association class that its provider does not enumerate are the references of the objects
+  /// at one of its ends.
+  /// Errors: also the most telling failure, when no object could be asked about.
+  cmpi::TCallOutcome AskInstances(const TService& service, const cmpi::TQuestion& question);
+  cmpi::TCallOutcome AskInstanceNames(const TService& service, const cmpi::TQuestion& question);
+
   /// Moves a provider's instance out, with namespace and class filled in where they are missing.
   TCIMInstanceData Finish(std::shared_ptr<cmpi::TInstanceContent>& content,
                           const std::string& nameSpace, const std::string& className) const;
@@ -98,6 +109,15 @@ struct TCMPIOperations::TParts {
   std::string defaultNamespace;
   cmpi::TProviders providers;
   cmpi::TStartedWork work;
+
+ private:
+  /// Adds the associations of a class that an object has.
+  using TAskAbout = std::function<void(const TCIMReference& object, const std::string& className,
+                                       cmpi::TCallOutcome& outcome)>;
+  cmpi::TCallOutcome AskOrDerive(const TService& service, const cmpi::TQuestion& question,
+                                 const TAsk& ask, const TAskAbout& askAbout);
+  cmpi::TCallOutcome Derive(const TService& service, const cmpi::TQuestion& question,
+                            const TAskAbout& askAbout);
 };
 
 namespace cmpi {

@@ -38,8 +38,11 @@ TServices FindKind(const TClassRepository& classes, const TServices& services, c
   return found;
 }
 
-bool IsEnumerated(const TProviderService& service) {
-  return std::find(service.types.begin(), service.types.end(), "instance") != service.types.end();
+/// Whether its instances are enumerated, or found by way of the objects that it joins.
+bool IsFound(const TProviderService& service) {
+  return std::any_of(service.types.begin(), service.types.end(), [](const std::string& type) {
+    return type == "instance" || type == "association";
+  });
 }
 
 bool IsIn(const TProviderService& service, const std::string& nameSpace) {
@@ -76,13 +79,12 @@ TProviderFinding MakeNoLink(const TProviderPackage& package, const TProviderServ
           "register one as instance"};
 }
 
-TProviderFinding MakeNotEnumerated(const TProviderPackage& package, const TServices& links) {
+TProviderFinding MakeNotFound(const TProviderPackage& package, const TServices& links) {
   std::set<std::string> names;
   for (const TProviderService& link : links) names.insert(link.className);
   return {true, kRule,
           package.folder + ": " + Name(names) +
-              ": not registered as instance, and discovery enumerates its instances, so that no "
-              "test of it is found",
+              ": registered neither as instance nor as association, so that no test of it is found",
           "add the type instance to the registration"};
 }
 
@@ -109,8 +111,8 @@ std::vector<TProviderFinding> CheckOffer(const TClassRepository& classes,
     return {MakeNoLink(package, tests.front())};
   }
   TServices found;
-  std::copy_if(links.begin(), links.end(), std::back_inserter(found), IsEnumerated);
-  if (!links.empty() && found.empty()) return {MakeNotEnumerated(package, links)};
+  std::copy_if(links.begin(), links.end(), std::back_inserter(found), IsFound);
+  if (!links.empty() && found.empty()) return {MakeNotFound(package, links)};
   // Without tests of its own it may still be meant for those who look where it is not.
   if (links.empty()) found = package.services;
   const bool isHere = std::any_of(

@@ -48,9 +48,9 @@ TEST_P(OfferCheckTest, SaysWhyNoTestWouldBeFound) {
 constexpr char kNoLink[] =
     "registers the test A_Test and no subclass of CIM_AvailableDiagnosticService, so that no test "
     "of it is found; register one as instance";
-constexpr char kNotEnumerated[] =
-    "A_Link, A_Other: not registered as instance, and discovery enumerates its instances, so that "
-    "no test of it is found; add the type instance to the registration";
+constexpr char kNotFound[] =
+    "A_Link, A_Other: registered neither as instance nor as association, so that no test of it is "
+    "found; add the type instance to the registration";
 constexpr char kElsewhere[] =
     "is registered in root/y, root/z, and `diagsrun list` looks in root/x; `diagsrun --namespace "
     "root/y list` looks there";
@@ -65,11 +65,11 @@ INSTANTIATE_TEST_SUITE_P(
                ""},
         TOffer{"NoTests", "A_Device root/x P l instance\n", ""},
         TOffer{"NoLink", "A_Test root/x P l instance method\n", kNoLink},
-        TOffer{"AssociationAlone",
-               "A_Link root/x P l association\nA_Other root/x P l association method\n",
-               kNotEnumerated},
+        TOffer{"AssociationAlone", "A_Link root/x P l association\n", ""},
+        TOffer{"MethodAlone", "A_Link root/x P l method\nA_Other root/x P l method property\n",
+               kNotFound},
         TOffer{"OneOfTwoIsEnumerated",
-               "A_Link root/x P l association\nA_Other root/x P l instance association\n", ""},
+               "A_Link root/x P l method\nA_Other root/x P l instance association\n", ""},
         TOffer{"LinkElsewhere",
                "A_Link root/z P l instance\nA_Link root/y P l instance\nA_Test root/x P l "
                "instance\n",

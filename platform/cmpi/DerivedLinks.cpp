@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: Apache-2.0
+// The chapter of TCMPIOperations about the instances of an association class whose provider
+// enumerates none, but answers for the objects that they join.
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "platform/cmpi/ObjectIdentity.h"
+#include "platform/cmpi/TAssociationWalk.h"
+#include "platform/cmpi/TNoDerivation.h"
+
+namespace NZEPQEL20 {
+
+using namespace cmpi;
+
+namespace {
+
+using TServices = TProviders::TServices;
+
+bool HasEnds(const TProviders& providers, const std::string& className) {
+  const auto declaration = providers.FindClass(className);
+  return declaration != nullptr &&
+         std::any_of(declaration->properties.begin(), declaration->properties.end(),
+                     [](const auto& property) { return property.type == ECIMType::kReference; });
+}
+
+/// A class whose objects are at an end of an association, and how many serve it.
+struct TEndClass {
+  std::string name;
+  std::size_t services = 0;
+};
+
+/// `className`, else the nearest class above it that is served; none when nobody serves any.
+TEndClass FindServed(const TProviders& providers, const std::string& nameSpace,
+                     const std::string& className) {
+  TEndClass end{className};
+  for (unsigned int i = 0; i < TClassRepository::kMaxInheritance && !end.name.empty(); ++i) {
+    end.services = providers.FindServices(nameSpace, end.name, ERole::kInstance).size();
+    if (end.services != 0) return end;
+    const auto declaration = providers.FindClass(end.name);
+    end.name = declaration == nullptr ? std::string() : declaration->superclass;
+  }
+  return {};
+}
+
+/// The classes at the ends of an association, those that the fewest serve first: an end may be
+/// declared as wide as all managed elements.
+std::vector<TEndClass> FindEndClasses(const TProviders& providers, const std::string& nameSpace,
+                                      const std::string& className) {
+  std::vector<TEndClass> found;
+  const auto declaration = providers.FindClass(className);
+  if (declaration == nullptr) return found;
+  for (const TCIMPropertyDeclaration& property : declaration->properties) {
+    if (property.type != ECIMType::kReference) continue;
+    TEndClass end = FindServed(providers, nameSpace, property.referenceClass);
+    const bool isKnown = std::any_of(found.begin(), found.end(), [&](const TEndClass& other) {
+      return IsSameName(other.name, end.name);
+    });
+    if (end.services != 0 && !isKnown) found.push_back(std::move(end));
+  }
+  std::stable_sort(found.begin(), found.end(), [](const TEndClass& left, const TEndClass& right) {
+    return left.services < right.services;
+  });
+  return found;
+}
+
+}  // namespace
+
+TServices TCMPIOperations::TParts::FindEnumerable(const std::string& nameSpace,
+                                                  const std::string& className) const {
+  TServices found = providers.FindServices(nameSpace, className, ERole::kInstance);
+  if (TNoDerivation::Holds()) return found;
+  for (const TService& service :
+       providers.FindServices(nameSpace, className, ERole::kAssociation)) {
+    const std::string& name = service.registration->className;
+    const bool isKnown = std::any_of(found.begin(), found.end(), [&](const TService& other) {
+      return IsSameName(other.registration->className, name);
+    });
+    if (!isKnown && HasEnds(providers, name)) found.push_back(service);
+  }
+  return found;
+}
+
+TCallOutcome TCMPIOperations::TParts::AskOrDerive(const TService& service,
+                                                  const TQuestion& question, const TAsk& ask,
+                                                  const TAskAbout& askAbout) {
+  TWorstFailure failed;
+  if (service.registration->isInstance) {
+    try {
+      return ask(service);
+    } catch (const TQELException& failure) {
+      const std::string& className = service.registration->className;
+      const bool isDerivable =
+          IsRefusal(failure) && !TNoDerivation::Holds() &&
+          !providers.FindExact(question.nameSpace, className, ERole::kAssociation).empty();
+      if (!isDerivable) throw;
+      failed.Add(failure);
+    }
+  }
+  try {
+    return Derive(service, question, askAbout);
+  } catch (const TQELException& failure) {
+    failed.Add(failure);
+  }
+  failed.ThrowIfAny();
+  return {};
+}
+
+TCallOutcome TCMPIOperations::TParts::Derive(const TService& service, const TQuestion& question,
+                                             const TAskAbout& askAbout) {
+  const TNoDerivation guard;
+  const std::string& className = service.registration->className;
+  TWorstFailure failed;
+  bool isEnumerated = false;
+  bool hasSucceeded = false;
+  for (const TEndClass& end : FindEndClasses(providers, question.nameSpace, className)) {
+    std::vector<TCIMReference> objects;
+    try {
+      objects = providers.GetOperations().EnumerateInstanceNames(question.nameSpace, end.name);
+      isEnumerated = true;
+    } catch (const TQELException& failure) {
+      failed.Add(failure);
+    }
+    TCallOutcome outcome;
+    for (const TCIMReference& object : objects) {
+      try {
+        askAbout(object, className, outcome);
+        hasSucceeded = true;
+      } catch (const TQELException& failure) {
+        // The walk has reported it.
+        failed.Add(failure);
+      }
+    }
+    if (!outcome.content.instances.empty() || !outcome.content.paths.empty()) return outcome;
+  }
+  if (!isEnumerated) {
+    failed.Add(TQELException(TQELStatusCode::kCIMError,
+                             question.what + ": " + service.provider->Describe() +
+                                 " does not enumerate " + className +
+                                 ", and nobody enumerates the objects that it joins",
+                             CMPI_RC_ERR_NOT_SUPPORTED));
+  }
+  if (!hasSucceeded) failed.ThrowIfAny();
+  return {};
+}
+
+TCallOutcome TCMPIOperations::TParts::AskInstances(const TService& service,
+                                                   const TQuestion& question) {
+  std::set<std::string> seen;
+  const auto askAbout = [&](const TCIMReference& object, const std::string& className,
+                            TCallOutcome& outcome) {
+    TAssociationWalk walk(*this, question.what + " by way of " + object.GetPath(), object,
+                          {{}, className, {}, {}}, className);
+    walk.References([&](TCIMInstanceData&& data) {
+      const bool isNew = data.path.GetKeys().empty() ||
+                         seen.insert(GetIdentity(data.path, question.nameSpace)).second;
+      if (isNew) {
+        outcome.content.instances.push_back(
+            std::make_shared<TInstanceContent>(TInstanceContent::From(data)));
+      }
+      return true;
+    });
+  };
+  return AskOrDerive(
+      service, question, [&](const TService& asked) { return AskEnumerate(asked, question); },
+      askAbout);
+}
+
+TCallOutcome TCMPIOperations::TParts::AskInstanceNames(const TService& service,
+                                                       const TQuestion& question) {
+  std::set<std::string> seen;
+  const auto askAbout = [&](const TCIMReference& object, const std::string& className,
+                            TCallOutcome& outcome) {
+    TAssociationWalk walk(*this, question.what + " by way of " + object.GetPath(), object,
+                          {{}, className, {}, {}}, className);
+    for (const TCIMReference& name : walk.ReferenceNames()) {
+      const bool isNew =
+          name.GetKeys().empty() || seen.insert(GetIdentity(name, question.nameSpace)).second;
+      if (isNew) outcome.content.paths.push_back(TPathContent::From(name));
+    }
+  };
+  return AskOrDerive(
+      service, question, [&](const TService& asked) { return AskEnumerateNames(asked, question); },
+      askAbout);
+}
+
+}  // namespace NZEPQEL20
