@@ -53,9 +53,14 @@ TCallOutcome TCMPIOperations::TParts::CallGet(const TService& service, const TQu
                    : mi.ft->getInstance(&mi, ctx, result, given.Get(), question.wanted);
       });
   if (!outcome.content.instances.empty()) return outcome;
+  // Whoever asked may pass over what is not there; this is another matter.
+  const std::string who = service.provider->Describe();
+  providers.Report(
+      question.what + ": " + who +
+          " answered OK and returned no instance; it counts as not found; see rule R18",
+      who + service.registration->className);
   throw TQELException(TQELStatusCode::kCIMError,
-                      question.what + ": " + service.provider->Describe() + " returned no instance",
-                      CMPI_RC_ERR_NOT_FOUND);
+                      question.what + ": " + who + " returned no instance", CMPI_RC_ERR_NOT_FOUND);
 }
 
 TCallOutcome TCMPIOperations::TParts::AskEnumerate(const TService& service,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cmpi/TOperationsParts.h"
 
+#include <algorithm>
+
 #include "platform/model/Typing.h"
 
 namespace NZEPQEL20 {
@@ -87,20 +89,72 @@ TCallOutcome TCMPIOperations::TParts::Call(const TService& service, const std::s
   return outcome;
 }
 
+TCIMValue TCMPIOperations::TParts::ToDeclared(const TCIMPropertyDeclaration& declared,
+                                              const TCIMPropertyData& given,
+                                              const TPathContent& owner) {
+  const std::string what = owner.className + '.' + declared.name;
+  try {
+    TCIMValue value = ConvertGiven(declared, given.value, what);
+    const bool isRead = declared.type == ECIMType::kReference && !value.IsArray() &&
+                        given.value.GetType() != ECIMType::kReference && !value.IsNull();
+    if (!isRead) return value;
+    auto path = static_cast<TCIMReference>(value);
+    if (!path.GetNamespaceName().empty()) return value;
+    path.SetNamespaceName(owner.nameSpace);
+    return TCIMValue(path);
+  } catch (const TQELException& failure) {
+    providers.Report(
+        owner.nameSpace + ": " + failure.what() + "; the value counts as NULL; see rule R23", what);
+    return TCIMValue::Null(declared.type, declared.isArray);
+  }
+}
+
+void TCMPIOperations::TParts::TypeValues(TInstanceContent& content) {
+  const auto declaration = providers.FindClass(content.path.className);
+  if (declaration == nullptr) return;
+  for (const TCIMPropertyDeclaration& declared : declaration->properties) {
+    for (TCIMPropertyData& property : content.properties) {
+      if (property.value.GetType() == declared.type &&
+          property.value.IsArray() == declared.isArray) {
+        continue;
+      }
+      if (property.name.size() != declared.name.size()) continue;
+      if (!IsSameName(property.name, declared.name)) continue;
+      property.value = ToDeclared(declared, property, content.path);
+    }
+  }
+}
+
+void TCMPIOperations::TParts::TypeEnds(TPathContent& path) {
+  const bool hasText = std::any_of(path.keys.begin(), path.keys.end(), [](const auto& key) {
+    return key.value.GetType() == ECIMType::kString;
+  });
+  const auto declaration = hasText ? providers.FindClass(path.className) : nullptr;
+  if (declaration == nullptr || !declaration->isAssociation) return;
+  for (TCIMPropertyData& key : path.keys) {
+    const TCIMPropertyDeclaration* declared = declaration->FindProperty(key.name);
+    const bool isEnd = declared != nullptr && declared->type == ECIMType::kReference;
+    if (isEnd) key.value = ToDeclared(*declared, key, path);
+  }
+}
+
 TCIMInstanceData TCMPIOperations::TParts::Finish(std::shared_ptr<TInstanceContent>& content,
                                                  const std::string& nameSpace,
-                                                 const std::string& className) const {
+                                                 const std::string& className) {
   // A provider may have kept a clone; nobody else shares the content once the call has ended.
   if (content.use_count() > 1) content = std::make_shared<TInstanceContent>(*content);
   if (content->path.nameSpace.empty()) content->path.nameSpace = nameSpace;
   if (content->path.className.empty()) content->path.className = className;
+  TypeEnds(content->path);
+  TypeValues(*content);
   return std::move(*content).Take(&providers);
 }
 
 TCIMReference TCMPIOperations::TParts::Finish(TPathContent& content, const std::string& nameSpace,
-                                              const std::string& className) const {
+                                              const std::string& className) {
   if (content.nameSpace.empty()) content.nameSpace = nameSpace;
   if (content.className.empty()) content.className = className;
+  TypeEnds(content);
   return content.ToReference();
 }
 

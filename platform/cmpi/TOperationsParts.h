@@ -97,11 +97,13 @@ struct TCMPIOperations::TParts {
   cmpi::TCallOutcome AskInstances(const TService& service, const cmpi::TQuestion& question);
   cmpi::TCallOutcome AskInstanceNames(const TService& service, const cmpi::TQuestion& question);
 
-  /// Moves a provider's instance out, with namespace and class filled in where they are missing.
+  /// Moves a provider's instance out, with namespace and class filled in where they are missing,
+  /// and values of the declared types; one that cannot be converted counts as NULL and is reported
+  /// once for its class and property.
   TCIMInstanceData Finish(std::shared_ptr<cmpi::TInstanceContent>& content,
-                          const std::string& nameSpace, const std::string& className) const;
+                          const std::string& nameSpace, const std::string& className);
   TCIMReference Finish(cmpi::TPathContent& content, const std::string& nameSpace,
-                       const std::string& className) const;
+                       const std::string& className);
 
   /// `path` as a provider object with keys of the declared types.
   cmpi::TPathContent ToContent(const TCIMReference& path) const;
@@ -111,6 +113,11 @@ struct TCMPIOperations::TParts {
   cmpi::TStartedWork work;
 
  private:
+  void TypeValues(cmpi::TInstanceContent& content);
+  void TypeEnds(cmpi::TPathContent& path);
+  TCIMValue ToDeclared(const TCIMPropertyDeclaration& declared, const TCIMPropertyData& given,
+                       const cmpi::TPathContent& owner);
+
   /// Adds the associations of a class that an object has.
   using TAskAbout = std::function<void(const TCIMReference& object, const std::string& className,
                                        cmpi::TCallOutcome& outcome)>;

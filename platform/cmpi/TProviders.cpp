@@ -214,11 +214,14 @@ void TProviders::OpenLibraries() {
   }
 }
 
-void TProviders::Report(const std::string& words) {
+void TProviders::Report(const std::string& words, const std::string& subject) {
   const std::string problem = ToOneLine(words);
   {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_problems.size() > kMaxProblems || !m_reported.insert(problem).second) return;
+    if (m_problems.size() > kMaxProblems ||
+        !m_reported.insert(subject.empty() ? problem : subject).second) {
+      return;
+    }
     const bool isLast = m_problems.size() == kMaxProblems;
     m_problems.push_back(isLast ? "there are more problems; they are not told" : problem);
   }

@@ -77,8 +77,9 @@ class TProviders : public IBrokerHost {
 
   /// Opens every library, so that what cannot be loaded is known.
   void OpenLibraries();
-  /// Keeps and logs `problem` unless that was done before, or too many are kept.
-  void Report(const std::string& problem);
+  /// Keeps and logs `problem` unless that was done before, or too many are kept. Of those with the
+  /// same `subject` only the first is told.
+  void Report(const std::string& problem, const std::string& subject = {});
   std::vector<std::string> GetProblems() const;
 
  private:

@@ -4,6 +4,7 @@
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/contract/TQELException.h"
 #include "platform/model/DateTimeText.h"
+#include "platform/model/ValueText.h"
 
 namespace NZEPQEL20 {
 
@@ -69,7 +70,53 @@ TCIMValue Convert(const TCIMElementDeclaration& declared, const TCIMValue& value
   return TCIMValue::Array(declared.type, std::move(elements));
 }
 
+bool IsInteger(ECIMType type) {
+  return type >= ECIMType::kUInt8 && type <= ECIMType::kSInt64;
+}
+
+/// A word of Values as the text of its number.
+TCIMValue ReplaceWord(const TCIMElementDeclaration& declared, const TCIMValue& value) {
+  if (value.GetType() != ECIMType::kString || value.IsArray() || value.IsNull()) return value;
+  const auto text = static_cast<std::string>(value);
+  const bool isNumber = text.find_first_not_of("-0123456789") == std::string::npos;
+  const auto number = isNumber ? std::nullopt : FindNumberOf(declared, text);
+  return number ? TCIMValue(*number) : value;
+}
+
+/// The same for each element of an array.
+TCIMValue ReplaceWords(const TCIMElementDeclaration& declared, const TCIMValue& value) {
+  if (!IsInteger(declared.type) || declared.values.empty()) return value;
+  if (!value.IsArray()) return ReplaceWord(declared, value);
+  if (value.GetType() != ECIMType::kString || value.IsNull()) return value;
+  TCIMValue::TArray elements;
+  for (const TCIMValue& element : static_cast<std::vector<TCIMValue>>(value)) {
+    elements.push_back(ReplaceWord(declared, element));
+  }
+  return TCIMValue::Array(ECIMType::kString, std::move(elements));
+}
+
+/// A scalar as an array of one element, or the element of such an array.
+TCIMValue Reshape(const TCIMElementDeclaration& declared, const TCIMValue& value) {
+  if (declared.isArray == value.IsArray()) return value;
+  if (declared.isArray) return TCIMValue::Array(value.GetType(), {value});
+  const auto elements = static_cast<std::vector<TCIMValue>>(value);
+  return elements.size() == 1 ? elements.front() : value;
+}
+
+bool IsAsDeclared(const TCIMElementDeclaration& declared, const TCIMValue& value) {
+  if (value.IsNull() || declared.type == ECIMType::kNone) return true;
+  if (value.GetType() == ECIMType::kInstance || declared.type == ECIMType::kInstance) return true;
+  if (value.GetType() == declared.type) return declared.isArray == value.IsArray();
+  return value.GetType() == ECIMType::kReference;
+}
+
 }  // namespace
+
+TCIMValue ConvertGiven(const TCIMElementDeclaration& declared, const TCIMValue& value,
+                       const std::string& what) {
+  if (IsAsDeclared(declared, value)) return value;
+  return ConvertTo(declared, ReplaceWords(declared, Reshape(declared, value)), what);
+}
 
 TCIMValue ConvertTo(const TCIMElementDeclaration& declared, const TCIMValue& value,
                     const std::string& what) {

@@ -14,6 +14,13 @@ namespace NZEPQEL20 {
 TCIMValue ConvertTo(const TCIMElementDeclaration& declared, const TCIMValue& value,
                     const std::string& what);
 
+/// A value that somebody else has given for `declared`. More gently than ConvertTo(): a word of
+/// Values is its number, a scalar an array of one element, and the other way round. What has the
+/// type already, NULL, embedded instances, and a reference where none is declared stay as they are.
+/// Errors: as ConvertTo().
+TCIMValue ConvertGiven(const TCIMElementDeclaration& declared, const TCIMValue& value,
+                       const std::string& what);
+
 /// `path` with keys of the types that `declaration` (may be null) has for them. A key that cannot
 /// be converted stays as it is: the provider will not find it.
 TCIMReference ConvertKeys(const TCIMReference& path, const TCIMClassDeclaration* declaration);

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/contract/TCIMInstanceData.h"
+
 namespace NZEPQEL20 {
 namespace {
 
@@ -112,6 +114,19 @@ std::string GetReadableText(const TCIMElementDeclaration& declaration, const TCI
     text += FindWord(declaration, element).value_or(element.ToString(10));
   }
   return text;
+}
+
+std::optional<std::string> FindNumberOf(const TCIMElementDeclaration& declaration,
+                                        const std::string& word) {
+  const bool isMapped = !declaration.valueMap.empty();
+  for (std::size_t i = 0; i < declaration.values.size(); ++i) {
+    if (!IsSameName(declaration.values[i], word)) continue;
+    if (!isMapped) return std::to_string(i);
+    TNumber number;
+    if (i >= declaration.valueMap.size() || !ParseNumber(declaration.valueMap[i], number)) continue;
+    return (number.isNegative ? "-" : "") + std::to_string(number.magnitude);
+  }
+  return std::nullopt;
 }
 
 }  // namespace NZEPQEL20

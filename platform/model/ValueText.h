@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/contract/TCIMClassDeclaration.h"
@@ -14,5 +15,10 @@ namespace NZEPQEL20 {
 ///
 /// An exact entry counts before a closed range, that before an open one, that before "..".
 std::string GetReadableText(const TCIMElementDeclaration& declaration, const TCIMValue& value);
+
+/// The way back: the number behind a word of Values, in decimal digits. None for what is no such
+/// word (ASCII letters compare without case), and for one that a range stands for.
+std::optional<std::string> FindNumberOf(const TCIMElementDeclaration& declaration,
+                                        const std::string& word);
 
 }  // namespace NZEPQEL20
