@@ -107,13 +107,15 @@ const char* RequireName(const char* text, const char* what) {
 std::string ToUtf8(std::string text) {
   if (IsUtf8(text)) return text;
   std::string mended;
-  mended.reserve(text.size() + 2);
+  mended.reserve(text.size() + text.size() / 8);
   std::size_t at = 0;
   while (at < text.size()) {
     const std::size_t length = SequenceLength(text, at);
     if (length == 0) {
-      mended += "\xEF\xBF\xBD";
-      ++at;
+      // Its number in ISO 8859-1 is that of the character.
+      const auto byte = static_cast<unsigned char>(text[at++]);
+      mended += static_cast<char>(0xC0U | (byte >> 6U));
+      mended += static_cast<char>(0x80U | (byte & 0x3FU));
     } else {
       mended.append(text, at, length);
       at += length;

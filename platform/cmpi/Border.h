@@ -78,8 +78,8 @@ inline std::string TextOrEmpty(const char* text) {
 /// `text`; a NULL pointer or an empty one is refused, naming `what`.
 const char* RequireName(const char* text, const char* what);
 
-/// `text` as it is when it is UTF-8, otherwise with U+FFFD in the place of each byte that is not
-/// part of a valid sequence.
+/// `text` as it is when it is UTF-8; otherwise each byte that is not part of a valid sequence
+/// counts as ISO 8859-1, as in MOF files. At most twice as long.
 std::string ToUtf8(std::string text);
 
 }  // namespace NZEPQEL20::cmpi

@@ -3,6 +3,7 @@
 
 #include "platform/cmpi/TBrokerArgs.h"
 #include "platform/cmpi/TBrokerString.h"
+#include "platform/cmpi/UserName.h"
 #include "platform/cmpi/Values.h"
 
 namespace NZEPQEL20::cmpi {
@@ -52,10 +53,12 @@ CMPIStatus AddEntry(const CMPIContext* self, const char* name, const CMPIValue* 
 
 TNamedValues TBrokerContext::EntriesFor(const std::string& nameSpace,
                                         const std::string& parameters) {
-  TNamedValues entries = {
-      {CMPIInvocationFlags, TCIMValue::UInt32(0)}, {CMPIPrincipal, TCIMValue("")},
-      {CMPIInitNameSpace, TCIMValue(nameSpace)},   {CMPIRole, TCIMValue("")},
-      {CMPIAcceptLanguage, TCIMValue("")},         {CMPIContentLanguage, TCIMValue("")}};
+  TNamedValues entries = {{CMPIInvocationFlags, TCIMValue::UInt32(0)},
+                          {CMPIPrincipal, TCIMValue(GetEffectiveUserName())},
+                          {CMPIInitNameSpace, TCIMValue(nameSpace)},
+                          {CMPIRole, TCIMValue("")},
+                          {CMPIAcceptLanguage, TCIMValue("")},
+                          {CMPIContentLanguage, TCIMValue("")}};
   if (!parameters.empty()) entries.push_back({kParametersEntry, TCIMValue(ToUtf8(parameters))});
   return entries;
 }

@@ -15,8 +15,8 @@ class TBrokerContext : public TBrokerObjectOf<TBrokerContext, CMPIContext> {
 
   explicit TBrokerContext(TNamedValues entries) : m_entries(std::move(entries)) {}
 
-  /// The entries that every call has; role and languages are empty. `parameters`, those of the
-  /// registration, are an entry when there are any.
+  /// The entries that every call has: the principal is the effective user, role and languages are
+  /// empty. `parameters`, those of the registration, are an entry when there are any.
   static TNamedValues EntriesFor(const std::string& nameSpace, const std::string& parameters = {});
 
   TNamedValues& GetEntries() { return m_entries; }

@@ -18,8 +18,8 @@ class TProviders;
 /// The generic operations, carried out by CMPI provider libraries in this process.
 ///
 /// A request for a class goes to the providers of the class and of its subclasses; when one of
-/// them fails, the results of the others stand and the failure is reported once. Texts from
-/// providers that are not UTF-8 have U+FFFD in the place of each wrong byte.
+/// them fails, the results of the others stand and the failure is reported once. Each byte
+/// of providers' texts that is not UTF-8 counts as ISO 8859-1.
 /// Errors: TQELException with the provider's CMPI number (kCIMError) naming the operation, class or
 /// path, provider and the provider's words.
 /// Threads: safe from several; a provider may come back in its own calls.

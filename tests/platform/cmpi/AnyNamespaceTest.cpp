@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/cmpi/TCMPIOperations.h"
+#include "platform/contract/TQELException.h"
 #include "tests/support/TTemporaryFolder.h"
 
 namespace NZEPQEL20 {
@@ -74,10 +75,24 @@ TEST(AnyNamespaceTest, AClassWithoutInstanceFunctionsHasNoInstancesAndDisturbsNo
   const auto operations = Host(folder,
                                "BAD_Object root/cimv2 Bad nodone instance\n"
                                "BAD_Base root/cimv2 Bad nodone method\n"
-                               "BAD_Link root/cimv2 Bad nodone association\n");
+                               "BAD_Link root/cimv2 Bad nodone method\n");
   EXPECT_EQ(Count(*operations, "root/cimv2", "BAD_Link"), 0U);
   EXPECT_EQ(Count(*operations, "root/cimv2"), 1U);
   EXPECT_THAT(operations->GetProblems(), IsEmpty());
+}
+
+TEST(AnyNamespaceTest, AnAssociationWhoseReferencesAreRefusedIsAFailure) {
+  const TTemporaryFolder folder;
+  const auto operations = Host(folder,
+                               "BAD_Object root/cimv2 Bad nodone instance\n"
+                               "BAD_Link root/cimv2 Bad nodone association\n");
+  try {
+    Count(*operations, "root/cimv2", "BAD_Link");
+    ADD_FAILURE() << "no failure";
+  } catch (const TQELException& failure) {
+    EXPECT_THAT(failure.what(), testing::HasSubstr("not for you: references"));
+  }
+  EXPECT_EQ(Count(*operations, "root/cimv2"), 1U);
 }
 
 }  // namespace

@@ -236,7 +236,7 @@ TEST_F(BrokerObjectsTest, AContextHasTheEntriesThatProvidersReadUnchecked) {
   EXPECT_EQ(flags.value.uint32, 0U);
   EXPECT_EQ(Text(context->ft->getEntry(context, CMPIInitNameSpace, nullptr).value.string),
             "root/test");
-  for (const char* name : {CMPIPrincipal, CMPIRole, CMPIAcceptLanguage, CMPIContentLanguage}) {
+  for (const char* name : {CMPIRole, CMPIAcceptLanguage, CMPIContentLanguage}) {
     EXPECT_EQ(Text(context->ft->getEntry(context, name, nullptr).value.string), "") << name;
   }
   const CMPICount count = context->ft->getEntryCount(context, nullptr);

@@ -128,13 +128,16 @@ TEST_F(BrokerValuesTest, TheHandleOfAStringIsItsText) {
   EXPECT_STREQ(static_cast<const char*>(string->hdl), "text");
 }
 
-TEST_F(BrokerValuesTest, AnInvalidByteBecomesAReplacementCharacter) {
+TEST_F(BrokerValuesTest, AByteThatIsNotUtf8IsOneOfIso88591) {
   const CMPIData data = PassThrough(Chars("a\xFF"
                                           "b\xC3"),
                                     CMPI_chars);
   EXPECT_EQ(Text(data.value.string),
-            "a\xEF\xBF\xBD"
-            "b\xEF\xBF\xBD");
+            "a\xC3\xBF"
+            "b\xC3\x83");
+  EXPECT_EQ(Text(PassThrough(Chars("Gr\xFC\xDF \x80 \xC3\xA4"), CMPI_chars).value.string),
+            "Gr\xC3\xBC\xC3\x9F \xC2\x80 \xC3\xA4")
+      << "what is UTF-8 stays beside it";
 }
 
 struct TObjectType {

@@ -2,6 +2,8 @@
 //
 // Answers of providers that do not fit what the MOF declares.
 #include <gmock/gmock.h>
+#include <pwd.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -77,6 +79,21 @@ TEST_F(MisfitTest, WhatCannotBeConvertedIsNullAndOneLineForAllInstances) {
               ElementsAre(AllOf(HasSubstr("M_Thing.Level should be a uint16"), HasSubstr("R23")),
                           HasSubstr("M_Thing.Levels should be a uint16 array"),
                           HasSubstr("M_Thing.Number should be a uint16")));
+}
+
+TEST_F(MisfitTest, ATextThatIsNotUtf8IsOneOfIso88591) {
+  Open("Misfit_0");
+  EXPECT_EQ(Get("Note"),
+            "Gr\xC3\xBC\xC3\x9F"
+            "e aus \xC3\xA4");
+}
+
+TEST_F(MisfitTest, TheCallerHasTheNameOfTheEffectiveUser) {
+  Open("Misfit_0");
+  const std::string name = Get("User").ToString(10);
+  ASSERT_NE(name, "");
+  const passwd* user = ::getpwuid(::geteuid());
+  EXPECT_EQ(name, user == nullptr ? std::to_string(::geteuid()) : user->pw_name);
 }
 
 TEST_F(MisfitTest, ReferencesAsTextsAreReferences) {
