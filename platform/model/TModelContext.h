@@ -11,6 +11,7 @@
 #include "platform/contract/TCIMClassDeclaration.h"
 #include "platform/contract/TCIMValue.h"
 #include "platform/model/ICIMOperations.h"
+#include "platform/model/TRemarks.h"
 
 namespace NZEPQEL20 {
 
@@ -26,6 +27,9 @@ class TModelContext {
 
   const std::string& GetId() const { return m_id; }
   ICIMOperations& GetOperations() const { return *m_operations; }
+
+  /// Why tests did not start.
+  TRemarks& GetRemarks() { return m_remarks; }
 
   /// The declaration, fetched once per namespace and class.
   /// Errors: what the operations throw for an unknown class.
@@ -44,6 +48,7 @@ class TModelContext {
  private:
   const std::string m_id;
   const std::shared_ptr<ICIMOperations> m_operations;
+  TRemarks m_remarks;
   mutable std::mutex m_mutex;
   boost::weak_ptr<TRoutingNamespace> m_router;
   std::unordered_map<std::string, std::shared_ptr<const TCIMClassDeclaration>> m_declarations;

@@ -4,6 +4,7 @@
 #include <boost/make_shared.hpp>
 #include <utility>
 
+#include "platform/model/DiagnosticMethods.h"
 #include "platform/model/TModelProperty.h"
 
 namespace NZEPQEL20 {
@@ -48,8 +49,11 @@ TCIMValue TModelInstance::InvokeMethod(const std::string& method, TKeyMap& param
                                        const TKeyMap& /*context*/) {
   // On a copy: a call that fails half-way must leave the caller's map alone.
   TKeyMap arguments = parameters;
+  TModelContext& context = *m_home->GetContext();
+  const TCIMReference path = GetObjectPath({});
   TCIMValue result = m_home->Bind(
-      m_home->GetContext()->GetOperations().InvokeMethod(GetObjectPath({}), method, arguments));
+      StartsDiagnostic(method) ? StartDiagnostic(context, path, method, arguments)
+                               : context.GetOperations().InvokeMethod(path, method, arguments));
   for (auto& [name, value] : arguments) value = m_home->Bind(value);
   parameters.swap(arguments);
   return result;

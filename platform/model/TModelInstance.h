@@ -25,6 +25,7 @@ class TModelInstance final : public TCMPIInstance {
   boost::shared_ptr<ICIMProperty> GetProperty(const std::string& name,
                                               const TKeyMap& keys) override;
   void SetProperty(const std::string& name, const TCIMValue& value, const TKeyMap& keys) override;
+  /// What starts a test is answered in one way, whatever the object's: see StartDiagnostic().
   TCIMValue InvokeMethod(const std::string& method, TKeyMap& parameters,
                          const TKeyMap& context) override;
   std::vector<std::string> GetPropertyNames(const TKeyMap& keys) override;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/contract/CMPINSPInstanceRegistry.h"
+#include "platform/model/EndedJobs.h"
 #include "platform/model/TModelClass.h"
 #include "platform/model/TModelInstance.h"
 #include "platform/model/TModelProvider.h"
@@ -45,8 +46,9 @@ boost::shared_ptr<ICIMInstance> TModelNamespace::GetInstance(const TCIMReference
   if (chosen.get() != this) return chosen->GetInstance(path, {});
   TCIMReference wanted = path;
   if (wanted.GetNamespaceName().empty()) wanted.SetNamespaceName(m_name);
-  auto data =
-      std::make_shared<const TCIMInstanceData>(m_context->GetOperations().GetInstance(wanted));
+  TCIMInstanceData fetched = m_context->GetOperations().GetInstance(wanted);
+  CompleteEndedJob(*m_context, wanted.GetNamespaceName(), fetched);
+  auto data = std::make_shared<const TCIMInstanceData>(std::move(fetched));
   CMPINSPInstanceRegistry::GetRegistrySingleton().Register(data);
   return boost::make_shared<TModelInstance>(GetSibling(wanted.GetNamespaceName()), std::move(data));
 }

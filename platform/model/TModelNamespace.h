@@ -22,7 +22,8 @@ class TModelNamespace final : public TCMPINamespace,
 
   boost::shared_ptr<ICIMClass> FindClass(const std::string& className,
                                          const TKeyMap& keys) override;
-  /// The path's own namespace counts; a path without one lies in this.
+  /// The path's own namespace counts; a path without one lies in this. A job that was ended from
+  /// outside is complete: see CompleteEndedJob().
   boost::shared_ptr<ICIMInstance> GetInstance(const TCIMReference& path, TKeyMap keys) override;
   void EnumerateProviders(const boost::function<bool(boost::shared_ptr<IProvider>)>& callback,
                           const TKeyMap& keys) override;
