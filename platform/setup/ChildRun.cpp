@@ -91,8 +91,12 @@ std::string DescribeTime(std::chrono::milliseconds time) {
 /// The parent's side.
 class TWatch {
  public:
-  TWatch(pid_t child, int file, std::chrono::milliseconds limit)
-      : m_child(child), m_file(file), m_limit(limit), m_end(TClock::now() + limit) {}
+  TWatch(pid_t child, int file, std::chrono::milliseconds limit, std::size_t steps)
+      : m_child(child),
+        m_file(file),
+        m_limit(limit),
+        m_stepsLeft(steps),
+        m_end(TClock::now() + limit) {}
   ~TWatch() {
     // Before it is waited for, so that its number cannot be another's; what it started goes, too.
     ::kill(-m_child, SIGKILL);
@@ -136,6 +140,13 @@ class TWatch {
     return true;
   }
 
+  /// Whoever writes without end has the time of all steps, and no more.
+  void BeginStep() {
+    if (m_stepsLeft <= 1) return;
+    --m_stepsLeft;
+    m_end = TClock::now() + m_limit;
+  }
+
   /// Takes what is there, or waits a moment for it.
   void Read() {
     pollfd wait = {m_file, POLLIN, 0};
@@ -146,6 +157,7 @@ class TWatch {
       const ssize_t count = ::read(m_file, piece.data(), piece.size());
       if (count <= 0) break;
       m_text.append(piece.data(), static_cast<std::size_t>(count));
+      if (m_text.back() == kEnd) BeginStep();
       if (m_text.size() > kMaxText) m_text.resize(kMaxText);
       if (HasAll()) break;
     }
@@ -168,14 +180,15 @@ class TWatch {
   const pid_t m_child;
   const int m_file;
   const std::chrono::milliseconds m_limit;
-  const TClock::time_point m_end;
+  std::size_t m_stepsLeft;  ///< With the present one.
+  TClock::time_point m_end;
   std::string m_text;
 };
 
 }  // namespace
 
 TChildOutcome RunInChild(const std::function<void(const TTell&)>& work,
-                         std::chrono::milliseconds limit) {
+                         std::chrono::milliseconds limit, std::size_t steps) {
   std::array<int, 2> ends = {-1, -1};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) Refuse("pipe");
   const pid_t parent = ::getpid();
@@ -190,7 +203,7 @@ TChildOutcome RunInChild(const std::function<void(const TTell&)>& work,
     Refuse("fork");
   }
   ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
-  return TWatch(child, ends[0], limit).Follow();
+  return TWatch(child, ends[0], limit, steps).Follow();
 }
 
 }  // namespace NZEPQEL20::setup

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -20,9 +21,10 @@ struct TChildOutcome {
 
 /// Does `work` in a process of its own, with nothing to read and nowhere to write but the records,
 /// and ends that process and all that it started when the work is done or `limit` is over. A core
-/// is not dumped.
+/// is not dumped. Work of several `steps` tells a record before each of them, and has the limit
+/// for each.
 /// Errors: TQELException when no process can be made.
 TChildOutcome RunInChild(const std::function<void(const TTell&)>& work,
-                         std::chrono::milliseconds limit);
+                         std::chrono::milliseconds limit, std::size_t steps = 1);
 
 }  // namespace NZEPQEL20::setup

@@ -13,6 +13,7 @@
 #include "platform/cmpi/TProviders.h"
 #include "platform/contract/TRootObject.h"
 #include "platform/setup/ChildRun.h"
+#include "platform/setup/InstanceProbe.h"
 #include "platform/setup/VendorSchema.h"
 
 namespace NZEPQEL20::setup {
@@ -21,6 +22,8 @@ namespace {
 using cmpi::TProviders;
 
 constexpr CMPIVersion kOldestTable = 100;
+constexpr char kLoadingRule[] = "R19";
+constexpr char kCleanupRule[] = "R9";
 constexpr char kSeparator = '\x1F';
 
 using TMake = CMPIVersion (*)(cmpi::TProvider&, cmpi::TBroker&);
@@ -67,6 +70,36 @@ std::string Pack(const TProviderFinding& finding) {
          ToOneLine(finding.text) + kSeparator + ToOneLine(finding.remedy);
 }
 
+constexpr char kStepMark = '>';
+
+/// A record that says what the child does from now on, and the rule about it. One that it has come
+/// to, and did not come back from, is the one at fault.
+std::string PackStep(const std::string& rule, const std::string& what) {
+  return kStepMark + rule + kSeparator + ToOneLine(what);
+}
+
+struct TStep {
+  std::string rule;
+  std::string what;
+};
+
+bool Unpack(const std::string& record, TStep& step) {
+  const std::size_t place = record.find(kSeparator);
+  if (place == std::string::npos || record.front() != kStepMark ||
+      record.find(kSeparator, place + 1) != std::string::npos) {
+    return false;
+  }
+  step = {record.substr(1, place - 1), record.substr(place + 1)};
+  return true;
+}
+
+/// What mends a step that did not come back.
+std::string FindRemedy(const std::string& rule) {
+  if (rule == kCleanupRule) return "end what it waits for, and return";
+  if (rule == kEnumerationRule) return "answer at once; what takes time belongs into the test";
+  return "do what takes time in the functions, not before";
+}
+
 /// A record of the child as a finding; false for one that is none.
 bool Unpack(const std::string& record, TProviderFinding& finding) {
   std::vector<std::string> fields;
@@ -77,12 +110,19 @@ bool Unpack(const std::string& record, TProviderFinding& finding) {
   return true;
 }
 
+/// Making and cleaning up, besides what is between.
+constexpr std::size_t kStepsOfMaking = 2;
+
 /// Looks at the libraries one by one.
 class TProbe {
  public:
   TProbe(const std::shared_ptr<const TClassRepository>& classes,
-         const TRegistrations& registrations, std::chrono::milliseconds limit)
-      : m_classes(classes), m_registrations(registrations), m_limit(limit) {}
+         const TRegistrations& registrations, const std::string& nameSpace,
+         std::chrono::milliseconds limit)
+      : m_classes(classes),
+        m_registrations(registrations),
+        m_nameSpace(nameSpace),
+        m_limit(limit) {}
 
   std::vector<TProviderFinding> Run() {
     for (const TRegistration& entry : m_registrations.GetEntries()) {
@@ -138,19 +178,21 @@ class TProbe {
 
   /// Does `work` in a child; what it tells, or how it ended instead, are findings. False when it
   /// did not come back.
-  bool Follow(const std::string& what, const std::function<void(const TTell&)>& work) {
+  bool Follow(const std::string& what, const std::function<void(const TTell&)>& work,
+              std::size_t steps = 1) {
     const auto quiet = [&work](const TTell& tell) {
       TRootObject::SetCoreLogger(nullptr);
       work(tell);
     };
-    const TChildOutcome outcome = RunInChild(quiet, m_limit);
+    const TChildOutcome outcome = RunInChild(quiet, m_limit, steps);
+    TStep step = {kLoadingRule, what};
     bool isGarbled = false;
     for (const std::string& record : outcome.records) {
       TProviderFinding finding;
       if (Unpack(record, finding)) {
         m_findings.push_back(std::move(finding));
       } else {
-        isGarbled = true;
+        isGarbled = !Unpack(record, step) || isGarbled;
       }
     }
     if (isGarbled) {
@@ -159,14 +201,14 @@ class TProbe {
     }
     if (outcome.ending.empty()) return true;
     const bool isLate = outcome.ending.compare(0, 3, "did") == 0;
-    Fail(isLate ? "R19" : "R7", what + " " + outcome.ending,
-         isLate ? "do what takes time in the functions, not before"
-                : "mend the library; it would end whoever uses it");
+    Fail(isLate ? step.rule : "R7", step.what + " " + outcome.ending,
+         isLate ? FindRemedy(step.rule) : "mend the library; it would end whoever uses it");
     return !isLate;
   }
 
   /// False when there is no use in going on with the library.
   bool ProbeProvider(const std::string& library, const std::string& name, const TEntries& entries) {
+    const std::size_t before = CountErrors();
     for (const TKind& kind : kKinds) {
       const bool isRegistered =
           std::any_of(entries.begin(), entries.end(), [&](const TRegistration* entry) {
@@ -175,9 +217,56 @@ class TProbe {
       if (!isRegistered || kind.make == nullptr) continue;
       const std::string what = library + ": making the " + kind.word + " functions of provider ";
       const auto make = [&](const TTell& tell) { Make(library, name, kind, tell); };
-      if (!Follow(what + name, make)) return false;
+      if (!Follow(what + name, make, kStepsOfMaking)) return false;
     }
-    return true;
+    // Functions that cannot be made cannot be called.
+    return CountErrors() > before || ProbeEnumerations(library, name, entries);
+  }
+
+  std::size_t CountErrors() const {
+    return static_cast<std::size_t>(
+        std::count_if(m_findings.begin(), m_findings.end(),
+                      [](const TProviderFinding& finding) { return !finding.isWarning; }));
+  }
+
+  /// False when there is no use in going on with the library.
+  bool ProbeEnumerations(const std::string& library, const std::string& name,
+                         const TEntries& entries) {
+    const auto count = std::count_if(entries.begin(), entries.end(), [&](const auto* entry) {
+      return entry->providerName == name && entry->isInstance;
+    });
+    // A type without its entry point has been told.
+    if (count == 0 || !HasInstanceFactory(library, name)) return true;
+    const auto enumerate = [&](const TTell& tell) { Enumerate(library, name, tell); };
+    return Follow(library + ": enumerating the instances of provider " + name, enumerate,
+                  static_cast<std::size_t>(count) + kStepsOfMaking);
+  }
+
+  static bool HasInstanceFactory(const std::string& library, const std::string& name) {
+    const std::vector<std::string> symbols = FindFactories(TElfFile(library).GetSymbols());
+    return std::any_of(symbols.begin(), symbols.end(), [&name](const std::string& symbol) {
+      return symbol == name + "_Create_InstanceMI" || symbol == "_Generic_Create_InstanceMI";
+    });
+  }
+
+  /// In the child: has the provider enumerate the instances of each of its classes.
+  void Enumerate(const std::string& library, const std::string& name, const TTell& tell) const {
+    const TCMPIOperations operations(m_classes, m_registrations);
+    const TProviders& providers = operations.GetHosted();
+    for (const TProviders::TService& service : providers.GetServices()) {
+      const TRegistration& entry = *service.registration;
+      if (entry.library != library || entry.providerName != name || !entry.isInstance) continue;
+      const std::string& nameSpace = entry.nameSpace == "*" ? m_nameSpace : entry.nameSpace;
+      tell(PackStep(kEnumerationRule, library + ": " + DescribeEnumeration(entry, nameSpace)));
+      const auto finding = ProbeInstances(providers, service, nameSpace);
+      if (finding) tell(Pack(*finding));
+    }
+    TellCleanup(library, name, tell);
+  }
+
+  /// What the provider is ended in when the operations that host it go.
+  static void TellCleanup(const std::string& library, const std::string& name, const TTell& tell) {
+    tell(PackStep(kCleanupRule, library + ": cleanup of provider " + name));
   }
 
   /// In the child: has the provider make its functions, and end them.
@@ -192,6 +281,7 @@ class TProbe {
       if (entry.library != library || entry.providerName != name) continue;
       try {
         const CMPIVersion version = kind.make(*service.provider, providers.GetBroker());
+        TellCleanup(library, name, tell);
         if (version >= kOldestTable) return;
         tell(Pack({true, "R6", functions + " have the table version " + std::to_string(version),
                    "build it with a header that sets ftVersion to 100, 200 or 210"}));
@@ -241,6 +331,7 @@ class TProbe {
 
   const std::shared_ptr<const TClassRepository>& m_classes;
   const TRegistrations& m_registrations;
+  const std::string& m_nameSpace;
   const std::chrono::milliseconds m_limit;
   std::map<std::string, TEntries> m_entries;
   std::vector<TProviderFinding> m_findings;
@@ -250,8 +341,9 @@ class TProbe {
 
 std::vector<TProviderFinding> ProbeLibraries(const std::shared_ptr<const TClassRepository>& classes,
                                              const TRegistrations& registrations,
+                                             const std::string& nameSpace,
                                              std::chrono::milliseconds limit) {
-  return TProbe(classes, registrations, limit).Run();
+  return TProbe(classes, registrations, nameSpace, limit).Run();
 }
 
 std::vector<std::string> FindUsed(const std::vector<std::string>& libraries,

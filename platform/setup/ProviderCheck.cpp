@@ -152,7 +152,7 @@ std::vector<TProviderFinding> CheckProvider(const std::string& root,
   Append(findings, std::move(loaded.findings));
   Append(findings, CheckLeftOut(loaded.leftOut, package, installed));
   Append(findings, CheckClasses(*loaded.classes, registrations));
-  Append(findings, ProbeLibraries(loaded.classes, registrations));
+  Append(findings, ProbeLibraries(loaded.classes, registrations, nameSpace));
   Append(findings, CheckUnusedLibraries(package, registrations));
   Append(findings, CheckOthers(package, installed));
   Append(findings, CheckOffer(*loaded.classes, package, installed, nameSpace));

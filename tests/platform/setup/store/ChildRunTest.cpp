@@ -31,6 +31,18 @@ TEST(ChildRunTest, HandsTheRecordsOverInTheirOrder) {
   EXPECT_EQ(outcome.ending, "");
 }
 
+TEST(ChildRunTest, EachStepHasTheLimitAndNoMoreStepsThanAnnouncedHave) {
+  const auto work = [](const TTell& tell) {
+    for (int step = 0; step < 4; ++step) {
+      tell("step");
+      ::usleep(150'000);
+    }
+  };
+  EXPECT_EQ(RunInChild(work, milliseconds(400), 5).ending, "");
+  EXPECT_EQ(RunInChild(work, milliseconds(400), 1).ending,
+            "did not come back within 400 milliseconds");
+}
+
 struct TEnding {
   const char* name;
   void (*work)(const TTell&);

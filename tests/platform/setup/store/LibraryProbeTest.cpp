@@ -27,7 +27,7 @@ class LibraryProbeTest : public TStoreTest {
     registrations.Load(m_vendor.GetPath("x.registration"));
     auto classes = std::make_shared<TClassRepository>();
     classes->LoadText(kClasses, "a.mof");
-    return ProbeLibraries(classes, registrations, limit);
+    return ProbeLibraries(classes, registrations, "root/any", limit);
   }
 };
 
@@ -112,6 +112,44 @@ TEST_F(LibraryProbeTest, AfterAHangTheRestOfTheLibraryIsNotWaitedFor) {
   EXPECT_THAT(Show(findings[0]), HasSubstr("making the instance functions of provider Probed did "
                                            "not come back within 200 milliseconds"));
 }
+
+struct TBadCall {
+  const char* name;  ///< Of the library, too.
+  const char* finding;
+};
+void PrintTo(const TBadCall& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class BadCallTest : public LibraryProbeTest, public testing::WithParamInterface<TBadCall> {};
+
+TEST_P(BadCallTest, IsOneFindingThatNamesTheCall) {
+  const auto findings = Probe(std::string(DIAGS_PROBED_DIR) + "/lib" + GetParam().name + ".so",
+                              "Probed", "instance", std::chrono::milliseconds(300));
+  ASSERT_THAT(findings, SizeIs(1)) << ShowAll(findings);
+  EXPECT_THAT(Show(findings[0]), testing::MatchesRegex(GetParam().finding));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Calls, BadCallTest,
+    testing::Values(
+        TBadCall{"enumcrash",
+                 "error R7: .*/libx.so: enumerating class A_Base in root/x by provider Probed "
+                 "ended by signal 11 .Segmentation fault.; .*"},
+        TBadCall{"enumhang",
+                 "error R24: .*/libx.so: enumerating class A_Base in root/x by provider Probed "
+                 "did not come back within 300 milliseconds; answer at once; .*"},
+        TBadCall{"enumexit", "error R7: .*enumerating class A_Base .* exit status 3; .*"},
+        TBadCall{"enumfails",
+                 "warning R24: .*enumerating class A_Base in root/x by provider Probed failed: "
+                 "CIM_ERR_FAILED: no bus here; answer OK without instances .*"},
+        TBadCall{"namescrash", "error R7: .*enumerating class A_Base .* signal 11 .*"},
+        TBadCall{"cleanupcrash",
+                 "error R7: .*/libx.so: cleanup of provider Probed ended by signal 11 .*"},
+        TBadCall{"cleanuphang",
+                 "error R9: .*/libx.so: cleanup of provider Probed did not come back within 300 "
+                 "milliseconds; end what it waits for, and return"}),
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(LibraryProbeTest, AProcessThatIsLeftBehindHoldsNobodyUp) {
   EXPECT_EQ(ShowAll(Probe(std::string(DIAGS_PROBED_DIR) + "/libloadleaves.so", "Probed")), "");

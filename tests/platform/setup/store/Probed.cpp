@@ -29,12 +29,35 @@ const int theLoading = [] {
 }();
 
 CMPIStatus Cleanup(CMPIInstanceMI*, const CMPIContext*, CMPIBoolean) {
+  if (DIAGS_IS("cleanupcrash")) ::raise(SIGSEGV);
+  if (DIAGS_IS("cleanuphang")) Hang();
   return {CMPI_RC_OK, nullptr};
 }
 
-const CMPIInstanceMIFT kTable = {CMPIVersion200, CMPIVersion200, "Probed", Cleanup,
-                                 nullptr,        nullptr,        nullptr,  nullptr,
-                                 nullptr,        nullptr,        nullptr,  nullptr};
+const CMPIBroker* theBroker = nullptr;
+
+CMPIStatus EnumerateNames(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*,
+                          const CMPIObjectPath*) {
+  if (DIAGS_IS("namescrash")) ::raise(SIGSEGV);
+  return {CMPI_RC_OK, nullptr};
+}
+
+CMPIStatus EnumerateInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*,
+                              const CMPIObjectPath*, const char**) {
+  if (DIAGS_IS("enumcrash")) ::raise(SIGSEGV);
+  if (DIAGS_IS("enumhang")) Hang();
+  if (DIAGS_IS("enumexit")) std::exit(3);
+  if (DIAGS_IS("enumfails")) {
+    return {CMPI_RC_ERR_FAILED, theBroker->eft->newString(theBroker, "no bus here", nullptr)};
+  }
+  // Its names are to be asked for, then.
+  if (DIAGS_IS("namescrash")) return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
+  return {CMPI_RC_OK, nullptr};
+}
+
+const CMPIInstanceMIFT kTable = {
+    CMPIVersion200, CMPIVersion200, "Probed", Cleanup, EnumerateNames, EnumerateInstances,
+    nullptr,        nullptr,        nullptr,  nullptr, nullptr,        nullptr};
 CMPIInstanceMI theMI = {nullptr, &kTable};
 
 // Fails with a text that holds the marks between the fields and records of the check.
@@ -56,6 +79,7 @@ void ComeBack(const CMPIBroker* broker, const CMPIContext* context) {
 }
 
 CMPIInstanceMI* Create(const CMPIBroker* broker, const CMPIContext* context, CMPIStatus* status) {
+  theBroker = broker;
   if (DIAGS_IS("factoryseparators")) return Refuse(broker, status);
   if (DIAGS_IS("factoryupcall")) ComeBack(broker, context);
   if (DIAGS_IS("factorycrash")) ::raise(SIGSEGV);

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/setup/InstanceProbe.h"
+
+#include "platform/cmpi/ProviderCall.h"
+#include "platform/cmpi/TBrokerPath.h"
+
+namespace NZEPQEL20::setup {
+namespace {
+
+using namespace cmpi;
+
+using EKind = TBrokerResult::EKind;
+
+TCallOutcome AskForInstances(TBroker& broker, CMPIInstanceMI& mi, const TCallSite& site,
+                             const TPassedPath& path) {
+  return CallProvider(broker, site, EKind::kInstances, [&](auto* context, auto* result) {
+    return mi.ft->enumerateInstances == nullptr
+               ? NoSuchFunction()
+               : mi.ft->enumerateInstances(&mi, context, result, path.Get(), nullptr);
+  });
+}
+
+TCallOutcome AskForNames(TBroker& broker, CMPIInstanceMI& mi, const TCallSite& site,
+                         const TPassedPath& path) {
+  return CallProvider(broker, site, EKind::kPaths, [&](auto* context, auto* result) {
+    return mi.ft->enumerateInstanceNames == nullptr
+               ? NoSuchFunction()
+               : mi.ft->enumerateInstanceNames(&mi, context, result, path.Get());
+  });
+}
+
+}  // namespace
+
+std::string DescribeEnumeration(const TRegistration& entry, const std::string& nameSpace) {
+  return "enumerating class " + entry.className + " in " + nameSpace + " by provider " +
+         entry.providerName;
+}
+
+std::optional<TProviderFinding> ProbeInstances(const TProviders& providers,
+                                               const TProviders::TService& service,
+                                               const std::string& nameSpace) {
+  const TRegistration& entry = *service.registration;
+  TBroker& broker = providers.GetBroker();
+  CMPIInstanceMI& mi = service.provider->GetInstanceMI(broker);
+  const TCallSite site = {nameSpace, entry.parameters};
+  const TPassedPath path(TPathContent{{}, nameSpace, entry.className, {}});
+  TCallOutcome outcome = AskForInstances(broker, mi, site, path);
+  if (outcome.code == CMPI_RC_ERR_NOT_SUPPORTED) outcome = AskForNames(broker, mi, site, path);
+  // "Not found" counts as none, and an association class may be found by what it joins.
+  if (outcome.code == CMPI_RC_OK || outcome.code == CMPI_RC_ERR_NOT_SUPPORTED ||
+      outcome.code == CMPI_RC_ERR_NOT_FOUND) {
+    return std::nullopt;
+  }
+  const std::string words = outcome.message == GetCodeName(outcome.code)
+                                ? outcome.message
+                                : GetCodeName(outcome.code) + ": " + outcome.message;
+  return TProviderFinding{
+      true, kEnumerationRule,
+      entry.library + ": " + DescribeEnumeration(entry, nameSpace) + " failed: " + words,
+      "answer OK without instances where there is nothing to be found"};
+}
+
+}  // namespace NZEPQEL20::setup
