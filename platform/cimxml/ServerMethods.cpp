@@ -6,6 +6,7 @@
 #include "platform/cimxml/TReplyReader.h"
 #include "platform/cimxml/TServerParts.h"
 #include "platform/model/CoreLog.h"
+#include "platform/model/DiagnosticMethods.h"
 #include "platform/model/Typing.h"
 
 namespace NZEPQEL20 {
@@ -101,7 +102,7 @@ bool IsJob(const std::string& name) {
 }
 
 // A result that is NULL is none. One that cannot be used is reported and left out, but for the job:
-// without it nobody would follow what has been started.
+// without it nobody would follow what has been started. That of a test may take other forms.
 TKeyMap ConvertResults(const TKeyMap& came, const TCIMMethodDeclaration* declared,
                        const cimxml::TQuestion& question) {
   TKeyMap results;
@@ -116,8 +117,12 @@ TKeyMap ConvertResults(const TKeyMap& came, const TCIMMethodDeclaration* declare
       results[parameter->name] =
           Convert(*parameter, value, question.nameSpace, question.what + ": parameter " + name);
     } catch (const TQELException& e) {
-      if (IsJob(name)) throw;
-      Warn(e.what());
+      if (!IsJob(name)) {
+        Warn(e.what());
+        continue;
+      }
+      if (!StartsDiagnostic(question.name)) throw;
+      results[parameter->name] = value;
     }
   }
   return results;
@@ -125,11 +130,17 @@ TKeyMap ConvertResults(const TKeyMap& came, const TCIMMethodDeclaration* declare
 
 }  // namespace
 
-void TCIMXMLOperations::TParts::NoteJob(const TKeyMap& results) {
+void TCIMXMLOperations::TParts::NoteJob(const TKeyMap& results, const std::string& nameSpace) {
   for (const auto& [name, value] : results) {
-    if (!IsJob(name) || value.IsArray() || value.IsNull()) continue;
-    if (value.GetType() != ECIMType::kReference) continue;
-    auto job = static_cast<TCIMReference>(value);
+    if (!IsJob(name) || value.IsNull()) continue;
+    TCIMReference job;
+    try {
+      job = GetJobReference(value);
+    } catch (const TQELException&) {
+      // Whoever called is told.
+      continue;
+    }
+    if (job.GetNamespaceName().empty()) job.SetNamespaceName(nameSpace);
     const std::lock_guard<std::mutex> lock(mutex);
     if (std::find(startedJobs.begin(), startedJobs.end(), job) == startedJobs.end()) {
       startedJobs.push_back(std::move(job));
@@ -151,7 +162,7 @@ TCIMValue TCIMXMLOperations::TParts::Invoke(TCIMXMLOperations& operations,
       MakeQuestion(Type(target), method, parameters, declared, connection.NextId());
   TReply reply = connection.Ask(question, budget);
   // Whatever else of the reply cannot be used: the job runs.
-  if (mayStartJob) NoteJob(reply.parameters);
+  if (mayStartJob) NoteJob(reply.parameters, question.nameSpace);
   TKeyMap results = ConvertResults(reply.parameters, declared, question);
   TCIMValue result = std::move(reply.returnValue);
   if (declared != nullptr) {

@@ -9,6 +9,7 @@
 #include "platform/cimxml/TReplyReader.h"
 #include "platform/model/CIMStatus.h"
 #include "platform/model/CoreLog.h"
+#include "platform/model/DiagnosticMethods.h"
 
 namespace NZEPQEL20::cimxml {
 namespace {
@@ -162,9 +163,11 @@ std::string TServerConnection::TakeLastFailure() {
 void TServerConnection::NoteProblem(const TQELException& failure, const TQuestion& question) {
   const bool isRefusal = failure.GetCIMStatus() != TQELException::kNoCIMStatus;
   if (isRefusal) {
-    // An object may well be elsewhere or gone; a method that is refused has not been started.
+    // An object may well be elsewhere or gone; a method that is refused has not been started. An
+    // older one that is missing has a newer one in its place.
+    if (!question.isMethodCall || IsWithoutRunDiagnostic(question.name, failure)) return;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (question.isMethodCall) m_lastFailure = failure.what();
+    m_lastFailure = failure.what();
     return;
   }
   const std::string kind = GetKind(failure.what());

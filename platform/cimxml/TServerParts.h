@@ -29,8 +29,8 @@ struct TCIMXMLOperations::TParts {
   /// from a text has texts for keys.
   TCIMReference Type(const TCIMReference& path);
 
-  /// Keeps the job that a method call has started, when it has.
-  void NoteJob(const TKeyMap& results);
+  /// Keeps the job that a method call in `nameSpace` has started, when it has.
+  void NoteJob(const TKeyMap& results, const std::string& nameSpace);
 
   /// A method call, within `budget`; one that may start a job has it noted.
   TCIMValue Invoke(TCIMXMLOperations& operations, const TCIMReference& path,

@@ -142,6 +142,7 @@ struct TPlatform::TParts {
   void AddContext(const char* id, const std::shared_ptr<ICIMOperations>& operations) {
     auto context = std::make_shared<TModelContext>(id, operations);
     context->SetRouter(router);
+    contexts.push_back(context);
     auto connection = boost::make_shared<TModelNamespace>(context, nameSpaceName);
     router->AddContext(id, [connection](const TKeyMap& keys) {
       const auto name = keys.find("nsp");
@@ -156,6 +157,7 @@ struct TPlatform::TParts {
   std::shared_ptr<TCMPIOperations> providers;  // Either these ...
   std::shared_ptr<TCIMXMLOperations> server;   // ... or this one.
   std::shared_ptr<TCIMXMLOperations> pegasus;
+  std::vector<std::shared_ptr<TModelContext>> contexts;
   boost::shared_ptr<TRoutingNamespace> router = boost::make_shared<TRoutingNamespace>();
   boost::shared_ptr<TRepositoryNamespace> repository = boost::make_shared<TRepositoryNamespace>();
 };
@@ -185,6 +187,7 @@ const std::vector<std::string>& TPlatform::GetProblems() const {
   if (m_parts->providers) add(m_parts->providers->GetProblems());
   if (m_parts->server) add(m_parts->server->GetProblems());
   if (m_parts->pegasus && m_parts->pegasus != m_parts->server) add(m_parts->pegasus->GetProblems());
+  for (const auto& context : m_parts->contexts) add(context->GetRemarks().Get());
   return m_parts->problems;
 }
 

@@ -92,6 +92,48 @@ TEST_F(TestProviderTest, AnInterruptEndsATestThatWouldNeverEnd) {
   EXPECT_THAT(command.GetOut(), Not(HasSubstr("[2/2]")));
 }
 
+class TestMannerTest : public TestProviderTest,
+                       public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(TestMannerTest, IsRunLikeAnyOther) {
+  TProgram program = MakeRun({"run", "--json", std::string("TestPolls") + kEndingDevice});
+  program.environment["DIAGSTEST_MANNER"] = GetParam();
+  const TFinished finished = RunToEnd(program);
+  EXPECT_EQ(finished.status, 0) << finished.err;
+  EXPECT_EQ(json::parse(finished.out)["tests"][0]["answer"], "Pass");
+}
+INSTANTIATE_TEST_SUITE_P(All, TestMannerTest,
+                         ::testing::Values("newer", "text", "instance", "null"),
+                         [](const auto& row) { return std::string(row.param); });
+
+TEST_F(TestProviderTest, TheReasonWhyNoTestStartsIsShown) {
+  TProgram program = MakeRun({"run", std::string("TestPass") + kEndingDevice});
+  program.environment["DIAGSTEST_MANNER"] = "busy";
+  const TFinished finished = RunToEnd(program);
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_THAT(finished.out, HasSubstr("      No Status ("));
+  EXPECT_THAT(finished.err,
+              HasSubstr("RunDiagnosticService of TST_DiagnosticTest answers 6 (Busy)"));
+  EXPECT_THAT(finished.err, Not(HasSubstr("RunDiagnostic of TST_DiagnosticTest answers")));
+}
+
+TEST_F(TestProviderTest, ATestThatFindsItsOtherMethodSaysNothing) {
+  const TFinished finished = RunToEnd(MakeRun({"run", std::string("TestService") + kEndingDevice}));
+  EXPECT_EQ(finished.status, 0);
+  EXPECT_EQ(finished.err, "");
+}
+
+TEST_F(TestProviderTest, AnInterruptEndsATestWhoseJobStaysBelowHundred) {
+  TProgram program =
+      MakeRun({"run", std::string("TestHang") + kEndingDevice, "--progress", "always"});
+  program.environment["DIAGSTEST_MANNER"] = "frozen";
+  TSubprocess command(program);
+  ASSERT_TRUE(command.WaitForOutput("Percent Complete: "));
+  command.Signal(SIGINT);
+  EXPECT_EQ(command.Wait(), 2);
+  EXPECT_THAT(command.GetOut(), HasSubstr("      Aborted ("));
+}
+
 TEST_F(TestProviderTest, AMissingLibraryIsNamedAndNothingIsFound) {
   const std::filesystem::path root = GetFolder() + "/root";
   std::filesystem::copy(DIAGSTEST_ROOT, root, std::filesystem::copy_options::recursive);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <map>
 
 #include "platform/contract/ICIMClass.h"
@@ -111,6 +112,67 @@ TEST_P(ServerRoadTest, OffersTheSameTestsAsTheLibrariesDo) {
   TRunner runner(ThroughServer());
   EXPECT_EQ(runner.List(), local);
   EXPECT_FALSE(local.empty());
+}
+
+void StartHangingTest(TPlatform& platform) {
+  const boost::shared_ptr<ICIMNamespace> ns = platform.GetNamespace();
+  boost::shared_ptr<ICIMInstance> hanging;
+  ns->FindClass("CIM_DiagnosticTest", {})
+      ->EnumerateInstances(
+          [&hanging](const boost::shared_ptr<ICIMInstance>& test) {
+            const bool isIt = test->GetProperty("Name", {})->GetValueText() == "TestHang";
+            if (isIt) hanging = test;
+            return !isIt;
+          },
+          1, {});
+  boost::shared_ptr<ICIMInstance> disk;
+  ns->FindClass("CIM_DiskDrive", {})
+      ->EnumerateInstances(
+          [&disk](const boost::shared_ptr<ICIMInstance>& found) {
+            disk = found;
+            return false;
+          },
+          1, {});
+  ASSERT_TRUE(hanging && disk);
+  TKeyMap parameters = {{"ManagedElement", TCIMValue(disk->GetObjectPath({}))}};
+  hanging->InvokeMethod("RunDiagnostic", parameters, {});
+  EXPECT_THAT(parameters, Contains(Key("Job")));
+}
+
+// The manner in which the provider behind the server answers, see its own file.
+class TManner {
+ public:
+  explicit TManner(const char* name) { ::setenv("DIAGSTEST_MANNER", name, 1); }
+  ~TManner() { ::unsetenv("DIAGSTEST_MANNER"); }
+  TManner(const TManner&) = delete;
+  TManner& operator=(const TManner&) = delete;
+};
+
+TEST_P(ServerRoadTest, RunsTestsOfVendorsThatAnswerInOtherForms) {
+  for (const char* name : {"newer", "text", "instance", "null"}) {
+    const TManner manner(name);
+    TRunner runner(ThroughServer());
+    EXPECT_THAT(runner.Run(FindId(runner.List(), "TestPolls,")), HasSubstr("Pass")) << name;
+    EXPECT_THAT(runner.GetPlatform().GetProblems(), testing::IsEmpty()) << name;
+    EXPECT_EQ(runner.GetPlatform().TakeServerFailure(), "") << name;
+  }
+}
+
+TEST_P(ServerRoadTest, KillsAJobThatItsServerNamedInAnyForm) {
+  for (const char* name : {"text", "instance"}) {
+    const TManner manner(name);
+    TRunner runner(ThroughServer());
+    StartHangingTest(runner.GetPlatform());
+    EXPECT_EQ(runner.GetPlatform().KillRunningJobs(), 1U) << name;
+  }
+}
+
+TEST_P(ServerRoadTest, TellsWhyAServersTestDoesNotStart) {
+  const TManner manner("busy");
+  TRunner runner(ThroughServer());
+  EXPECT_EQ(runner.Run(FindId(runner.List(), "TestPolls,")), "No Status\n");
+  EXPECT_THAT(runner.GetPlatform().GetProblems(),
+              ElementsAre("RunDiagnosticService of TST_DiagnosticTest answers 6 (Busy)"));
 }
 
 TEST_P(ServerRoadTest, FollowsAJobToItsVerdictAndKeepsItsRecord) {
@@ -348,31 +410,6 @@ TEST(ServerSetupTest, ReportsANamespaceWithoutTestsAndGoesOn) {
               ElementsAre(testing::AllOf(HasSubstr("CIM_ERR_INVALID_NAMESPACE (3)"),
                                          HasSubstr("--namespace names another"))));
   EXPECT_TRUE(platform.GetUnofferedTests().empty());
-}
-
-void StartHangingTest(TPlatform& platform) {
-  const boost::shared_ptr<ICIMNamespace> ns = platform.GetNamespace();
-  boost::shared_ptr<ICIMInstance> hanging;
-  ns->FindClass("CIM_DiagnosticTest", {})
-      ->EnumerateInstances(
-          [&hanging](const boost::shared_ptr<ICIMInstance>& test) {
-            const bool isIt = test->GetProperty("Name", {})->GetValueText() == "TestHang";
-            if (isIt) hanging = test;
-            return !isIt;
-          },
-          1, {});
-  boost::shared_ptr<ICIMInstance> disk;
-  ns->FindClass("CIM_DiskDrive", {})
-      ->EnumerateInstances(
-          [&disk](const boost::shared_ptr<ICIMInstance>& found) {
-            disk = found;
-            return false;
-          },
-          1, {});
-  ASSERT_TRUE(hanging && disk);
-  TKeyMap parameters = {{"ManagedElement", TCIMValue(disk->GetObjectPath({}))}};
-  hanging->InvokeMethod("RunDiagnostic", parameters, {});
-  EXPECT_THAT(parameters, Contains(Key("Job")));
 }
 
 TEST(ServerSetupTest, EndsOfTheJobsOnAServerItsOwn) {

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A provider whose tests end in every way that a test can end: one device, one service per ending.
+// DIAGSTEST_MANNER makes all of them answer in the way of some vendors, see IsOfManner().
 #include <strings.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <string>
@@ -27,6 +29,7 @@ constexpr CMPIUint16 kKilled = 9;
 constexpr CMPIUint32 kNoError = 0;
 constexpr CMPIUint32 kNotSupported = 1;
 constexpr CMPIUint32 kInvalidParameter = 5;
+constexpr CMPIUint32 kBusy = 6;
 constexpr CMPIUint32 kInvalidTransition = 4097;
 // EstimatedDurationOfService.
 constexpr CMPIUint16 kMinutes = 4;
@@ -60,6 +63,14 @@ constexpr TService kServices[] = {
 
 constexpr CMPIUint16 kPolls[] = {10, 40, 70, 100};
 
+// Whether the environment asks for a manner: "newer" (without RunDiagnostic), "busy" (no run),
+// "text" and "instance" (the job in these forms, behind another out-parameter), "null" (no job of
+// RunDiagnostic), "frozen" (a job that is killed keeps its percentage).
+bool IsOfManner(const char* manner) {
+  const char* const wanted = std::getenv("DIAGSTEST_MANNER");
+  return wanted != nullptr && std::strcmp(wanted, manner) == 0;
+}
+
 // One run of a service: its job and, once it has ended, its record.
 struct TRun {
   std::string id;
@@ -68,7 +79,7 @@ struct TRun {
   bool isKilled = false;
 
   CMPIUint16 GetPercent() const {
-    if (isKilled) return 100;
+    if (isKilled && !IsOfManner("frozen")) return 100;
     if (service->conduct == EConduct::kHangs) return 20;
     if (service->conduct != EConduct::kPolls) return 100;
     const std::size_t last = std::size(kPolls) - 1;
@@ -79,7 +90,9 @@ struct TRun {
     if (isKilled) return kKilled;
     return GetPercent() == 100 ? kCompleted : kRunning;
   }
-  bool HasRecord() const { return GetPercent() == 100 && service->conduct != EConduct::kNoRecord; }
+  bool HasRecord() const {
+    return (isKilled || GetPercent() == 100) && service->conduct != EConduct::kNoRecord;
+  }
 };
 
 const CMPIBroker* broker = nullptr;
@@ -352,14 +365,29 @@ bool OffersJob(const TService& service, bool isByService) {
   return service.conduct != EConduct::kServiceOnly || isByService;
 }
 
+void AddJob(const CMPIObjectPath* target, const TRun& run, CMPIArgs* out) {
+  CMPIObjectPath* const path = StartJob(target, run).TakePath();
+  if (IsOfManner("text") || IsOfManner("instance")) {
+    out->ft->addArg(out, "DetailText", reinterpret_cast<const CMPIValue*>("started"), CMPI_chars);
+  }
+  if (IsOfManner("text")) {
+    const char* const text = TextOf(path->ft->toString(path, nullptr));
+    out->ft->addArg(out, "Job", reinterpret_cast<const CMPIValue*>(text), CMPI_chars);
+  } else if (IsOfManner("instance")) {
+    CMPIInstance* const job = MakeJob(target, run);
+    out->ft->addArg(out, "Job", reinterpret_cast<const CMPIValue*>(&job), CMPI_instance);
+  } else {
+    out->ft->addArg(out, "Job", reinterpret_cast<const CMPIValue*>(&path), CMPI_ref);
+  }
+}
+
 CMPIUint32 RunTest(const CMPIObjectPath* target, const TService& service, CMPIArgs* out) {
   if (service.conduct == EConduct::kTimed) {
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
   }
   const std::lock_guard<std::mutex> lock(mutex);
   runs.push_back({"TST:" + std::to_string(runs.size() + 1), &service, 0, false});
-  CMPIObjectPath* const job = StartJob(target, runs.back()).TakePath();
-  out->ft->addArg(out, "Job", reinterpret_cast<const CMPIValue*>(&job), CMPI_ref);
+  AddJob(target, runs.back(), out);
   return kNoError;
 }
 
@@ -384,8 +412,17 @@ CMPIStatus InvokeMethod(CMPIMethodMI*, const CMPIContext*, const CMPIResult* res
   if (isByService || IsSameName(method, "RunDiagnostic")) {
     const TService* const service = FindService(target);
     if (service == nullptr) return Fail(CMPI_RC_ERR_NOT_FOUND, "no such service");
+    if (!isByService && IsOfManner("newer")) {
+      return Fail(CMPI_RC_ERR_METHOD_NOT_FOUND, "it has RunDiagnosticService");
+    }
     if (!IsForDevice(in)) {
       code = kInvalidParameter;
+    } else if (IsOfManner("busy")) {
+      code = kBusy;
+    } else if (!isByService && IsOfManner("null")) {
+      const CMPIValue none{};
+      out->ft->addArg(out, "Job", &none, CMPI_ref);
+      code = kNoError;
     } else if (OffersJob(*service, isByService)) {
       code = RunTest(target, *service, out);
     }
