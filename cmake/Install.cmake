@@ -13,7 +13,8 @@ install(DIRECTORY platform/contract
         FILES_MATCHING PATTERN "*.h")
 install(FILES platform/cimxml/TServerOptions.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/platform/cimxml COMPONENT development)
-install(FILES platform/setup/TPlatform.h platform/setup/TProviderStore.h
+install(FILES platform/setup/ProviderCalls.h platform/setup/TPlatform.h
+              platform/setup/TProviderStore.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/platform/setup COMPONENT development)
 install(FILES platform/services/TCoreLogger.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/diagsrunner/platform/services

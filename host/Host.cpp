@@ -14,6 +14,7 @@
 
 #include "host/Commands.h"
 #include "host/CoreFiles.h"
+#include "host/CrashHandler.h"
 #include "host/Credentials.h"
 #include "host/Progress.h"
 #include "host/Prompt.h"
@@ -30,6 +31,7 @@
 #include "platform/contract/TQELException.h"
 #include "platform/contract/TRootObject.h"
 #include "platform/services/TCoreLogger.h"
+#include "platform/setup/ProviderCalls.h"
 #include "platform/setup/TPlatform.h"
 
 namespace host {
@@ -216,6 +218,7 @@ int RunHost(int argc, char** argv) noexcept {
   try {
     OpenStandardDescriptors();
     InstallTerminateHandler();
+    InstallCrashHandler(&NZEPQEL20::GetOwnProviderCall);
     const TExitGuard guard;
     // Progress has to show when it is made, also through a pipe.
     static_cast<void>(std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ));

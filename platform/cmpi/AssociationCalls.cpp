@@ -27,7 +27,7 @@ void Keep(std::vector<TResult>& results, const TPasses& passes) {
 }  // namespace
 
 TCallOutcome TWalk::CallFunction(
-    TGroup& group, EKind kind,
+    TGroup& group, const char* name, EKind kind,
     const std::function<CMPIStatus(CMPIAssociationMI&, const CMPIContext*, const CMPIResult*,
                                    const CMPIObjectPath*)>& function) {
   const TService& service = group.services.front();
@@ -40,13 +40,13 @@ TCallOutcome TWalk::CallFunction(
   CMPIAssociationMI& mi = service.provider->GetAssociationMI(m_providers.GetBroker());
   const TPassedPath given(m_parts.ToContent(m_from));
   return m_parts.Call(
-      service, m_what, m_from.GetNamespaceName(), kind,
+      service, name, m_what, m_from.GetNamespaceName(), kind,
       [&](auto* ctx, auto* result) { return function(mi, ctx, result, given.Get()); });
 }
 
 TWalk::TInstances TWalk::CallAssociators(TGroup& group) {
-  TCallOutcome outcome =
-      CallFunction(group, EKind::kInstances, [&](auto& mi, auto* ctx, auto* result, auto* path) {
+  TCallOutcome outcome = CallFunction(
+      group, "associators", EKind::kInstances, [&](auto& mi, auto* ctx, auto* result, auto* path) {
         return mi.ft->associators == nullptr
                    ? NoSuchFunction()
                    : mi.ft->associators(&mi, ctx, result, path, OrNull(m_filter.associationClass),
@@ -62,8 +62,8 @@ TWalk::TInstances TWalk::CallAssociators(TGroup& group) {
 }
 
 TWalk::TNames TWalk::CallAssociatorNames(TGroup& group) {
-  TCallOutcome outcome =
-      CallFunction(group, EKind::kPaths, [&](auto& mi, auto* ctx, auto* result, auto* path) {
+  TCallOutcome outcome = CallFunction(
+      group, "associatorNames", EKind::kPaths, [&](auto& mi, auto* ctx, auto* result, auto* path) {
         return mi.ft->associatorNames == nullptr
                    ? NoSuchFunction()
                    : mi.ft->associatorNames(&mi, ctx, result, path,
@@ -80,8 +80,8 @@ TWalk::TNames TWalk::CallAssociatorNames(TGroup& group) {
 }
 
 TWalk::TInstances TWalk::CallReferences(TGroup& group, const TFilter& filter, const char** wanted) {
-  TCallOutcome outcome =
-      CallFunction(group, EKind::kInstances, [&](auto& mi, auto* ctx, auto* result, auto* path) {
+  TCallOutcome outcome = CallFunction(
+      group, "references", EKind::kInstances, [&](auto& mi, auto* ctx, auto* result, auto* path) {
         return mi.ft->references == nullptr
                    ? NoSuchFunction()
                    : mi.ft->references(&mi, ctx, result, path, OrNull(filter.resultClass),
@@ -97,8 +97,8 @@ TWalk::TInstances TWalk::CallReferences(TGroup& group, const TFilter& filter, co
 }
 
 TWalk::TNames TWalk::CallReferenceNames(TGroup& group, const TFilter& filter) {
-  TCallOutcome outcome =
-      CallFunction(group, EKind::kPaths, [&](auto& mi, auto* ctx, auto* result, auto* path) {
+  TCallOutcome outcome = CallFunction(
+      group, "referenceNames", EKind::kPaths, [&](auto& mi, auto* ctx, auto* result, auto* path) {
         return mi.ft->referenceNames == nullptr
                    ? NoSuchFunction()
                    : mi.ft->referenceNames(&mi, ctx, result, path, OrNull(filter.resultClass),

@@ -22,19 +22,20 @@ TCallOutcome TCMPIOperations::TParts::CallEnumerate(const TService& service,
                                                     const TQuestion& question) {
   CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
   const TPassedPath path(ClassPath(question, service));
-  return Call(
-      service, question.what, question.nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
-        return mi.ft->enumerateInstances == nullptr
-                   ? NoSuchFunction()
-                   : mi.ft->enumerateInstances(&mi, ctx, result, path.Get(), question.wanted);
-      });
+  return Call(service, "enumerateInstances", question.what, question.nameSpace, EKind::kInstances,
+              [&](auto* ctx, auto* result) {
+                return mi.ft->enumerateInstances == nullptr
+                           ? NoSuchFunction()
+                           : mi.ft->enumerateInstances(&mi, ctx, result, path.Get(),
+                                                       question.wanted);
+              });
 }
 
 TCallOutcome TCMPIOperations::TParts::CallEnumerateNames(const TService& service,
                                                          const TQuestion& question) {
   CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
   const TPassedPath path(ClassPath(question, service));
-  return Call(service, question.what, question.nameSpace, EKind::kPaths,
+  return Call(service, "enumerateInstanceNames", question.what, question.nameSpace, EKind::kPaths,
               [&](auto* ctx, auto* result) {
                 return mi.ft->enumerateInstanceNames == nullptr
                            ? NoSuchFunction()
@@ -46,12 +47,13 @@ TCallOutcome TCMPIOperations::TParts::CallGet(const TService& service, const TQu
                                               const TPathContent& path) {
   CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
   const TPassedPath given(path);
-  TCallOutcome outcome = Call(
-      service, question.what, question.nameSpace, EKind::kInstances, [&](auto* ctx, auto* result) {
-        return mi.ft->getInstance == nullptr
-                   ? NoSuchFunction()
-                   : mi.ft->getInstance(&mi, ctx, result, given.Get(), question.wanted);
-      });
+  TCallOutcome outcome =
+      Call(service, "getInstance", question.what, question.nameSpace, EKind::kInstances,
+           [&](auto* ctx, auto* result) {
+             return mi.ft->getInstance == nullptr
+                        ? NoSuchFunction()
+                        : mi.ft->getInstance(&mi, ctx, result, given.Get(), question.wanted);
+           });
   if (!outcome.content.instances.empty()) return outcome;
   // Whoever asked may pass over what is not there; this is another matter.
   const std::string who = service.provider->Describe();

@@ -161,11 +161,12 @@ TCIMReference TCMPIOperations::CreateInstance(const std::string& nameSpace,
     TPathContent target = m_parts->ToContent(instance.path);
     target.nameSpace = nameSpace;
     const TPassedPath path(target);
-    return m_parts->Call(service, what, nameSpace, EKind::kPaths, [&](auto* ctx, auto* result) {
-      return mi.ft->createInstance == nullptr
-                 ? NoSuchFunction()
-                 : mi.ft->createInstance(&mi, ctx, result, path.Get(), given.Get());
-    });
+    return m_parts->Call(
+        service, "createInstance", what, nameSpace, EKind::kPaths, [&](auto* ctx, auto* result) {
+          return mi.ft->createInstance == nullptr
+                     ? NoSuchFunction()
+                     : mi.ft->createInstance(&mi, ctx, result, path.Get(), given.Get());
+        });
   };
   TCallOutcome outcome =
       m_parts->AskFirst(providers.FindServicesOfObject(nameSpace, className, ERole::kInstance), ask,
@@ -187,7 +188,7 @@ void TCMPIOperations::ModifyInstance(const TCIMInstanceData& instance) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
     const TPassedInstance given(TInstanceContent::From(instance));
     const TPassedPath target(ForService(providers, service, m_parts->ToContent(path)));
-    return m_parts->Call(service, what, path.GetNamespaceName(), EKind::kNothing,
+    return m_parts->Call(service, "modifyInstance", what, path.GetNamespaceName(), EKind::kNothing,
                          [&](auto* ctx, auto* result) {
                            return mi.ft->modifyInstance == nullptr
                                       ? NoSuchFunction()
@@ -206,7 +207,7 @@ void TCMPIOperations::DeleteInstance(const TCIMReference& path) {
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
     const TPassedPath target(ForService(providers, service, m_parts->ToContent(path)));
-    return m_parts->Call(service, what, path.GetNamespaceName(), EKind::kNothing,
+    return m_parts->Call(service, "deleteInstance", what, path.GetNamespaceName(), EKind::kNothing,
                          [&](auto* ctx, auto* result) {
                            return mi.ft->deleteInstance == nullptr
                                       ? NoSuchFunction()

@@ -59,13 +59,14 @@ TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::st
     const TPassedArgs inArgs(in);
     const TPassedArgs outArgs{TNamedValues()};
     const TStartedWork::TCall call(m_parts->work, service.provider);
-    TCallOutcome outcome = m_parts->Call(
-        service, what, nameSpace, TBrokerResult::EKind::kData, [&](auto* ctx, auto* result) {
-          return mi.ft->invokeMethod == nullptr
-                     ? NoSuchFunction()
-                     : mi.ft->invokeMethod(&mi, ctx, result, target.Get(), name.c_str(),
-                                           inArgs.Get(), outArgs.Get());
-        });
+    TCallOutcome outcome =
+        m_parts->Call(service, "invokeMethod", what, nameSpace, TBrokerResult::EKind::kData,
+                      [&](auto* ctx, auto* result) {
+                        return mi.ft->invokeMethod == nullptr
+                                   ? NoSuchFunction()
+                                   : mi.ft->invokeMethod(&mi, ctx, result, target.Get(),
+                                                         name.c_str(), inArgs.Get(), outArgs.Get());
+                      });
     for (const TCIMPropertyData& out : outArgs.Get()->GetValues()) results[out.name] = out.value;
     return outcome;
   };

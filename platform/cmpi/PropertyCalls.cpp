@@ -7,7 +7,7 @@
 
 namespace NZEPQEL20::cmpi {
 
-std::optional<TCallOutcome> TProviders::CallProperty(const std::string& what,
+std::optional<TCallOutcome> TProviders::CallProperty(const char* function, const std::string& what,
                                                      const TCIMReference& path,
                                                      const TPropertyCall& call) {
   const std::string& nameSpace = path.GetNamespaceName();
@@ -16,7 +16,8 @@ std::optional<TCallOutcome> TProviders::CallProperty(const std::string& what,
        FindServicesOfObject(nameSpace, path.GetClassName(), ERole::kProperty)) {
     CMPIPropertyMI& mi = service.provider->GetPropertyMI(m_broker);
     const TPassedPath given(TPathContent::From(ConvertKeys(path, declaration.get())));
-    const TCallSite site{nameSpace, service.registration->parameters};
+    const TCallSite site{nameSpace, service.registration->parameters,
+                         service.provider->GetCallee(function)};
     TCallOutcome outcome = CallProvider(
         m_broker, site, TBrokerResult::EKind::kData,
         [&](auto* context, auto* result) { return call(mi, context, result, given.Get()); });
@@ -32,7 +33,7 @@ std::optional<TCallOutcome> TProviders::CallProperty(const std::string& what,
 std::optional<TCIMValue> TProviders::GetProperty(const TCIMReference& path,
                                                  const std::string& name) {
   const auto outcome =
-      CallProperty("GetProperty " + name, path,
+      CallProperty("getProperty", "GetProperty " + name, path,
                    [&](CMPIPropertyMI& mi, auto* context, auto* result, auto* given) {
                      return mi.ft->getProperty == nullptr
                                 ? NoSuchFunction()
@@ -45,7 +46,7 @@ std::optional<TCIMValue> TProviders::GetProperty(const TCIMReference& path,
 bool TProviders::SetProperty(const TCIMReference& path, const std::string& name,
                              const TCIMValue& value) {
   const auto outcome = CallProperty(
-      "SetProperty " + name, path,
+      "setProperty", "SetProperty " + name, path,
       [&](CMPIPropertyMI& mi, auto* context, auto* result, auto* given) {
         // The value's objects are made inside the call, so that they end with it.
         return mi.ft->setProperty == nullptr

@@ -84,6 +84,7 @@ TCallOutcome CallProvider(TBroker& broker, const TCallSite& site, TBrokerResult:
     const TCallFrame frame(broker);
     const TPassed<TBrokerContext> context(
         TBrokerContext::EntriesFor(site.nameSpace, site.parameters));
+    const TCallRecord record(site.callee);
     Run(outcome, function, context.Get(), result.get());
   }
   outcome.content = result->Close();

@@ -6,6 +6,7 @@
 
 #include "platform/cmpi/TBroker.h"
 #include "platform/cmpi/TBrokerResult.h"
+#include "platform/cmpi/TCallRecord.h"
 #include "platform/contract/TQELException.h"
 
 namespace NZEPQEL20::cmpi {
@@ -24,6 +25,7 @@ struct TCallOutcome {
 struct TCallSite {
   std::string nameSpace;
   std::string parameters = {};  ///< Those of the registration; empty when it has none.
+  TCallee callee = {};          ///< Who is told to be at work meanwhile; not the provider's.
 };
 
 using TProviderFunction = std::function<CMPIStatus(const CMPIContext*, const CMPIResult*)>;

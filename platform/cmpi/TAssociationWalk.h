@@ -71,7 +71,7 @@ class TCMPIOperations::TParts::TAssociationWalk {
   TInstances CallReferences(TGroup& group, const TFilter& filter, const char** wanted);
   TNames CallReferenceNames(TGroup& group, const TFilter& filter);
   cmpi::TCallOutcome CallFunction(
-      TGroup& group, cmpi::TBrokerResult::EKind kind,
+      TGroup& group, const char* name, cmpi::TBrokerResult::EKind kind,
       const std::function<CMPIStatus(CMPIAssociationMI&, const CMPIContext*, const CMPIResult*,
                                      const CMPIObjectPath*)>& function);
 

@@ -78,10 +78,12 @@ TCallOutcome TCMPIOperations::TParts::AskFirst(const TServices& services, const 
   throw TQELException(TQELStatusCode::kCIMError, missing, CMPI_RC_ERR_NOT_FOUND);
 }
 
-TCallOutcome TCMPIOperations::TParts::Call(const TService& service, const std::string& what,
-                                           const std::string& nameSpace, TBrokerResult::EKind kind,
+TCallOutcome TCMPIOperations::TParts::Call(const TService& service, const char* name,
+                                           const std::string& what, const std::string& nameSpace,
+                                           TBrokerResult::EKind kind,
                                            const TProviderFunction& function) {
-  const TCallSite site{nameSpace, service.registration->parameters};
+  const TCallSite site{nameSpace, service.registration->parameters,
+                       service.provider->GetCallee(name)};
   TCallOutcome outcome = CallProvider(providers.GetBroker(), site, kind, function);
   if (outcome.code != CMPI_RC_OK) {
     throw outcome.ToException(what + " failed in " + service.provider->Describe());

@@ -69,8 +69,8 @@ struct TCMPIOperations::TParts {
   cmpi::TCallOutcome AskFirst(const TServices& services, const TAsk& ask,
                               const std::string& missing, bool isReading = false);
 
-  /// Calls a provider function and turns its failure into an exception.
-  cmpi::TCallOutcome Call(const TService& service, const std::string& what,
+  /// Calls a provider function, which CMPI calls `name`, and turns its failure into an exception.
+  cmpi::TCallOutcome Call(const TService& service, const char* name, const std::string& what,
                           const std::string& nameSpace, cmpi::TBrokerResult::EKind kind,
                           const cmpi::TProviderFunction& function);
 

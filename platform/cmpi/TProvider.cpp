@@ -110,7 +110,8 @@ TMI& TProviderPart<TMI>::Get(TProviderLibrary& library, const char* kind,
 }
 
 template <class TMI>
-void TProviderPart<TMI>::Cleanup(const TCallSite& site, TBroker& broker) noexcept {
+void TProviderPart<TMI>::Cleanup(const TCallSite& home, const TCallee& callee,
+                                 TBroker& broker) noexcept {
   try {
     {
       const std::lock_guard<std::mutex> lock(m_mutex);
@@ -118,6 +119,7 @@ void TProviderPart<TMI>::Cleanup(const TCallSite& site, TBroker& broker) noexcep
       m_state = EState::kEnded;
       if (!isMade || m_made->ft->cleanup == nullptr) return;
     }
+    const TCallSite site{home.nameSpace, home.parameters, callee};
     // Its answer does not matter: the process ends.
     CallProvider(broker, site, TBrokerResult::EKind::kNothing,
                  [&](const CMPIContext* context, const CMPIResult*) {
@@ -146,10 +148,11 @@ CMPIPropertyMI& TProvider::GetPropertyMI(TBroker& broker) {
 }
 
 void TProvider::Cleanup(TBroker& broker) noexcept {
-  m_instance.Cleanup(m_home, broker);
-  m_association.Cleanup(m_home, broker);
-  m_method.Cleanup(m_home, broker);
-  m_property.Cleanup(m_home, broker);
+  const TCallee callee = GetCallee("cleanup");
+  m_instance.Cleanup(m_home, callee, broker);
+  m_association.Cleanup(m_home, callee, broker);
+  m_method.Cleanup(m_home, callee, broker);
+  m_property.Cleanup(m_home, callee, broker);
 }
 
 }  // namespace NZEPQEL20::cmpi

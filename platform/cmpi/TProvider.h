@@ -23,7 +23,7 @@ class TProviderPart {
            const TCallSite& site, TBroker& broker);
 
   /// Ends what was made, if anything was.
-  void Cleanup(const TCallSite& site, TBroker& broker) noexcept;
+  void Cleanup(const TCallSite& home, const TCallee& callee, TBroker& broker) noexcept;
 
  private:
   enum class EState { kNew, kBusy, kReady, kFailed, kEnded };
@@ -52,6 +52,11 @@ class TProvider {
   TProviderLibrary& GetLibrary() const { return m_library; }
   /// "provider NAME (FILE)" for messages.
   std::string Describe() const { return "provider " + m_name + " (" + m_library.GetPath() + ')'; }
+
+  /// Whom a call of `function` goes to; valid as long as this provider and `function`.
+  TCallee GetCallee(const char* function) const {
+    return {m_name.c_str(), m_library.GetPath().c_str(), function};
+  }
 
   CMPIInstanceMI& GetInstanceMI(TBroker& broker);
   CMPIAssociationMI& GetAssociationMI(TBroker& broker);

@@ -32,6 +32,7 @@ void TProviderLibrary::Open() {
   const std::lock_guard<std::mutex> lock(m_mutex);
   if (!m_isTried) {
     m_isTried = true;
+    const TCallRecord record({nullptr, m_path.c_str(), "dlopen"});
     const TLoadedLibrary loaded = LoadLibrary(m_path, m_folder);
     m_handle = loaded.handle;
     if (!loaded.doubt.empty()) m_doubt = "provider library " + m_path + ' ' + loaded.doubt;
@@ -67,9 +68,12 @@ TMI* TProviderLibrary::Create(const char* kind, const std::string& providerName,
                             DescribeFactories(m_path) + "; see rule R4",
                         CMPI_RC_ERR_NOT_SUPPORTED);
   }
+  const std::string& factory = own != nullptr ? specific : generic;
+  const TCallSite called{
+      site.nameSpace, site.parameters, {providerName.c_str(), m_path.c_str(), factory.c_str()}};
   TMI* made = nullptr;
   const TCallOutcome outcome = CallProvider(
-      broker, site, TBrokerResult::EKind::kNothing,
+      broker, called, TBrokerResult::EKind::kNothing,
       [&](const CMPIContext* context, const CMPIResult*) {
         CMPIStatus status = {CMPI_RC_OK, nullptr};
         made = own != nullptr ? ToFunction<TFactory<TMI>>(own)(broker.GetTable(), context, &status)

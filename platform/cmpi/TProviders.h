@@ -88,8 +88,8 @@ class TProviders : public IBrokerHost {
   void ReportUndeclared();
   using TPropertyCall = std::function<CMPIStatus(CMPIPropertyMI&, const CMPIContext*,
                                                  const CMPIResult*, const CMPIObjectPath*)>;
-  std::optional<TCallOutcome> CallProperty(const std::string& what, const TCIMReference& path,
-                                           const TPropertyCall& call);
+  std::optional<TCallOutcome> CallProperty(const char* function, const std::string& what,
+                                           const TCIMReference& path, const TPropertyCall& call);
   using TIsAsked = std::function<bool(const TRegistration&)>;
   /// Where a class is served by one of the registrations asked: here, else anywhere.
   std::optional<std::string> FindPlace(const std::string& nameSpace, const std::string& className,

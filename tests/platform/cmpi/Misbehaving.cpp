@@ -152,8 +152,32 @@ CMPIStatus RefuseAll(const char* call) {
   return {CMPI_RC_ERR_ACCESS_DENIED, Text(words.c_str())};
 }
 
+[[noreturn]] void Hang() {
+  for (;;) pause();
+}
+
+/// Uses up the stack.
+int Overflow(int depth) {
+  volatile char room[4096];
+  room[0] = static_cast<char>(depth);
+  return depth < 0 ? 0 : Overflow(depth + 1) + room[0];
+}
+
+/// Ends, or keeps, the process within an enumeration.
+void EndWithin() {
+  if (DIAGS_IS("crashes")) std::raise(SIGSEGV);
+  if (DIAGS_IS("overflows")) Overflow(1);
+  if (DIAGS_IS("threadcrashes")) std::thread([] { std::abort(); }).join();
+  if (DIAGS_IS("hangs")) Hang();
+  if (DIAGS_IS("closes")) {
+    for (int descriptor = STDERR_FILENO + 1; descriptor < 64; ++descriptor) close(descriptor);
+  }
+}
+
 CMPIStatus Cleanup(CMPIInstanceMI*, const CMPIContext*, CMPIBoolean) {
   ++theCleanups;
+  if (DIAGS_IS("cleanupcrashes")) std::abort();
+  if (DIAGS_IS("cleanuphangs")) Hang();
   if (DIAGS_IS("throwsall") || DIAGS_IS("codes")) return RefuseAll("cleanup");
   return {CMPI_RC_OK, nullptr};
 }
@@ -161,6 +185,7 @@ CMPIStatus Cleanup(CMPIInstanceMI*, const CMPIContext*, CMPIBoolean) {
 CMPIStatus EnumerateInstances(CMPIInstanceMI*, const CMPIContext* context, const CMPIResult* result,
                               const CMPIObjectPath* request, const char**) {
   if (DIAGS_IS("codes") || DIAGS_IS("throwsall")) return RefuseAll("enumerateInstances");
+  EndWithin();
   if (DIAGS_IS("wrongthings")) ReturnWrongThings(result, request);
   if (DIAGS_IS("others")) ReturnOthers(result, request);
   if (DIAGS_IS("million")) return ReturnMany(result, request);
@@ -239,9 +264,7 @@ CMPIInstanceMI* Create(const CMPIBroker* broker, CMPIStatus* status) {
   theBroker = broker;
   if (DIAGS_IS("factorycrashes")) std::raise(SIGSEGV);
   if (DIAGS_IS("factoryexits")) _exit(3);
-  if (DIAGS_IS("factoryhangs")) {
-    for (;;) pause();
-  }
+  if (DIAGS_IS("factoryhangs")) Hang();
   if (DIAGS_IS("stdout")) std::puts("words of the factory");
   if (DIAGS_IS("factorythrows")) throw std::runtime_error("factory on strike");
   if (DIAGS_IS("factorynull")) return nullptr;
