@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "platform/cmpi/TBrokerString.h"
+#include "platform/cmpi/TChildSignalWatch.h"
 #include "platform/cmpi/TWantedProperties.h"
 #include "platform/model/CIMStatus.h"
 
@@ -84,6 +85,7 @@ TCallOutcome CallProvider(TBroker& broker, const TCallSite& site, TBrokerResult:
     const TCallFrame frame(broker);
     const TPassed<TBrokerContext> context(
         TBrokerContext::EntriesFor(site.nameSpace, site.parameters));
+    const TChildSignalWatch watch(site.callee.library);
     const TCallRecord record(site.callee);
     Run(outcome, function, context.Get(), result.get());
   }

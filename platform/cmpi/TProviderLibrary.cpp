@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "platform/cmpi/LibraryLoading.h"
+#include "platform/cmpi/TChildSignalWatch.h"
 #include "platform/contract/TQELException.h"
 
 namespace NZEPQEL20::cmpi {
@@ -32,6 +33,8 @@ void TProviderLibrary::Open() {
   const std::lock_guard<std::mutex> lock(m_mutex);
   if (!m_isTried) {
     m_isTried = true;
+    // Loading runs code of the library.
+    const TChildSignalWatch watch(m_path.c_str());
     const TCallRecord record({nullptr, m_path.c_str(), "dlopen"});
     const TLoadedLibrary loaded = LoadLibrary(m_path, m_folder);
     m_handle = loaded.handle;

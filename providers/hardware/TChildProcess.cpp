@@ -141,6 +141,15 @@ void MakeNonBlocking(const TFileDescriptor& file) {
   ::fcntl(file.Get(), F_SETFL, O_NONBLOCK);
 }
 
+// Whether the system keeps no status of a child for this process.
+bool IgnoresChildren() noexcept {
+  struct sigaction action {};
+  ::sigaction(SIGCHLD, nullptr, &action);
+  const auto flags = static_cast<unsigned int>(action.sa_flags);
+  if ((flags & unsigned{SA_NOCLDWAIT}) != 0) return true;
+  return (flags & unsigned{SA_SIGINFO}) == 0 && action.sa_handler == SIG_IGN;
+}
+
 }  // namespace
 
 TChildProcess::TChildProcess(const std::vector<std::string>& arguments) {
@@ -160,6 +169,7 @@ TChildProcess::TChildProcess(const std::vector<std::string>& arguments) {
   launch.errors = errors.write.Get();
   launch.status = status.write.Get();
   launch.parent = ::getpid();
+  m_isIgnored = IgnoresChildren();
   m_pid = Fork(launch);
   if (m_pid < 0) ThrowErrno("fork");
   ::setpgid(m_pid, m_pid);  // Both sides do it: whichever comes first, the group exists.
@@ -206,6 +216,7 @@ std::optional<TChildProcess::TExit> TChildProcess::TryReap() noexcept {
     exit.isLost = ::waitpid(m_pid, nullptr, 0) != m_pid;
     (info.si_code == CLD_EXITED ? exit.status : exit.signal) = info.si_status;
   }
+  exit.isIgnored = exit.isLost && (m_isIgnored || IgnoresChildren());
   m_pid = -1;
   return exit;
 }

@@ -19,12 +19,13 @@ namespace hardware {
 /// Threads: one.
 class TChildProcess {
  public:
-  /// How a program ended. When somebody else in this process took its status, both are 0 and
-  /// isLost is set.
+  /// How a program ended. When its status went elsewhere, both are 0 and isLost is set: somebody
+  /// else in this process took it, or with isIgnored nobody could.
   struct TExit {
     int status = 0;  ///< What it returned; only when signal is 0.
     int signal = 0;  ///< What ended it; 0: it ended by itself.
     bool isLost = false;
+    bool isIgnored = false;  ///< The process ignores SIGCHLD, or did when the program started.
   };
 
   /// Starts the program `arguments[0]`, an absolute path.
@@ -52,6 +53,7 @@ class TChildProcess {
 
  private:
   pid_t m_pid = -1;
+  bool m_isIgnored = false;
   TFileDescriptor m_output;
   TFileDescriptor m_errors;
 };

@@ -132,6 +132,7 @@ class TRun {
     outcome.errors = m_errors.GetText();
     outcome.exitStatus = exit.status;
     outcome.signal = exit.signal;
+    outcome.isIgnored = exit.isIgnored;
     outcome.end = m_ending          ? *m_ending
                   : exit.isLost     ? EProcessEnd::kLost
                   : exit.signal > 0 ? EProcessEnd::kSignalled

@@ -26,6 +26,7 @@ enum class EProcessEnd {
 struct TProcessOutcome {
   EProcessEnd end = EProcessEnd::kNotStarted;
   int exitStatus = 0;                     ///< Only for kExited.
+  bool isIgnored = false;                 ///< Lost because the process ignores SIGCHLD.
   int signal = 0;                         ///< What ended it; 0: it ended by itself.
   std::string startError;                 ///< Why it never ran; only for kNotStarted.
   std::string output;                     ///< Standard output; see TProcessRunner.

@@ -21,7 +21,8 @@ std::string DescribeEnd(const TProcessOutcome& outcome) {
     case EProcessEnd::kNotStarted:
       return "not started";
     case EProcessEnd::kLost:
-      return "unknown: its status was taken by another part of this process";
+      return outcome.isIgnored ? "unknown: this process ignores SIGCHLD"
+                               : "unknown: its status was taken by another part of this process";
     case EProcessEnd::kExited:
       return "exit status " + std::to_string(outcome.exitStatus);
     default:
@@ -29,6 +30,15 @@ std::string DescribeEnd(const TProcessOutcome& outcome) {
                                 : "exit status " + std::to_string(outcome.exitStatus) +
                                       " after it was asked to end";
   }
+}
+
+// Why nobody knows how the program ended, and what would mend it.
+std::string DescribeLoss(const TProcessOutcome& outcome) {
+  const std::string lost = "the test program's exit status was lost";
+  if (!outcome.isIgnored) return lost + " to another part of this process";
+  return lost +
+         ": this process ignores SIGCHLD, be it by another provider's library or by the program "
+         "that started it; repeating the test helps only when that is mended";
 }
 
 }  // namespace
@@ -56,7 +66,7 @@ std::optional<TVerdict> JudgeEnding(const TProcessOutcome& outcome) {
       verdict.isBroken = true;
       return verdict;
     case EProcessEnd::kLost:
-      verdict = MakeVerdict(ECompletion::kIncomplete, "the test program's exit status was lost");
+      verdict = MakeVerdict(ECompletion::kIncomplete, DescribeLoss(outcome));
       verdict.isBroken = true;
       return verdict;
     case EProcessEnd::kDeadline:

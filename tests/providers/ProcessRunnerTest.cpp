@@ -197,12 +197,22 @@ TEST_F(ProcessRunnerTest, AStopBeforeTheStartEndsTheProgramAtOnce) {
   EXPECT_EQ(RunShell("sleep 30").end, EProcessEnd::kKilled);
 }
 
-TEST_F(ProcessRunnerTest, SurvivesAHostThatIgnoresItsChildren) {
-  ::signal(SIGCHLD, SIG_IGN);
-  const TProcessOutcome outcome = RunShell("echo out");
-  ::signal(SIGCHLD, SIG_DFL);
-  EXPECT_EQ(outcome.end, EProcessEnd::kLost);
-  EXPECT_EQ(outcome.output, "out\n");
+TEST_F(ProcessRunnerTest, SurvivesAHostThatIgnoresItsChildrenAndSaysSo) {
+  for (const int flags : {0, SA_NOCLDWAIT}) {
+    struct sigaction ignoring {};
+    ignoring.sa_handler = flags == 0 ? SIG_IGN : SIG_DFL;
+    ignoring.sa_flags = flags;
+    ::sigaction(SIGCHLD, &ignoring, nullptr);
+    const TProcessOutcome outcome = RunShell("echo out");
+    ::signal(SIGCHLD, SIG_DFL);
+    EXPECT_EQ(outcome.end, EProcessEnd::kLost);
+    EXPECT_TRUE(outcome.isIgnored);
+    EXPECT_EQ(outcome.output, "out\n");
+  }
+}
+
+TEST_F(ProcessRunnerTest, AProgramThatEndsAsItShouldIsNotIgnored) {
+  EXPECT_FALSE(RunShell("true").isIgnored);
 }
 
 TEST(StopSignalTest, KeepsTheStrongestRequest) {

@@ -77,6 +77,17 @@ INSTANTIATE_TEST_SUITE_P(
                       TEndRow{EProcessEnd::kKilled, ECompletion::kAborted, false},
                       TEndRow{EProcessEnd::kTerminated, ECompletion::kStopped, false}));
 
+TEST(LostEndingTest, NamesTheReasonForWhichTheStatusIsLost) {
+  TProcessOutcome outcome;
+  outcome.end = EProcessEnd::kLost;
+  EXPECT_THAT(JudgeEnding(outcome)->summary, HasSubstr("lost to another part of this process"));
+  outcome.isIgnored = true;
+  EXPECT_THAT(JudgeEnding(outcome)->summary, HasSubstr("this process ignores SIGCHLD"));
+  TVerdict verdict;
+  DescribeRun(outcome, verdict);
+  EXPECT_EQ(verdict.exit, "unknown: this process ignores SIGCHLD");
+}
+
 // stress-ng
 
 const char* const kStressEnd =

@@ -2,7 +2,10 @@
 //
 // A provider whose answers do not fit what the MOF declares. Its name, behind "Misfit_", is what it
 // gives as the level of a thing; with "Garbage" the ends of its associations are no paths, with
-// "Silent" it finds nothing and says that all is well.
+// "Silent" it finds nothing and says that all is well. With "Ignoring" its functions have the
+// process ignore SIGCHLD, with "NoWait" its child processes leave nothing; with "Maker" its factory
+// does, and the variant MISFIT_IGNORES does so when it is loaded.
+#include <csignal>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -98,9 +101,24 @@ CMPIStatus EnumerateNames(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*
   return {CMPI_RC_OK, nullptr};
 }
 
+void IgnoreChildren(bool isWhollyIgnored) {
+  struct sigaction action = {};
+  action.sa_handler = isWhollyIgnored ? SIG_IGN : SIG_DFL;
+  action.sa_flags = isWhollyIgnored ? 0 : SA_NOCLDWAIT;
+  sigaction(SIGCHLD, &action, nullptr);
+}
+
+#ifdef MISFIT_IGNORES
+__attribute__((constructor)) void IgnoreAtLoad() {
+  IgnoreChildren(true);
+}
+#endif
+
 CMPIStatus Get(CMPIInstanceMI* mi, const CMPIContext* context, const CMPIResult* result,
                const CMPIObjectPath* path, const char**) {
   if (TraitOf(mi) == "Silent") return {CMPI_RC_OK, nullptr};
+  if (TraitOf(mi) == "Ignoring") IgnoreChildren(true);
+  if (TraitOf(mi) == "NoWait") IgnoreChildren(false);
   result->ft->returnInstance(result, NewThing(PlaceOf(path), "T1", TraitOf(mi), context));
   return {CMPI_RC_OK, nullptr};
 }
@@ -119,6 +137,7 @@ extern "C" __attribute__((visibility("default"))) CMPIInstanceMI* _Generic_Creat
   static std::vector<std::string*> traits;
   static std::vector<CMPIInstanceMI*> made;
   const auto* trait = traits.emplace_back(new std::string(name + std::strlen("Misfit_")));
+  if (*trait == "Maker") misfit::IgnoreChildren(true);
   return made.emplace_back(new CMPIInstanceMI{trait->c_str(), &misfit::kTable});
 }
 // NOLINTEND(readability-identifier-naming)
