@@ -15,7 +15,9 @@
 
 #include <cstddef>
 #include <cstring>
+#include <deque>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/cmpi/abi/cmpi.h"
@@ -405,18 +407,24 @@ struct TTraits {
   std::string text;
 };
 
+// A value that lasts as long as the library is loaded, as providers' static tables do.
+template <class TValue>
+TValue* Keep(TValue value) {
+  static std::deque<TValue> kept;
+  kept.push_back(std::move(value));
+  return &kept.back();
+}
+
 }  // namespace depot
 
 using namespace depot;
 
 // NOLINTBEGIN(readability-identifier-naming): the names are fixed by the interface.
-// What is made here lasts as long as the process, as providers' static tables do.
 
 DEPOT_EXPORT CMPIInstanceMI* _Generic_Create_InstanceMI(const CMPIBroker* mb, const CMPIContext*,
                                                         const char* name, CMPIStatus*) {
   broker = mb;
-  static std::vector<TTraits*> kept;
-  const auto* traits = kept.emplace_back(new TTraits(name + std::strlen("Depot_")));
+  const TTraits* traits = Keep(TTraits(name + std::strlen("Depot_")));
   const CMPIInstanceMIFT table{CMPIVersion100,
                                0,
                                "Depot",
@@ -429,18 +437,16 @@ DEPOT_EXPORT CMPIInstanceMI* _Generic_Create_InstanceMI(const CMPIBroker* mb, co
                                nullptr,
                                nullptr,
                                nullptr};
-  static std::vector<CMPIInstanceMI*> made;
-  return made.emplace_back(
-      new CMPIInstanceMI{traits->text.c_str(),
-                         AtTheEdge(table, offsetof(CMPIInstanceMIFT, enumerateInstancesFiltered))});
+  return Keep(
+      CMPIInstanceMI{traits->text.c_str(),
+                     AtTheEdge(table, offsetof(CMPIInstanceMIFT, enumerateInstancesFiltered))});
 }
 
 DEPOT_EXPORT CMPIAssociationMI* _Generic_Create_AssociationMI(const CMPIBroker* mb,
                                                               const CMPIContext*, const char* name,
                                                               CMPIStatus*) {
   broker = mb;
-  static std::vector<TTraits*> kept;
-  const auto* traits = kept.emplace_back(new TTraits(name + std::strlen("Depot_")));
+  const TTraits* traits = Keep(TTraits(name + std::strlen("Depot_")));
   const CMPIAssociationMIFT table{CMPIVersion100,
                                   0,
                                   "Depot",
@@ -451,19 +457,16 @@ DEPOT_EXPORT CMPIAssociationMI* _Generic_Create_AssociationMI(const CMPIBroker* 
                                   traits->IfHas('R', ReferenceNames),
                                   nullptr,
                                   nullptr};
-  static std::vector<CMPIAssociationMI*> made;
-  return made.emplace_back(new CMPIAssociationMI{
+  return Keep(CMPIAssociationMI{
       traits->text.c_str(), AtTheEdge(table, offsetof(CMPIAssociationMIFT, associatorsFiltered))});
 }
 
 DEPOT_EXPORT CMPIMethodMI* _Generic_Create_MethodMI(const CMPIBroker* mb, const CMPIContext*,
                                                     const char* name, CMPIStatus*) {
   broker = mb;
-  static std::vector<TTraits*> kept;
-  const auto* traits = kept.emplace_back(new TTraits(name + std::strlen("Depot_")));
+  const TTraits* traits = Keep(TTraits(name + std::strlen("Depot_")));
   const CMPIMethodMIFT table{CMPIVersion100, 0, "Depot", nullptr, traits->IfHas('m', InvokeMethod)};
-  static std::vector<CMPIMethodMI*> made;
-  return made.emplace_back(new CMPIMethodMI{traits->text.c_str(), AtTheEdge(table, sizeof table)});
+  return Keep(CMPIMethodMI{traits->text.c_str(), AtTheEdge(table, sizeof table)});
 }
 
 DEPOT_EXPORT CMPIPropertyMI* _Generic_Create_PropertyMI(const CMPIBroker* mb,
@@ -471,8 +474,7 @@ DEPOT_EXPORT CMPIPropertyMI* _Generic_Create_PropertyMI(const CMPIBroker* mb,
                                                         const char* name, CMPIStatus*) {
   broker = mb;
   home = EntryOf(context, CMPIInitNameSpace) + ' ' + EntryOf(context, "sfcbProviderParameters");
-  static std::vector<TTraits*> kept;
-  const auto* traits = kept.emplace_back(new TTraits(name + std::strlen("Depot_")));
+  const TTraits* traits = Keep(TTraits(name + std::strlen("Depot_")));
   const CMPIPropertyMIFT table{CMPIVersion100,
                                0,
                                "Depot",
@@ -480,9 +482,8 @@ DEPOT_EXPORT CMPIPropertyMI* _Generic_Create_PropertyMI(const CMPIBroker* mb,
                                traits->IfHas('p', SetProperty),
                                traits->IfHas('p', GetProperty),
                                nullptr};
-  static std::vector<CMPIPropertyMI*> made;
-  return made.emplace_back(new CMPIPropertyMI{
-      traits->text.c_str(), AtTheEdge(table, offsetof(CMPIPropertyMIFT, setPropertyWithOrigin))});
+  return Keep(CMPIPropertyMI{traits->text.c_str(),
+                             AtTheEdge(table, offsetof(CMPIPropertyMIFT, setPropertyWithOrigin))});
 }
 
 // NOLINTEND(readability-identifier-naming)
