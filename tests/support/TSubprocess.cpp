@@ -61,7 +61,10 @@ struct TStat {
 
 TStat ReadStat(const std::string& pid) {
   std::ifstream file("/proc/" + pid + "/stat");
-  const std::string line{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  // A process that goes between opening and reading fails the read; a formatted one does not throw.
+  std::ostringstream content;
+  content << file.rdbuf();
+  const std::string line = content.str();
   // The name stands in parentheses and may hold anything.
   const std::size_t end = line.rfind(')');
   TStat stat;
