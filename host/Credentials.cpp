@@ -18,7 +18,6 @@ namespace {
 
 constexpr char kUserVariable[] = "DIAGSRUNNER_SERVER_USER";
 constexpr char kPasswordVariable[] = "DIAGSRUNNER_SERVER_PASSWORD";
-constexpr std::size_t kLongestLine = 1024;
 
 // Takes a variable away, and its text out of the memory that /proc shows of this process.
 TSecret TakeVariable(const char* name) {
@@ -81,8 +80,8 @@ class TReader {
 };
 
 void TReader::CheckLine(std::string_view line) const {
-  if (line.size() > kLongestLine) {
-    Refuse("is longer than " + std::to_string(kLongestLine) + " bytes");
+  if (line.size() > kLongestCredentialsLine) {
+    Refuse("is longer than " + std::to_string(kLongestCredentialsLine) + " bytes");
   }
   if (line.find('\0') != std::string_view::npos) Refuse("holds a NUL byte");
 }

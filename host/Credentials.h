@@ -15,6 +15,9 @@ struct TCredentials {
   TSecret password;
 };
 
+/// Most bytes of a line of a credentials file, and of what is typed at a prompt.
+inline constexpr std::size_t kLongestCredentialsLine = 1024;
+
 /// What the environment says: DIAGSRUNNER_SERVER_USER and DIAGSRUNNER_SERVER_PASSWORD. One that is
 /// empty counts as not set.
 struct TEnvironmentCredentials {

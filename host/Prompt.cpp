@@ -16,6 +16,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "host/Credentials.h"
 #include "host/TDescriptor.h"
 #include "host/TUsageError.h"
 
@@ -23,7 +24,6 @@ namespace host {
 namespace {
 
 constexpr char kSubject[] = "password";
-constexpr std::size_t kLongestLine = 1024;
 
 [[noreturn]] void RefuseWithReason(const char* what, int error) {
   throw TUsageError(kSubject, what + std::generic_category().message(error));
@@ -90,7 +90,7 @@ class TLine {
   TSecret Finish() const;
 
  private:
-  std::array<char, kLongestLine + 1> m_text{};
+  std::array<char, kLongestCredentialsLine + 1> m_text{};
   std::size_t m_size = 0;
 };
 
@@ -102,7 +102,8 @@ bool TLine::ReadSome(int terminal) {
   m_size += static_cast<std::size_t>(got);
   if (m_text[m_size - 1] == '\n') return true;
   if (m_size == m_text.size()) {
-    throw TUsageError(kSubject, "is longer than " + std::to_string(kLongestLine) + " bytes");
+    throw TUsageError(kSubject,
+                      "is longer than " + std::to_string(kLongestCredentialsLine) + " bytes");
   }
   return false;
 }
