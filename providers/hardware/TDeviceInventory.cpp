@@ -7,13 +7,13 @@
 #include <optional>
 
 #include "providers/hardware/Text.h"
+#include "providers/hardware/Units.h"
 
 namespace hardware {
 namespace {
 
 constexpr std::size_t kMaxProcessors = 8192;
-constexpr std::uint64_t kSectorBytes = 512;  // The unit of /sys/block/*/size on every disk.
-constexpr std::uint64_t kEthernetType = 1;   // ARPHRD_ETHER
+constexpr std::uint64_t kEthernetType = 1;  // ARPHRD_ETHER
 
 // What the processor's description calls its model, by architecture.
 constexpr std::array<std::string_view, 4> kModelKeys = {"model name", "cpu model", "cpu", "Model"};

@@ -7,11 +7,11 @@
 
 #include "providers/hardware/TFioReport.h"
 #include "providers/hardware/Text.h"
+#include "providers/hardware/Units.h"
 
 namespace hardware {
 namespace {
 
-constexpr std::uint64_t kMib = std::uint64_t{1024} * 1024;
 constexpr std::size_t kNamedFiles = 3;
 
 // A file that ends too early looks like a device error to fio, but the device refused nothing.

@@ -7,11 +7,11 @@
 
 #include "providers/hardware/TFioReport.h"
 #include "providers/hardware/Text.h"
+#include "providers/hardware/Units.h"
 
 namespace hardware {
 namespace {
 
-constexpr std::uint64_t kMib = std::uint64_t{1024} * 1024;
 // Direct reads must be whole blocks; no disk in use has larger ones.
 constexpr std::uint64_t kBlockBytes = 4096;
 

@@ -14,14 +14,13 @@
 #include <utility>
 
 #include "providers/hardware/Text.h"
+#include "providers/hardware/Units.h"
 
 namespace hardware {
 namespace {
 
 using std::chrono::steady_clock;
 
-constexpr std::uint64_t kMib = std::uint64_t{1024} * 1024;
-constexpr std::uint64_t kSectorBytes = 512;  // The unit of st_blocks.
 constexpr std::size_t kEntriesPerLook = 256;
 constexpr std::size_t kMaxPathBytes = 1024;
 

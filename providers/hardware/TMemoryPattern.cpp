@@ -9,11 +9,10 @@
 
 #include "providers/hardware/TMemoryErrors.h"
 #include "providers/hardware/Text.h"
+#include "providers/hardware/Units.h"
 
 namespace hardware {
 namespace {
-
-constexpr std::uint64_t kMib = std::uint64_t{1024} * 1024;
 
 /// One stage of a pass: its share of the time, and how many rounds it counts (0: it does not).
 struct TStage {

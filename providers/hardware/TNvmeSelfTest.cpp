@@ -10,8 +10,6 @@
 namespace hardware {
 namespace {
 
-constexpr std::chrono::seconds kCommandTime{30};
-constexpr std::chrono::seconds kAbortTime{5};
 constexpr std::uint64_t kSelfTestSupport = 16;  // Bit 4 of the optional admin commands.
 constexpr std::uint64_t kShortTest = 1;
 constexpr std::uint64_t kUnusedEntry = 15;
@@ -106,15 +104,16 @@ TVerdict TNvmeSelfTest::Run(const TDevice& device, const TRunControl& control) c
   const std::string allNamespaces = "0xffffffff";
   TSelfTestWatch::TSteps steps;
   steps.query = [this, node](const TStopSignal& stop) {
-    return m_tools.Run({"nvme", "self-test-log", node, "-o", "json"}, kCommandTime, stop);
+    return m_tools.Run({"nvme", "self-test-log", node, "-o", "json"}, TSelfTestWatch::kCommandTime,
+                       stop);
   };
   steps.start = [this, node, allNamespaces](const TStopSignal& stop) {
     return m_tools.Run({"nvme", "device-self-test", node, "-n", allNamespaces, "-s", "1"},
-                       kCommandTime, stop);
+                       TSelfTestWatch::kCommandTime, stop);
   };
   steps.abort = [this, node, allNamespaces] {
-    m_tools.Run({"nvme", "device-self-test", node, "-n", allNamespaces, "-s", "0xf"}, kAbortTime,
-                TStopSignal());
+    m_tools.Run({"nvme", "device-self-test", node, "-n", allNamespaces, "-s", "0xf"},
+                TSelfTestWatch::kAbortTime, TStopSignal());
   };
   steps.findRefusal = [](const TProcessOutcome& answer) {
     if (answer.exitStatus == 0) return std::string();

@@ -6,6 +6,8 @@
 namespace hardware {
 namespace {
 
+using TClock = std::chrono::steady_clock;
+
 // A drive may show nothing of a self-test for a moment after it was told to begin, and a look may
 // fail while it is busy.
 constexpr int kPatience = 3;
@@ -57,7 +59,6 @@ TVerdict TSelfTestWatch::Run(const TRunControl& control) const {
 
 TVerdict TSelfTestWatch::Follow(const nlohmann::json& before, const TProcessOutcome& started,
                                 const TRunControl& control) const {
-  using TClock = std::chrono::steady_clock;
   const TClock::time_point end = TClock::now() + m_deadline - started.duration;
   bool wasSeen = false;
   int misses = 0;

@@ -15,6 +15,10 @@ namespace hardware {
 /// has it judged when it is over. A stop or the deadline aborts it in the drive, too.
 class TSelfTestWatch {
  public:
+  /// How long a question or a start may take, and giving up.
+  static constexpr std::chrono::seconds kCommandTime{30};
+  static constexpr std::chrono::seconds kAbortTime{5};
+
   /// What differs between one kind of drive and another.
   struct TSteps {
     /// Asks the drive for its state, as JSON on standard output.

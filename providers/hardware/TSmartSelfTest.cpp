@@ -12,9 +12,6 @@
 namespace hardware {
 namespace {
 
-constexpr std::chrono::seconds kCommandTime{30};
-constexpr std::chrono::seconds kAbortTime{5};
-
 // Bits of smartctl's exit status.
 constexpr std::uint64_t kCommandLine = 1U;
 constexpr std::uint64_t kOpenFailed = 2U;
@@ -130,7 +127,7 @@ TAvailability TSmartSelfTest::Check(const TDevice& device) const {
 TProcessOutcome TSmartSelfTest::Query(const TDevice& device, const TStopSignal& stop) const {
   return m_tools.Run({"smartctl", "-j", "-H", "-c", "-l", "selftest", "-l", "error", "-A",
                       m_tools.GetFiles().Locate(device.node)},
-                     kCommandTime, stop);
+                     TSelfTestWatch::kCommandTime, stop);
 }
 
 bool TSmartSelfTest::IsRunning(const nlohmann::json& report) {
@@ -149,10 +146,10 @@ TVerdict TSmartSelfTest::Run(const TDevice& device, const TRunControl& control) 
   TSelfTestWatch::TSteps steps;
   steps.query = [this, &device](const TStopSignal& stop) { return Query(device, stop); };
   steps.start = [this, node](const TStopSignal& stop) {
-    return m_tools.Run({"smartctl", "-j", "-t", "short", node}, kCommandTime, stop);
+    return m_tools.Run({"smartctl", "-j", "-t", "short", node}, TSelfTestWatch::kCommandTime, stop);
   };
   steps.abort = [this, node] {
-    m_tools.Run({"smartctl", "-j", "-X", node}, kAbortTime, TStopSignal());
+    m_tools.Run({"smartctl", "-j", "-X", node}, TSelfTestWatch::kAbortTime, TStopSignal());
   };
   steps.findRefusal = [](const TProcessOutcome& answer) {
     const nlohmann::json report = ParseJson(answer.output);

@@ -9,6 +9,11 @@
 #include <system_error>
 
 namespace hardware {
+namespace {
+
+using TClock = std::chrono::steady_clock;
+
+}  // namespace
 
 TStopSignal::TStopSignal() : m_event(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   if (!m_event.IsOpen()) throw std::system_error(errno, std::generic_category(), "eventfd");
@@ -22,7 +27,6 @@ void TStopSignal::Request(EStop stop) noexcept {
 }
 
 bool TStopSignal::WaitFor(std::chrono::milliseconds time) const {
-  using TClock = std::chrono::steady_clock;
   const TClock::time_point end = TClock::now() + time;
   while (Get() == EStop::kNone) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - TClock::now());

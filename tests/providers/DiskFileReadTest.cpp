@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "providers/hardware/TDiskFileReadVerify.h"
+#include "providers/hardware/Units.h"
 #include "tests/providers/TFileFolder.h"
 #include "tests/providers/THardwareFixture.h"
 
@@ -19,7 +20,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-constexpr std::uint64_t kMib = std::uint64_t{1024} * 1024;
 const char* const kService = "DiskDefault File Read Verify";
 
 std::string MakeReport(int error, std::uint64_t bytes, int runtimeMs) {

@@ -7,6 +7,7 @@
 #include "providers/hardware/TDiskReadVerify.h"
 #include "providers/hardware/TNvmeSelfTest.h"
 #include "providers/hardware/TSmartSelfTest.h"
+#include "providers/hardware/Units.h"
 
 namespace hardware {
 namespace {
@@ -14,8 +15,6 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using ::testing::HasSubstr;
-
-constexpr std::uint64_t kMib = std::uint64_t{1024} * 1024;
 
 // fio
 

@@ -10,6 +10,7 @@
 #include <fstream>
 
 #include "providers/hardware/TFileFinder.h"
+#include "providers/hardware/Units.h"
 #include "tests/providers/TFileFolder.h"
 
 namespace hardware {
@@ -18,8 +19,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-
-constexpr std::uint64_t kMib = std::uint64_t{1024} * 1024;
 
 class FileFinderTest : public ::testing::Test {
  protected:
