@@ -16,11 +16,6 @@ constexpr std::array<long, 5> kUntrusted = {2, 18, 19, 20, 21};
 
 constexpr const char* kOrInsecure = ", or ask for insecure mode";
 
-[[noreturn]] void Throw(TQELStatusCode::ECode code, const TServerUrl& url,
-                        const std::string& reason) {
-  throw TQELException(code, url.GetText() + ": " + reason);
-}
-
 bool Holds(const std::string& text, std::string_view part) {
   return text.find(part) != std::string::npos;
 }
@@ -56,19 +51,19 @@ std::string DescribeCertificateProblem(const TTransferFailure& failure,
   const std::string reason = " (" + MakeSafe(failure.reason) + ")";
   if (Holds(failure.reason, "certificate required") ||
       (Holds(failure.reason, "handshake failure") && options.clientCertificate.empty())) {
-    Throw(TQELStatusCode::kAccessDenied, url,
-          options.clientCertificate.empty()
-              ? "the server may want a client certificate, and none is given" + reason
-              : "the server did not take the client certificate" + reason);
+    ThrowFor(TQELStatusCode::kAccessDenied, url,
+             options.clientCertificate.empty()
+                 ? "the server may want a client certificate, and none is given" + reason
+                 : "the server did not take the client certificate" + reason);
   }
   const bool isCertificate =
       Holds(failure.reason, "certificate") || Holds(failure.reason, "unknown ca");
   if (isCertificate) {
-    Throw(TQELStatusCode::kAccessDenied, url,
-          "the server refuses our client certificate" + reason +
-              "; give one from an authority that it trusts");
+    ThrowFor(TQELStatusCode::kAccessDenied, url,
+             "the server refuses our client certificate" + reason +
+                 "; give one from an authority that it trusts");
   }
-  Throw(TQELStatusCode::kConnection, url, "the server broke the TLS handshake off" + reason);
+  ThrowFor(TQELStatusCode::kConnection, url, "the server broke the TLS handshake off" + reason);
 }
 
 bool IsOldVersion(const std::string& reason) {
@@ -85,17 +80,17 @@ bool IsPlainText(const std::string& reason) {
                                         const TServerOptions& options) {
   const std::string reason = " (" + MakeSafe(failure.reason) + ")";
   if (IsOldVersion(failure.reason)) {
-    Throw(TQELStatusCode::kConnection, url,
-          "the server speaks no TLS of version 1.2 or newer" + reason +
-              "; older versions are not safe and not offered");
+    ThrowFor(TQELStatusCode::kConnection, url,
+             "the server speaks no TLS of version 1.2 or newer" + reason +
+                 "; older versions are not safe and not offered");
   }
   if (IsPlainText(failure.reason)) {
-    Throw(TQELStatusCode::kConnection, url,
-          "the server does not speak TLS on this port" + reason +
-              "; use http, or the port of its https side");
+    ThrowFor(TQELStatusCode::kConnection, url,
+             "the server does not speak TLS on this port" + reason +
+                 "; use http, or the port of its https side");
   }
   if (Holds(failure.reason, "alert")) ThrowAlert(failure, url, options);
-  Throw(TQELStatusCode::kConnection, url, "the TLS handshake did not succeed" + reason);
+  ThrowFor(TQELStatusCode::kConnection, url, "the TLS handshake did not succeed" + reason);
 }
 
 }  // namespace
@@ -104,15 +99,15 @@ void ThrowTlsFailure(const TTransferFailure& failure, const TServerUrl& url,
                      const TServerOptions& options) {
   switch (failure.code) {
     case CURLE_PEER_FAILED_VERIFICATION:
-      Throw(TQELStatusCode::kAccessDenied, url, DescribeCertificateProblem(failure, options));
+      ThrowFor(TQELStatusCode::kAccessDenied, url, DescribeCertificateProblem(failure, options));
     case CURLE_SSL_CACERT_BADFILE:
-      Throw(TQELStatusCode::kInvalidArgument, url,
-            "no certificate can be read from the CA file " + MakeSafe(options.caFile) + " (" +
-                MakeSafe(failure.reason) + ")");
+      ThrowFor(TQELStatusCode::kInvalidArgument, url,
+               "no certificate can be read from the CA file " + MakeSafe(options.caFile) + " (" +
+                   MakeSafe(failure.reason) + ")");
     case CURLE_SSL_CERTPROBLEM:
-      Throw(TQELStatusCode::kInvalidArgument, url,
-            "the client certificate cannot be used (" + MakeSafe(failure.reason) +
-                "); it must be PEM, with a key that fits and is not encrypted");
+      ThrowFor(TQELStatusCode::kInvalidArgument, url,
+               "the client certificate cannot be used (" + MakeSafe(failure.reason) +
+                   "); it must be PEM, with a key that fits and is not encrypted");
     case CURLE_SSL_CONNECT_ERROR:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:

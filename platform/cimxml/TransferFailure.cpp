@@ -13,11 +13,6 @@
 namespace NZEPQEL20::cimxml {
 namespace {
 
-[[noreturn]] void Throw(TQELStatusCode::ECode code, const TServerUrl& url,
-                        const std::string& reason) {
-  throw TQELException(code, url.GetText() + ": " + reason);
-}
-
 std::string DescribeProgress(const TExchange& exchange) {
   if (exchange.GetBodySize() > 0) {
     return DescribeBytes(exchange.GetBodySize()) + " of its body had come";
@@ -30,14 +25,14 @@ std::string DescribeProgress(const TExchange& exchange) {
 [[noreturn]] void ThrowTimeout(const TTransferFailure& failure, const TExchange& exchange,
                                const TServerUrl& url) {
   if (!exchange.IsConnected()) {
-    Throw(TQELStatusCode::kConnection, url,
-          "no connection within " +
-              DescribeTime(std::min(failure.connectTimeout, failure.timeout)) +
-              "; is the host right and reachable?");
+    ThrowFor(TQELStatusCode::kConnection, url,
+             "no connection within " +
+                 DescribeTime(std::min(failure.connectTimeout, failure.timeout)) +
+                 "; is the host right and reachable?");
   }
-  Throw(TQELStatusCode::kConnection, url,
-        "no complete answer within " + DescribeTime(failure.timeout) + " (" +
-            DescribeProgress(exchange) + ")");
+  ThrowFor(TQELStatusCode::kConnection, url,
+           "no complete answer within " + DescribeTime(failure.timeout) + " (" +
+               DescribeProgress(exchange) + ")");
 }
 
 // What the system says of a UNIX socket: curl would speak of a port of localhost.
@@ -90,7 +85,7 @@ bool StartsWithHttp(const std::string& url) {
 }
 
 [[noreturn]] void ThrowNotHttp(const TTransferFailure& failure, const TServerUrl& url) {
-  Throw(
+  ThrowFor(
       TQELStatusCode::kFailed, url,
       "the answer is not proper HTTP (" + MakeSafe(failure.reason) + ")" +
           (failure.hasServed ? "" : "; is this the port of a CIM server, and does it want https?"));
@@ -108,22 +103,26 @@ bool IsLongTrailer(const TTransferFailure& failure) {
 }
 
 [[noreturn]] void ThrowLongLine(const TServerUrl& url) {
-  Throw(TQELStatusCode::kFailed, url, "the answer has a header field of absurd length");
+  ThrowFor(TQELStatusCode::kFailed, url, "the answer has a header field of absurd length");
 }
 
 [[noreturn]] void ThrowUnreachable(const TTransferFailure& failure, const TServerUrl& url) {
   if (url.IsLocalSocket()) {
-    Throw(TQELStatusCode::kConnection, url,
-          DescribeSocketProblem(url.GetSocketPath(), failure.systemError));
+    ThrowFor(TQELStatusCode::kConnection, url,
+             DescribeSocketProblem(url.GetSocketPath(), failure.systemError));
   }
   const bool isName = failure.code == CURLE_COULDNT_RESOLVE_HOST;
-  Throw(TQELStatusCode::kConnection, url,
-        "no connection: " + MakeSafe(failure.reason) +
-            (isName ? "; is the host's name right?"
-                    : "; is the CIM server running, and are host and port right?"));
+  ThrowFor(TQELStatusCode::kConnection, url,
+           "no connection: " + MakeSafe(failure.reason) +
+               (isName ? "; is the host's name right?"
+                       : "; is the CIM server running, and are host and port right?"));
 }
 
 }  // namespace
+
+void ThrowFor(TQELStatusCode::ECode code, const TServerUrl& url, const std::string& reason) {
+  throw TQELException(code, url.GetText() + ": " + reason);
+}
 
 void ThrowTransferFailure(const TTransferFailure& failure, const TExchange& exchange,
                           const TServerUrl& url, const TServerOptions& options) {
@@ -150,9 +149,9 @@ void ThrowTransferFailure(const TTransferFailure& failure, const TExchange& exch
       ThrowNotHttp(failure, url);
     case CURLE_OUT_OF_MEMORY:
       if (exchange.IsConnected()) ThrowLongLine(url);
-      Throw(TQELStatusCode::kNoMemory, url, "no memory for a request");
+      ThrowFor(TQELStatusCode::kNoMemory, url, "no memory for a request");
     default:
-      Throw(TQELStatusCode::kFailed, url, MakeSafe(failure.reason));
+      ThrowFor(TQELStatusCode::kFailed, url, MakeSafe(failure.reason));
   }
 }
 

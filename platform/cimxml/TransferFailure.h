@@ -23,6 +23,10 @@ struct TTransferFailure {
   std::chrono::milliseconds timeout{0};         ///< As it was set for this transfer.
 };
 
+/// Throws a TQELException whose text starts with the server's address.
+[[noreturn]] void ThrowFor(TQELStatusCode::ECode code, const TServerUrl& url,
+                           const std::string& reason);
+
 /// Throws what THttpSession::Exchange() promises for `failure`.
 [[noreturn]] void ThrowTransferFailure(const TTransferFailure& failure, const TExchange& exchange,
                                        const TServerUrl& url, const TServerOptions& options);

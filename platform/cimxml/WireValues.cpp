@@ -6,19 +6,13 @@
 #include <cstdint>
 #include <limits>
 
+#include "platform/cimxml/HttpText.h"
 #include "platform/cimxml/XmlText.h"
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/model/DateTimeText.h"
 
 namespace NZEPQEL20::cimxml {
 namespace {
-
-std::string_view Trim(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t begin = text.find_first_not_of(kBlanks);
-  if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
-}
 
 struct TInteger {
   bool isNegative = false;

@@ -7,18 +7,17 @@ namespace NZEPQEL20 {
 namespace {
 
 constexpr std::size_t kFirstType = 4;
-constexpr char kRule[] = "R2";
+constexpr char kLineRule[] = "R2";
 constexpr char kForm[] = "write: Class Namespace Provider Library type...";
-constexpr char kTypes[] = "write instance, association, method, property or indication";
 
 void ReadLine(const TTextLine& line, const std::string& file, TRegistrationTaker& taker) {
   const std::string fault = FindLineFault(line);
-  if (!fault.empty()) return taker.Fail(line.source + ": " + fault, kForm, kRule);
+  if (!fault.empty()) return taker.Fail(line.source + ": " + fault, kForm, kLineRule);
   // A comment may follow without a blank.
   const std::vector<std::string> words = SplitWords(line.text.substr(0, line.text.find('#')));
   if (words.empty()) return;
   const auto fail = [&](const std::string& reason, const std::string& remedy) {
-    taker.Fail(line.source + ": " + reason, remedy, kRule);
+    taker.Fail(line.source + ": " + reason, remedy, kLineRule);
   };
   if (words.size() <= kFirstType) {
     return fail("expected at least 5 words, found " + std::to_string(words.size()) + " words",
@@ -29,7 +28,7 @@ void ReadLine(const TTextLine& line, const std::string& file, TRegistrationTaker
   TRegistration entry;
   for (std::size_t i = kFirstType; i < words.size(); ++i) {
     if (!MarkType(entry, words[i])) {
-      return fail("unknown provider type \"" + words[i] + "\"", kTypes);
+      return fail("unknown provider type \"" + words[i] + "\"", kTypeRemedy);
     }
   }
   entry.className = words[0];

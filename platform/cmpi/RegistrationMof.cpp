@@ -15,7 +15,7 @@ namespace NZEPQEL20 {
 
 namespace {
 
-constexpr char kRule[] = "R12";
+constexpr char kMofRule[] = "R12";
 
 /// What registrations of any version have; only a few of these count here.
 constexpr const char* kKnownProperties[] = {"Name",
@@ -115,7 +115,7 @@ class TPegasusReader {
     for (const auto& [provider, isUsed] : m_providers) {
       if (isUsed) continue;
       m_taker.Warn(m_file + ": PG_Provider \"" + provider.second + "\" serves no class",
-                   "add a PG_ProviderCapabilities instance for it", kRule);
+                   "add a PG_ProviderCapabilities instance for it", kMofRule);
     }
   }
 
@@ -127,7 +127,7 @@ class TPegasusReader {
       if (IsKnownProperty(property)) continue;
       m_taker.Warn(
           m_file + ": " + className + " has no property " + property.name + " that is heeded here",
-          "mend its name, if it is meant to be another", kRule);
+          "mend its name, if it is meant to be another", kMofRule);
     }
   }
 
@@ -145,7 +145,7 @@ class TPegasusReader {
   }
 
   void Fail(const TRegistration& entry, const std::string& reason, const std::string& remedy) {
-    m_taker.Fail(entry.source + ": " + reason, remedy, kRule);
+    m_taker.Fail(entry.source + ": " + reason, remedy, kMofRule);
   }
 
   bool HasNames(const TRegistration& entry) {
@@ -199,7 +199,7 @@ class TPegasusReader {
         isDriven = MarkType(entry, word->second);
       } else if (type == "6" || type == "7") {
         m_taker.Warn(entry.source + ": ProviderType " + type + " is not driven",
-                     "leave it out where it is not needed", kRule);
+                     "leave it out where it is not needed", kMofRule);
       } else {
         Fail(entry, "unknown ProviderType " + type, "set it to 2, 3, 4 or 5");
         return false;
@@ -258,7 +258,7 @@ class TMofCollection {
  private:
   void Report(const std::vector<TMofError>& errors) {
     for (const TMofError& error : errors) {
-      if (!error.isWarning) m_taker.Fail(error.ToString(), "mend the MOF", kRule);
+      if (!error.isWarning) m_taker.Fail(error.ToString(), "mend the MOF", kMofRule);
     }
   }
 

@@ -11,8 +11,7 @@ namespace NZEPQEL20 {
 
 namespace {
 
-constexpr char kRule[] = "R11";
-constexpr char kTypes[] = "write instance, association, method, property or indication";
+constexpr char kSectionRule[] = "R11";
 
 /// A section while its lines are read.
 struct TSection {
@@ -67,7 +66,7 @@ class TSectionReader {
 
  private:
   void Fail(const TTextLine& line, const std::string& reason, const std::string& remedy) {
-    m_taker.Fail(line.source + ": " + reason, remedy, kRule);
+    m_taker.Fail(line.source + ": " + reason, remedy, kSectionRule);
     m_section.isFaulty = true;
   }
 
@@ -84,7 +83,7 @@ class TSectionReader {
       m_taker.Warn(line.source + ": class " + name +
                        " is a provider of the server's own and is "
                        "not driven",
-                   "leave the section out", kRule);
+                   "leave the section out", kSectionRule);
       m_section.isFaulty = true;
     } else if (!IsPlainName(name)) {
       Fail(line, "\"" + name + "\" is not a class name", "write the class in brackets");
@@ -98,7 +97,7 @@ class TSectionReader {
   void ReadKey(const TTextLine& line, const std::string& text) {
     if (m_section.className.empty()) {
       return m_taker.Fail(line.source + ": \"" + text + "\" is before the first [ClassName]",
-                          "start with the class in brackets", kRule);
+                          "start with the class in brackets", kSectionRule);
     }
     const std::size_t colon = text.find(':');
     if (colon == std::string::npos) {
@@ -113,14 +112,14 @@ class TSectionReader {
     std::string& value = m_section.values[key];
     if (!value.empty()) {
       m_taker.Warn(line.source + ": key " + key + " is there twice; the last one holds",
-                   "leave one of them", kRule);
+                   "leave one of them", kSectionRule);
     }
     value = Trim(text.substr(colon + 1));
   }
 
   void Fault(const std::string& reason, const std::string& remedy) {
     m_taker.Fail(m_section.source + ": class " + m_section.className + ": " + reason, remedy,
-                 kRule);
+                 kSectionRule);
   }
 
   /// False when a value that every section needs is missing; that has been said then.
@@ -137,12 +136,12 @@ class TSectionReader {
     for (const std::string& type : SplitWords(m_section.Get("type"))) {
       if (MarkType(entry, type)) continue;
       if (!IsServerType(type)) {
-        Fault("unknown provider type \"" + type + "\"", kTypes);
+        Fault("unknown provider type \"" + type + "\"", kTypeRemedy);
         return false;
       }
       m_taker.Warn(
           m_section.source + ": type " + type + " is of the server's own and is not driven",
-          "leave it out", kRule);
+          "leave it out", kSectionRule);
     }
     return true;
   }
@@ -152,7 +151,7 @@ class TSectionReader {
       if (m_section.Get(key).empty()) continue;
       m_taker.Warn(m_section.source + ": " + key + " \"" + m_section.Get(key) +
                        "\" is not heeded; a provider runs as whoever runs the tests",
-                   "leave it out, or run the tests as that user", kRule);
+                   "leave it out, or run the tests as that user", kSectionRule);
     }
   }
 

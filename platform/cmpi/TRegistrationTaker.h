@@ -56,6 +56,9 @@ std::vector<std::string> SplitWords(const std::string& text);
 /// Whether `text` can be the name of a class or a provider: letters, digits and "_".
 bool IsPlainName(const std::string& text);
 
+/// What mends a type word that does not exist.
+inline constexpr char kTypeRemedy[] = "write instance, association, method, property or indication";
+
 /// Sets the mark for a type word, in any case; false for one that does not exist.
 bool MarkType(TRegistration& entry, const std::string& type);
 

@@ -13,27 +13,27 @@ namespace NZEPQEL20 {
 
 namespace {
 
-using EKind = TMofLiteral::EKind;
+using ELiteral = TMofLiteral::EKind;
 
 std::string Describe(const TMofLiteral& literal) {
   constexpr std::size_t kLongest = 40;
   switch (literal.kind) {
-    case EKind::kBoolean:
+    case ELiteral::kBoolean:
       return literal.magnitude != 0 ? "TRUE" : "FALSE";
-    case EKind::kInteger:
+    case ELiteral::kInteger:
       return literal.isOverflow
                  ? "a number of more than 64 bits"
                  : (literal.isNegative ? "-" : "") + std::to_string(literal.magnitude);
-    case EKind::kReal:
+    case ELiteral::kReal:
       return std::to_string(literal.real);
-    case EKind::kString:
+    case ELiteral::kString:
       return "\"" + literal.text.substr(0, kLongest) +
              (literal.text.size() > kLongest ? "...\"" : "\"");
-    case EKind::kChar:
+    case ELiteral::kChar:
       return "a character";
-    case EKind::kAlias:
+    case ELiteral::kAlias:
       return "the alias " + literal.text.substr(0, kLongest);
-    case EKind::kNull:
+    case ELiteral::kNull:
       break;
   }
   return "NULL";
@@ -63,7 +63,7 @@ unsigned int GetBits(ECIMType type) {
 TCIMValue ConvertUnsigned(const TMofLiteral& literal, ECIMType type) {
   const std::uint64_t most = std::numeric_limits<std::uint64_t>::max() >> (64U - GetBits(type));
   const bool isBelow = literal.isNegative && literal.magnitude != 0;
-  if (literal.kind != EKind::kInteger || literal.isOverflow || isBelow ||
+  if (literal.kind != ELiteral::kInteger || literal.isOverflow || isBelow ||
       literal.magnitude > most) {
     Refuse(literal, type);
   }
@@ -72,7 +72,7 @@ TCIMValue ConvertUnsigned(const TMofLiteral& literal, ECIMType type) {
 
 TCIMValue ConvertSigned(const TMofLiteral& literal, ECIMType type) {
   const std::uint64_t most = std::numeric_limits<std::uint64_t>::max() >> (65U - GetBits(type));
-  if (literal.kind != EKind::kInteger || literal.isOverflow ||
+  if (literal.kind != ELiteral::kInteger || literal.isOverflow ||
       literal.magnitude > most + (literal.isNegative ? 1U : 0U)) {
     Refuse(literal, type);
   }
@@ -82,12 +82,12 @@ TCIMValue ConvertSigned(const TMofLiteral& literal, ECIMType type) {
 }
 
 TCIMValue ConvertReal(const TMofLiteral& literal, ECIMType type) {
-  const bool isNumber = literal.kind == EKind::kReal || literal.kind == EKind::kInteger;
+  const bool isNumber = literal.kind == ELiteral::kReal || literal.kind == ELiteral::kInteger;
   if (!isNumber || literal.isOverflow) {
     Refuse(literal, type);
   }
   double value = literal.real;
-  if (literal.kind == EKind::kInteger) {
+  if (literal.kind == ELiteral::kInteger) {
     value = static_cast<double>(literal.magnitude) * (literal.isNegative ? -1.0 : 1.0);
   }
   if (type == ECIMType::kReal64) {
@@ -100,13 +100,13 @@ TCIMValue ConvertReal(const TMofLiteral& literal, ECIMType type) {
 }
 
 TCIMValue ConvertChar(const TMofLiteral& literal) {
-  if (literal.kind == EKind::kChar) {
+  if (literal.kind == ELiteral::kChar) {
     return TCIMValue::Char16(static_cast<std::uint16_t>(literal.magnitude));
   }
   // Some files write the character as a string of one.
   std::size_t length = 0;
   const unsigned int unit = DecodeUtf8(literal.text, length);
-  if (literal.kind == EKind::kString && !literal.text.empty() && length == literal.text.size() &&
+  if (literal.kind == ELiteral::kString && !literal.text.empty() && length == literal.text.size() &&
       unit <= 0xFFFF) {
     return TCIMValue::Char16(static_cast<std::uint16_t>(unit));
   }
@@ -115,7 +115,7 @@ TCIMValue ConvertChar(const TMofLiteral& literal) {
 
 TCIMValue ConvertDateTime(const TMofLiteral& literal) {
   const std::string& text = literal.text;
-  const bool isTime = literal.kind == EKind::kString && text.size() == 25 && text[14] == '.' &&
+  const bool isTime = literal.kind == ELiteral::kString && text.size() == 25 && text[14] == '.' &&
                       (text[21] == '+' || text[21] == '-' || text[21] == ':');
   if (!isTime) {
     Refuse(literal, ECIMType::kDateTime);
@@ -124,7 +124,7 @@ TCIMValue ConvertDateTime(const TMofLiteral& literal) {
 }
 
 TCIMValue ConvertReference(const TMofLiteral& literal) {
-  if (literal.kind != EKind::kString) {
+  if (literal.kind != ELiteral::kString) {
     Refuse(literal, ECIMType::kReference);
   }
   try {
@@ -144,13 +144,14 @@ TCIMValue ConvertArray(const TMofInitializer& initializer, ECIMType type) {
 }
 
 bool IsNull(const TMofInitializer& initializer) {
-  return !initializer.isArray && initializer.literals.front().kind == EKind::kNull;
+  return !initializer.isArray && initializer.literals.front().kind == ELiteral::kNull;
 }
 
 /// MaxValue of a uint64 property is beyond sint64, its declared type.
 bool IsBeyondSigned(const TMofInitializer& initializer, ECIMType type) {
   return type == ECIMType::kSInt64 && initializer.literals.size() == 1 &&
-         initializer.literals[0].kind == EKind::kInteger && !initializer.literals[0].isNegative &&
+         initializer.literals[0].kind == ELiteral::kInteger &&
+         !initializer.literals[0].isNegative &&
          initializer.literals[0].magnitude >
              static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
 }
@@ -158,12 +159,12 @@ bool IsBeyondSigned(const TMofInitializer& initializer, ECIMType type) {
 }  // namespace
 
 TCIMValue ConvertLiteral(const TMofLiteral& literal, ECIMType type) {
-  if (literal.kind == EKind::kNull) {
+  if (literal.kind == ELiteral::kNull) {
     return TCIMValue::Null(type);
   }
   switch (type) {
     case ECIMType::kBoolean:
-      if (literal.kind != EKind::kBoolean) {
+      if (literal.kind != ELiteral::kBoolean) {
         Refuse(literal, type);
       }
       return TCIMValue::Boolean(literal.magnitude != 0);
@@ -187,7 +188,7 @@ TCIMValue ConvertLiteral(const TMofLiteral& literal, ECIMType type) {
     case ECIMType::kReference:
       return ConvertReference(literal);
     default:
-      if (literal.kind != EKind::kString) {
+      if (literal.kind != ELiteral::kString) {
         Refuse(literal, type);
       }
       return TCIMValue(literal.text);
@@ -225,23 +226,23 @@ TCIMValue ConvertQualifierValue(const TMofInitializer& initializer, ECIMType typ
 ECIMType GuessType(const TMofInitializer& initializer) {
   const auto known =
       std::find_if(initializer.literals.begin(), initializer.literals.end(),
-                   [](const TMofLiteral& literal) { return literal.kind != EKind::kNull; });
+                   [](const TMofLiteral& literal) { return literal.kind != ELiteral::kNull; });
   if (known == initializer.literals.end()) {
     return ECIMType::kString;
   }
   switch (known->kind) {
-    case EKind::kBoolean:
+    case ELiteral::kBoolean:
       return ECIMType::kBoolean;
-    case EKind::kInteger:
+    case ELiteral::kInteger:
       return std::any_of(initializer.literals.begin(), initializer.literals.end(),
                          [](const TMofLiteral& literal) { return literal.isNegative; })
                  ? ECIMType::kSInt64
                  : ECIMType::kUInt64;
-    case EKind::kReal:
+    case ELiteral::kReal:
       return ECIMType::kReal64;
-    case EKind::kChar:
+    case ELiteral::kChar:
       return ECIMType::kChar16;
-    case EKind::kAlias:
+    case ELiteral::kAlias:
       return ECIMType::kReference;
     default:
       return ECIMType::kString;
