@@ -3,6 +3,7 @@ option(DIAGSRUNNER_WERROR "Treat warnings as errors (continuous integration does
 option(DIAGSRUNNER_TESTS "Build the tests" ON)
 option(DIAGSRUNNER_BENCH "Build the benchmarks" OFF)
 option(DIAGSRUNNER_FUZZ "Build the libFuzzer targets (Clang only)" OFF)
+option(DIAGSRUNNER_TEST_PROGRAMS "A test program runs in four processes, not in one for each test" OFF)
 option(DIAGSRUNNER_PCH "Precompile what every test includes; faster, and blind to missing includes" OFF)
 set(DIAGSRUNNER_SANITIZE "" CACHE STRING "Sanitizers for every target, e.g. address,undefined")
 
@@ -21,6 +22,12 @@ if(DIAGSRUNNER_SANITIZE)
       -fsanitize=${DIAGSRUNNER_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(diags_options INTERFACE -fsanitize=${DIAGSRUNNER_SANITIZE})
 endif()
+
+# diags_compile_alone(FILE...): sources whose own names are those of others of their target, too. A
+# build with CMAKE_UNITY_BUILD, which compiles several sources as one, leaves these by themselves.
+function(diags_compile_alone)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
 
 # One room of the house: a static library that the shared libraries are put together from, and
 # that tests link piece by piece.

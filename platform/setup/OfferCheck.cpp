@@ -16,7 +16,7 @@ using TServices = std::vector<TProviderService>;
 // Joins a test to a device; discovery enumerates its instances.
 constexpr char kLink[] = "CIM_AvailableDiagnosticService";
 constexpr char kTest[] = "CIM_DiagnosticService";
-constexpr char kRule[] = "T1";
+constexpr char kTestRule[] = "T1";
 
 bool IsA(const TClassRepository& classes, const std::string& className, const char* wanted) {
   std::string name = className;
@@ -73,7 +73,7 @@ bool HasLinkElsewhere(const TClassRepository& classes, const TProviderPackage& p
 }
 
 TProviderFinding MakeNoLink(const TProviderPackage& package, const TProviderService& test) {
-  return {true, kRule,
+  return {true, kTestRule,
           package.folder + ": registers the test " + test.className + " and no subclass of " +
               kLink + ", so that no test of it is found",
           "register one as instance"};
@@ -82,7 +82,7 @@ TProviderFinding MakeNoLink(const TProviderPackage& package, const TProviderServ
 TProviderFinding MakeNotFound(const TProviderPackage& package, const TServices& links) {
   std::set<std::string> names;
   for (const TProviderService& link : links) names.insert(link.className);
-  return {true, kRule,
+  return {true, kTestRule,
           package.folder + ": " + Name(names) +
               ": registered neither as instance nor as association, so that no test of it is found",
           "add the type instance to the registration"};
@@ -92,7 +92,7 @@ TProviderFinding MakeElsewhere(const TProviderPackage& package, const TServices&
                                const std::string& nameSpace) {
   std::set<std::string> spaces;
   for (const TProviderService& service : services) spaces.insert(service.nameSpace);
-  return {true, kRule,
+  return {true, kTestRule,
           package.folder + ": is registered in " + Name(spaces) +
               ", and `diagsrun list` looks in " + nameSpace,
           "`diagsrun --namespace " + *spaces.begin() + " list` looks there"};
