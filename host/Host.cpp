@@ -21,6 +21,7 @@
 #include "host/ProviderCommands.h"
 #include "host/Remedy.h"
 #include "host/TBlockedSignals.h"
+#include "host/TCallWatch.h"
 #include "host/TInstalledProviders.h"
 #include "host/TOutputRedirect.h"
 #include "host/TRunnerDiagnostics.h"
@@ -136,12 +137,27 @@ TPlatformHandle MakePlatform(const TOptions& options, const TCredentials& creden
   }
 }
 
+// From the command's end on, a provider that does not end is left.
+EExitStatus RunWatched(const TOptions& options, TRunnerDiagnostics& diagnostics,
+                       const TSurroundings& surroundings, TCallWatch& calls) {
+  try {
+    const EExitStatus status = RunCommand(options, diagnostics, surroundings);
+    calls.BeginEnd(status);
+    return status;
+  } catch (const std::exception& e) {
+    calls.BeginEnd(EExitStatus::kNotFinished, e.what());
+    throw;
+  }
+}
+
 // What is made here goes in the reverse order: the runner first, then the watch, since it reaches
 // into the platform, then the platform with its providers. The watch is there before the platform,
 // which may wait for a server that does not answer.
 EExitStatus RunOnPlatform(const TOptions& options, TCredentials credentials,
                           const TBlockedSignals* signals) {
   const TLog log(options);
+  // Looks on until the platform has gone.
+  const TCallWatchThread calls(GetCallWatchWays(&NZEPQEL20::GetProviderCalls));
   TPlatformHandle platform;
   std::atomic<NZEPQEL20::TPlatform*> reachable{nullptr};
   const auto kill = [&reachable] {
@@ -161,11 +177,12 @@ EExitStatus RunOnPlatform(const TOptions& options, TCredentials credentials,
                                    &IsOutputGood,
                                    &std::chrono::system_clock::now,
                                    &std::chrono::steady_clock::now,
-                                   [&watch] {
+                                   [&] {
+                                     calls.Get().BeginTests();
                                      if (watch) watch->BeginTests();
                                    },
                                    &IsReaderGone};
-  return RunCommand(options, diagnostics, surroundings);
+  return RunWatched(options, diagnostics, surroundings, calls.Get());
 }
 
 EExitStatus RunOnProviders(const TOptions& options) {
