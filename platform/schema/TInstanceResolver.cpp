@@ -172,7 +172,7 @@ TCIMValue TInstanceResolver::Convert(const TMofInstance& source, const TMofIniti
   const bool isNull = !value.isArray && value.literals.front().kind == TMofLiteral::EKind::kNull;
   const bool isPlain = type != ECIMType::kReference && type != ECIMType::kInstance;
   if (isNull || isPlain || value.isArray != isArray) {
-    return ConvertInitializer(value, type, isArray);
+    return ConvertOrMend(source, value, type, isArray);
   }
   if (!isArray) {
     return ConvertOne(source, value.literals.front(), type, embedded);
@@ -182,6 +182,22 @@ TCIMValue TInstanceResolver::Convert(const TMofInstance& source, const TMofIniti
     elements.push_back(ConvertOne(source, literal, type, embedded));
   }
   return TCIMValue::Array(type, std::move(elements));
+}
+
+TCIMValue TInstanceResolver::ConvertOrMend(const TMofInstance& source, const TMofInitializer& value,
+                                           ECIMType type, bool isArray) {
+  try {
+    return ConvertInitializer(value, type, isArray);
+  } catch (const TMofValueError& error) {
+    const auto mended = MendInitializer(value, type, isArray);
+    if (!mended) {
+      throw;
+    }
+    TCIMValue converted = ConvertInitializer(*mended, type, isArray);
+    m_problems.AddWarning(source.file, error.position,
+                          std::string(error.what()) + "; it is taken as one");
+    return converted;
+  }
 }
 
 TCIMValue TInstanceResolver::ConvertOne(const TMofInstance& source, const TMofLiteral& literal,

@@ -41,6 +41,9 @@ class TInstanceResolver {
                        TCIMInstanceData& result);
   TCIMValue Convert(const TMofInstance& source, const TMofInitializer& value, ECIMType type,
                     bool isArray, unsigned int embedded);
+  /// Takes what vendors' compilers let pass, too, with a warning.
+  TCIMValue ConvertOrMend(const TMofInstance& source, const TMofInitializer& value, ECIMType type,
+                          bool isArray);
   TCIMValue ConvertOne(const TMofInstance& source, const TMofLiteral& literal, ECIMType type,
                        unsigned int embedded);
   TCIMValue ReadEmbedded(const TMofInstance& source, const TMofLiteral& literal,

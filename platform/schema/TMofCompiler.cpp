@@ -76,6 +76,9 @@ void TMofCompiler::CompileDefault(const TMofProperty& property, TSchemaProperty&
         ConvertInitializer(property.defaultValue, property.type, property.isArray);
     result.hasDefault = true;
   } catch (const TMofValueError& error) {
+    if (MendDefault(property, result, error)) {
+      return;
+    }
     const TMofInitializer& value = property.defaultValue;
     if (property.type == ECIMType::kReference && !value.isArray &&
         value.literals.front().kind == TMofLiteral::EKind::kString) {
@@ -87,6 +90,25 @@ void TMofCompiler::CompileDefault(const TMofProperty& property, TSchemaProperty&
     m_problems.AddError(m_file, error.position,
                         "default of property " + property.name + ": " + error.what());
   }
+}
+
+bool TMofCompiler::MendDefault(const TMofProperty& property, TSchemaProperty& result,
+                               const TMofValueError& error) {
+  const auto mended = MendInitializer(property.defaultValue, property.type, property.isArray);
+  if (!mended) {
+    return false;
+  }
+  try {
+    result.defaultValue = ConvertInitializer(*mended, property.type, property.isArray);
+  } catch (const TMofValueError&) {
+    // The fault of what the file says is told.
+    return false;
+  }
+  result.hasDefault = true;
+  m_problems.AddWarning(
+      m_file, error.position,
+      "default of property " + property.name + ": " + error.what() + "; it is taken as one");
+  return true;
 }
 
 void TMofCompiler::CheckValues(const TSchemaElement& element) {
@@ -131,13 +153,30 @@ TSchemaQualifier TMofCompiler::CompileQualifier(const TMofQualifier& qualifier) 
   result.isOverridable =
       qualifier.flavors.hasOverride ? qualifier.flavors.isOverridable : type.isOverridable;
   if (qualifier.hasValue) {
-    result.value = ConvertQualifierValue(qualifier.value, type.type, type.isArray);
+    result.value = ConvertOrMend(qualifier, type);
   } else if (type.type == ECIMType::kBoolean && !type.isArray) {
     result.value = TCIMValue::Boolean(true);
   } else {
     result.value = type.defaultValue;
   }
   return result;
+}
+
+TCIMValue TMofCompiler::ConvertOrMend(const TMofQualifier& qualifier,
+                                      const TMofQualifierType& type) {
+  try {
+    return ConvertQualifierValue(qualifier.value, type.type, type.isArray);
+  } catch (const TMofValueError& error) {
+    const auto mended = MendInitializer(qualifier.value, type.type, type.isArray);
+    if (!mended) {
+      throw;
+    }
+    TCIMValue value = ConvertQualifierValue(*mended, type.type, type.isArray);
+    m_problems.AddWarning(
+        m_file, error.position,
+        "qualifier " + qualifier.name + ": " + error.what() + "; it is taken as one");
+    return value;
+  }
 }
 
 TMofQualifierType TMofCompiler::GuessQualifier(const TMofQualifier& qualifier) {

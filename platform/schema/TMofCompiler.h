@@ -8,6 +8,7 @@
 #include "platform/schema/TMofDeclarations.h"
 #include "platform/schema/TMofProblems.h"
 #include "platform/schema/TMofQualifierTable.h"
+#include "platform/schema/TMofValue.h"
 #include "platform/schema/TSchemaClass.h"
 
 namespace NZEPQEL20 {
@@ -33,6 +34,11 @@ class TMofCompiler {
   TMofQualifierType GuessQualifier(const TMofQualifier& qualifier);
   void CompileElement(TMofElement&& element, TSchemaElement& result);
   void CompileDefault(const TMofProperty& property, TSchemaProperty& result);
+  /// Takes a default that vendors' compilers let pass; false when it is none of those.
+  bool MendDefault(const TMofProperty& property, TSchemaProperty& result,
+                   const TMofValueError& error);
+  /// The same for the value of a qualifier.
+  TCIMValue ConvertOrMend(const TMofQualifier& qualifier, const TMofQualifierType& type);
   void CheckValues(const TSchemaElement& element);
   void CompileProperties(TMofClass& declaration, TSchemaClass& result);
   void CompileMethods(TMofClass& declaration, TSchemaClass& result);

@@ -20,7 +20,7 @@ struct TMofLiteral {
   TMofPosition position;
   std::uint64_t magnitude = 0;  ///< Integer without its sign; char unit; 1 for TRUE.
   double real = 0;
-  std::string text;  ///< Content of a string; name of an alias with its `$`.
+  std::string text;  ///< Content of a string; name of an alias with its `$`; spelling of a real.
 };
 
 /// A constant or an array of constants.

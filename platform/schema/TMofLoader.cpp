@@ -90,6 +90,9 @@ void TMofLoader::LoadText(const std::string& text, const std::string& name) {
 void TMofLoader::Parse(const TMofSource& source) {
   const std::size_t before = m_rank;
   UseRank(FindRank(source.name));
+  if (m_rank == 0) {
+    m_schemaNames.insert(FoldName(std::filesystem::path(source.name).filename().string()));
+  }
   TMofParser(source, *this, m_problems).Parse();
   UseRank(before);
 }
@@ -108,10 +111,24 @@ void TMofLoader::OnInclude(const std::string& file, TMofPosition position,
   }
   ++m_depth;
   const std::string reason = Read(target);
-  if (!reason.empty()) {
+  if (!reason.empty() && !IsOfSchema(target)) {
     m_problems.AddError(file, position, shown + reason);
   }
   --m_depth;
+}
+
+bool TMofLoader::IsOfSchema(const std::string& path) const {
+  std::error_code error;
+  // A vendor's own file that cannot be read is the vendor's matter.
+  if (m_rank == 0 || std::filesystem::exists(path, error) || error) {
+    return false;
+  }
+  const std::string name = FoldName(std::filesystem::path(path).filename().string());
+  const std::string stem = name.substr(0, name.rfind('.'));
+  // Those that the schema declares, and the standard ones, are known without the file.
+  constexpr char kQualifiers[] = "qualifiers";
+  return stem.compare(0, sizeof kQualifiers - 1, kQualifiers) == 0 ||
+         m_schemaNames.count(name) > 0 || m_store.GetTree().Find(stem).has_value();
 }
 
 void TMofLoader::OnQualifier(const std::string& file, TMofQualifierDeclaration&& qualifier) {

@@ -57,6 +57,9 @@ class TMofLoader : public IMofSink {
   bool Open(const std::string& path);
   /// Reads and parses; answers with the reason why the file cannot be read, or an empty text.
   std::string Read(const std::string& path);
+  /// Whether `path`, which is not there, names what the schema has: vendors include files of it
+  /// that they do not ship.
+  bool IsOfSchema(const std::string& path) const;
 
   TSchemaStore& m_store;
   TMofProblems& m_problems;
@@ -65,9 +68,10 @@ class TMofLoader : public IMofSink {
   /// Those of the folders behind the first one.
   std::map<std::size_t, TMofQualifierTable> m_ownQualifiers;
   TMofCompiler m_compiler;
-  std::vector<std::string> m_folders;        ///< In plain form, with a "/" at the end.
-  std::size_t m_rank = 0;                    ///< Place in them of what is read now.
-  std::unordered_set<std::string> m_opened;  ///< Canonical paths.
+  std::vector<std::string> m_folders;             ///< In plain form, with a "/" at the end.
+  std::size_t m_rank = 0;                         ///< Place in them of what is read now.
+  std::unordered_set<std::string> m_opened;       ///< Canonical paths.
+  std::unordered_set<std::string> m_schemaNames;  ///< Of the first folder's files, folded.
   unsigned int m_depth = 0;
   unsigned int m_unit = 0;
   std::size_t m_pieces = 0;

@@ -71,6 +71,7 @@ class TMofParser {
   TMofQualifier ParseQualifier();
   void ParseFlavor(TMofFlavors& flavors);
   void ParseQualifierDeclaration();
+  void ParseFlavors(TMofFlavors& flavors);
   void ParseScopes();
 
   // Constants.

@@ -72,6 +72,10 @@ bool TMofParser::ParseFeature(TMofClass& declaration) {
   if (IsSymbol('}')) {
     return true;
   }
+  if (IsSymbol(';')) {
+    Warn(Take().position, "';' without a feature");
+    return true;
+  }
   try {
     TQualifiers qualifiers;
     if (IsSymbol('[')) {
@@ -239,6 +243,10 @@ void TMofParser::ParseInstance() {
   while (!IsSymbol('}')) {
     if (IsClassCutOff()) {
       Fail("'}' at the end of " + what);
+    }
+    if (IsSymbol(';')) {
+      Warn(Take().position, "';' without a property");
+      continue;
     }
     ParseInstanceProperty(instance);
   }

@@ -27,6 +27,10 @@ bool IsScope(const std::string& name) {
 std::vector<TMofQualifier> TMofParser::ParseQualifiers() {
   TQualifiers qualifiers;
   Expect('[', "before the qualifiers");
+  if (IsSymbol(']')) {
+    Warn(Take().position, "'[' and ']' with no qualifier between them");
+    return qualifiers;
+  }
   do {
     if (!qualifiers.empty() && IsSymbol(']')) {
       Warn(Peek().position, "',' behind the last qualifier");
@@ -115,21 +119,32 @@ void TMofParser::ParseQualifierDeclaration() {
     declaration.defaultValue = ParseInitializer();
   }
   Expect(',', "and Scope after the type of qualifier " + declaration.name);
-  ParseScopes();
-  if (TakeSymbol(',')) {
-    if (!IsWord("flavor")) {
-      Fail("Flavor after Scope");
+  if (IsWord("flavor")) {
+    Warn(Peek().position, "Flavor stands before Scope");
+    ParseFlavors(declaration.flavors);
+    Expect(',', "and Scope after the flavors of qualifier " + declaration.name);
+    ParseScopes();
+  } else {
+    ParseScopes();
+    if (TakeSymbol(',')) {
+      ParseFlavors(declaration.flavors);
     }
-    Take();
-    Expect('(', "after Flavor");
-    do {
-      ParseFlavor(declaration.flavors);
-      // Some write blanks here, as on the use of a qualifier.
-    } while (TakeSymbol(',') || Peek().kind == EMofToken::kIdentifier);
-    Expect(')', "after the flavors");
   }
   Expect(';', "after qualifier " + declaration.name);
   m_sink.OnQualifier(m_source.name, std::move(declaration));
+}
+
+void TMofParser::ParseFlavors(TMofFlavors& flavors) {
+  if (!IsWord("flavor")) {
+    Fail("Flavor after Scope");
+  }
+  Take();
+  Expect('(', "after Flavor");
+  do {
+    ParseFlavor(flavors);
+    // Some write blanks here, as on the use of a qualifier.
+  } while (TakeSymbol(',') || Peek().kind == EMofToken::kIdentifier);
+  Expect(')', "after the flavors");
 }
 
 void TMofParser::ParseScopes() {
@@ -201,7 +216,9 @@ TMofLiteral TMofParser::ParseLiteral() {
   literal.isOverflow = token.isOverflow;
   literal.real = token.real;
   literal.magnitude = literal.kind == EKind::kBoolean ? literal.magnitude : token.magnitude;
-  literal.text = literal.kind == EKind::kAlias ? std::string(token.text) : std::string();
+  // A real number may prove to be a text, such as that of a version.
+  const bool isSpelt = literal.kind == EKind::kAlias || literal.kind == EKind::kReal;
+  literal.text = isSpelt ? std::string(token.text) : std::string();
   return literal;
 }
 

@@ -2,8 +2,10 @@
 #include "platform/schema/TMofValue.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 #include "platform/contract/TCIMReference.h"
@@ -147,6 +149,60 @@ bool IsNull(const TMofInitializer& initializer) {
   return !initializer.isArray && initializer.literals.front().kind == ELiteral::kNull;
 }
 
+bool IsNumber(ECIMType type) {
+  switch (type) {
+    case ECIMType::kUInt8:
+    case ECIMType::kUInt16:
+    case ECIMType::kUInt32:
+    case ECIMType::kUInt64:
+    case ECIMType::kSInt8:
+    case ECIMType::kSInt16:
+    case ECIMType::kSInt32:
+    case ECIMType::kSInt64:
+    case ECIMType::kReal32:
+    case ECIMType::kReal64:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// A text of decimal digits, maybe behind a sign, as the number.
+bool ReadNumber(TMofLiteral& literal) {
+  const std::string& text = literal.text;
+  const bool isNegative = text.compare(0, 1, "-") == 0;
+  const char* const first = text.data() + (isNegative ? 1 : 0);
+  const char* const last = text.data() + text.size();
+  std::uint64_t magnitude = 0;
+  const auto [end, error] = std::from_chars(first, last, magnitude);
+  if (error != std::errc() || end != last) {
+    return false;
+  }
+  literal.kind = EKind::kInteger;
+  literal.isNegative = isNegative;
+  literal.magnitude = magnitude;
+  return true;
+}
+
+/// Whether the constant was of another kind, and suits the type now.
+bool MendLiteral(TMofLiteral& literal, ECIMType type) {
+  if (type == ECIMType::kString && literal.kind == EKind::kInteger && !literal.isOverflow) {
+    literal.text = Describe(literal);
+    literal.kind = EKind::kString;
+    return true;
+  }
+  if (type == ECIMType::kString && literal.kind == EKind::kReal) {
+    literal.kind = EKind::kString;
+    return true;
+  }
+  if (type == ECIMType::kBoolean && literal.kind == EKind::kInteger && literal.magnitude <= 1 &&
+      !literal.isOverflow && !literal.isNegative) {
+    literal.kind = EKind::kBoolean;
+    return true;
+  }
+  return IsNumber(type) && literal.kind == EKind::kString && ReadNumber(literal);
+}
+
 /// MaxValue of a uint64 property is beyond sint64, its declared type.
 bool IsBeyondSigned(const TMofInitializer& initializer, ECIMType type) {
   return type == ECIMType::kSInt64 && initializer.literals.size() == 1 &&
@@ -221,6 +277,20 @@ TCIMValue ConvertQualifierValue(const TMofInitializer& initializer, ECIMType typ
     throw TMofValueError(initializer.position, "expected one constant, found an array");
   }
   return ConvertLiteral(initializer.literals.front(), type);
+}
+
+std::optional<TMofInitializer> MendInitializer(const TMofInitializer& initializer, ECIMType type,
+                                               bool isArray) {
+  TMofInitializer mended = initializer;
+  bool isMended = isArray && !initializer.isArray;
+  mended.isArray = mended.isArray || isMended;
+  for (TMofLiteral& literal : mended.literals) {
+    isMended = MendLiteral(literal, type) || isMended;
+  }
+  if (!isMended) {
+    return std::nullopt;
+  }
+  return mended;
 }
 
 ECIMType GuessType(const TMofInitializer& initializer) {

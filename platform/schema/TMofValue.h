@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/contract/TQELException.h"
@@ -28,6 +29,11 @@ TCIMValue ConvertInitializer(const TMofInitializer& initializer, ECIMType type, 
 /// The same for the value of a qualifier, where one constant may stand for an array and an array
 /// of one for a constant, and an unsigned value for a sint64 that is too small for it.
 TCIMValue ConvertQualifierValue(const TMofInitializer& initializer, ECIMType type, bool isArray);
+
+/// What the compilers of vendors let pass: a number for a text and a text for the number that it
+/// spells, 0 and 1 for a boolean, one constant for an array. Nothing when it is none of these.
+std::optional<TMofInitializer> MendInitializer(const TMofInitializer& initializer, ECIMType type,
+                                               bool isArray);
 
 /// The type that suits the initializer best when nothing tells its type; kString for NULL.
 ECIMType GuessType(const TMofInitializer& initializer);

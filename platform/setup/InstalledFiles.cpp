@@ -50,8 +50,8 @@ bool IsMof(const fs::path& file) {
 // Puts the reduced classes that are shipped in front: a whole schema that lies beside them holds,
 // however its files are called.
 void PutShippedFirst(const fs::path& folder, std::vector<std::string>& files) {
-  constexpr std::array<const char*, 4> kShipped = {"cim_core.mof", "cim_devices.mof",
-                                                   "cim_diagnostics.mof", "cim_jobs.mof"};
+  constexpr std::array<const char*, 5> kShipped = {
+      "cim_core.mof", "cim_devices.mof", "cim_diagnostics.mof", "cim_jobs.mof", "cim_profiles.mof"};
   std::stable_partition(files.begin(), files.end(), [&](const std::string& file) {
     return std::any_of(kShipped.begin(), kShipped.end(),
                        [&](const char* name) { return file == (folder / name).string(); });

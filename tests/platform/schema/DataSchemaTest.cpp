@@ -15,7 +15,7 @@ class DataSchemaTest : public ::testing::Test {
     for (const auto& entry : std::filesystem::directory_iterator(DIAGSRUNNER_SCHEMA_DIR)) {
       files.push_back(entry.path().string());
     }
-    ASSERT_GE(files.size(), 4U);
+    ASSERT_GE(files.size(), 5U);
     std::sort(files.begin(), files.end());
     for (const std::string& file : files) {
       EXPECT_EQ(Lines(m_repository.Load(file)), TLines());
@@ -60,6 +60,24 @@ TEST_F(DataSchemaTest, KeysAreThoseOfTheCimSchema) {
   EXPECT_EQ(GetKeys("CIM_Indication"), TLines{});
   EXPECT_EQ(GetKeys("CIM_OwningJobElement"), (TLines{"OwningElement", "OwnedElement"}));
   EXPECT_EQ(GetKeys("CIM_AffectedJobElement"), (TLines{"AffectedElement", "AffectingElement"}));
+}
+
+TEST_F(DataSchemaTest, ProfilesAndLogsHaveTheirKeysAndRoots) {
+  for (const char* name : {"CIM_RegisteredProfile", "CIM_RegisteredSubProfile", "CIM_RecordLog",
+                           "CIM_SoftwareIdentity", "CIM_DiagnosticLog"}) {
+    EXPECT_EQ(GetKeys(name), TLines{"InstanceID"}) << name;
+    EXPECT_TRUE(m_repository.IsComplete(name)) << name;
+  }
+  for (const char* name :
+       {"CIM_ReferencedProfile", "CIM_UseOfLog", "CIM_ElementSoftwareIdentity"}) {
+    EXPECT_EQ(GetKeys(name), (TLines{"Antecedent", "Dependent"})) << name;
+    EXPECT_TRUE(m_repository.IsA(name, "CIM_Dependency")) << name;
+  }
+  EXPECT_EQ(GetKeys("CIM_ElementConformsToProfile"),
+            (TLines{"ConformantStandard", "ManagedElement"}));
+  EXPECT_EQ(GetKeys("CIM_LogManagesRecord"), (TLines{"Log", "Record"}));
+  EXPECT_EQ(GetKeys("CIM_ElementCapabilities"), (TLines{"ManagedElement", "Capabilities"}));
+  EXPECT_EQ(GetKeys("CIM_ElementSettingData"), (TLines{"ManagedElement", "SettingData"}));
 }
 
 TEST_F(DataSchemaTest, CompletionStatesHaveTheirWords) {

@@ -92,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Qualifiers, MofErrorTest,
     ::testing::Values(
-        TErrorRow{"[] class A_B { };", "t.mof:1:2: expected the name of a qualifier, found ']'"},
+        TErrorRow{"[,] class A_B { };", "t.mof:1:2: expected the name of a qualifier, found ','"},
         TErrorRow{"[Key = true] class A_B { };",
                   "t.mof:1:6: expected ']' or ',' after qualifier Key, found '='"},
         TErrorRow{"[Version(\"2\"] class A_B { };",

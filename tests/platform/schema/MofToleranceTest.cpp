@@ -262,7 +262,7 @@ TEST(MofToleranceTest, ClassesWithoutTheirSuperclassTakeInstances) {
 
 TEST(MofToleranceTest, ADefaultThatDoesNotFitCostsTheDefaultOnly) {
   TClassRepository repository;
-  EXPECT_EQ(LoadLines(repository, "class A_B { uint8 p = -1; uint8 q[] = 5; };"),
+  EXPECT_EQ(LoadLines(repository, "class A_B { uint8 p = -1; uint8 q[] = \"x\"; };"),
             (TLines{"t.mof:1:23: default of property p: -1 is not a value of type uint8",
                     "t.mof:1:39: default of property q: expected an array between '{' and '}'"}));
   EXPECT_EQ(repository.Find("A_B")->properties.size(), 2U);
