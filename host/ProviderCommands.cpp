@@ -84,7 +84,7 @@ class TProviderCommand {
                       TShow show, EExitStatus withErrors);
   EExitStatus Refuse(const TCheckedProvider& provider);
   void Install(const TCheckedProvider& provider);
-  std::string DescribeList() const;
+  std::string DescribeList(const TCheckedProvider& provider) const;
 
   bool m_isJson;
   const std::string& m_root;
@@ -162,9 +162,18 @@ EExitStatus TProviderCommand::Check() {
                  EExitStatus::kNotFinished);
 }
 
-// The command that shows the tests of what is installed where this command has put it.
-std::string TProviderCommand::DescribeList() const {
-  return m_root.empty() ? "`diagsrun list`" : "`diagsrun --root " + QuoteWord(m_root) + " list`";
+// The command that shows the tests of what is installed where this command has put it; nothing when
+// a finding says that it does not.
+std::string TProviderCommand::DescribeList(const TCheckedProvider& provider) const {
+  const auto isAboutTests = [](const auto& finding) {
+    return finding.rule.compare(0, 1, "T") == 0;
+  };
+  const auto& findings = provider.findings;
+  if (provider.CountErrors() > 0 || std::any_of(findings.begin(), findings.end(), isAboutTests)) {
+    return {};
+  }
+  const std::string root = m_root.empty() ? "" : "--root " + QuoteWord(m_root) + " ";
+  return "; `diagsrun " + root + "list` shows its tests";
 }
 
 EExitStatus TProviderCommand::Refuse(const TCheckedProvider& provider) {
@@ -208,7 +217,7 @@ EExitStatus TProviderCommand::Add() {
     WriteAddDocument(m_around.out, EExitStatus::kAllPassed, provider, folder);
   } else {
     m_around.out << SafeText(name + ": installed " + DescribeContents(provider.package) + " in " +
-                                 folder + "; " + DescribeList() + " shows its tests",
+                                 folder + DescribeList(provider),
                              ELines::kOne)
                  << "\n";
   }

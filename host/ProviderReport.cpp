@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <filesystem>
 #include <ostream>
 #include <set>
+#include <system_error>
 
 #include "host/JsonDocument.h"
 #include "host/Text.h"
@@ -103,6 +105,17 @@ TJson MakeProvider(const TCheckedProvider& provider) {
           {"findings", MakeFindings(provider.findings)}};
 }
 
+// Files, without the links to them.
+std::size_t CountFiles(const std::vector<std::string>& names) {
+  std::set<std::string> files;
+  for (const std::string& name : names) {
+    std::error_code error;
+    const std::filesystem::path file = std::filesystem::canonical(name, error);
+    files.insert(error ? name : file.string());
+  }
+  return files.size();
+}
+
 }  // namespace
 
 std::size_t TCheckedProvider::CountErrors() const {
@@ -124,7 +137,7 @@ std::string DescribeFinding(const TProviderFinding& finding) {
 
 std::string DescribeContents(const TProviderPackage& package) {
   return Count(CountClasses(package), "class", "classes") + " in " +
-         Count(package.libraries.size(), "library", "libraries");
+         Count(CountFiles(package.libraries), "library", "libraries");
 }
 
 std::string DescribeResult(const TCheckedProvider& provider) {

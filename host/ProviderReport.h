@@ -23,7 +23,7 @@ struct TCheckedProvider {
 /// A finding in one line: "error: what and why; remedy; see rule R5".
 std::string DescribeFinding(const NZEPQEL20::TProviderFinding& finding);
 
-/// What the folder holds: "3 classes in 1 library".
+/// What the folder holds: "3 classes in 1 library". Links to a library are no further ones.
 std::string DescribeContents(const NZEPQEL20::TProviderPackage& package);
 
 /// The outcome in a few words: "ok, 3 classes in 1 library", "2 errors, 1 warning".

@@ -112,6 +112,7 @@ class TPegasusReader {
       }
     }
     for (const TCIMInstanceData* capabilities : m_capabilities) Take(*capabilities);
+    TellUnhosted();
     for (const auto& [provider, isUsed] : m_providers) {
       if (isUsed) continue;
       m_taker.Warn(m_file + ": PG_Provider \"" + provider.second + "\" serves no class",
@@ -128,6 +129,17 @@ class TPegasusReader {
       m_taker.Warn(
           m_file + ": " + className + " has no property " + property.name + " that is heeded here",
           "mend its name, if it is meant to be another", kMofRule);
+    }
+  }
+
+  /// Beside classes that are hosted, those of other interfaces are meant for another server.
+  void TellUnhosted() const {
+    for (const std::string& text : m_unhosted) {
+      if (m_hasHosted) {
+        m_taker.Warn(text, "ship a CMPI provider for it, too", kRule);
+      } else {
+        m_taker.Fail(text, "ship a CMPI provider", kRule);
+      }
     }
   }
 
@@ -173,10 +185,8 @@ class TPegasusReader {
     }
     const std::string interfaceType = GetText(*module->second, "InterfaceType");
     if (!IsSameName(interfaceType, "CMPI")) {
-      Fail(entry,
-           "module \"" + m_module + "\" has the interface \"" + interfaceType +
-               "\", and only CMPI is hosted",
-           "ship a CMPI provider");
+      m_unhosted.push_back(entry.source + ": module \"" + m_module + "\" has the interface \"" +
+                           interfaceType + "\", and only CMPI is hosted");
       return false;
     }
     if (!GetText(*module->second, "Location").empty()) return true;
@@ -215,6 +225,7 @@ class TPegasusReader {
     for (const std::string& nameSpace : nameSpaces) {
       entry.nameSpace = nameSpace;
       m_taker.Add(entry, location, m_file);
+      m_hasHosted = true;
     }
   }
 
@@ -224,6 +235,8 @@ class TPegasusReader {
   std::map<std::pair<std::string, std::string>, bool> m_providers;  ///< Whether it serves a class.
   std::vector<const TCIMInstanceData*> m_capabilities;
   std::string m_module;
+  std::vector<std::string> m_unhosted;  ///< What is said of classes of other interfaces.
+  bool m_hasHosted = false;
 };
 
 /// What one vendor's MOF files declare.

@@ -25,25 +25,6 @@ bool IsOfFolder(const std::string& path, const std::string& folder) {
   return file.compare(0, folder.size() + 1, folder + '/') == 0;
 }
 
-/// The errors of each file of the folder: the first ones, and how many more there are. A file that
-/// is something else would have hundreds.
-void Take(const std::vector<TMofError>& errors, const std::string& folder,
-          std::vector<TProviderFinding>& findings) {
-  constexpr std::size_t kShown = 20;
-  constexpr char kMend[] = "mend the MOF";
-  std::map<std::string, std::size_t> counts;
-  for (const TMofError& error : errors) {
-    if (error.isWarning || !IsOfFolder(error.file, folder)) continue;
-    if (++counts[error.file] > kShown) continue;
-    findings.push_back({false, kMofRule, error.ToString(), kMend});
-  }
-  for (const auto& [file, count] : counts) {
-    if (count <= kShown) continue;
-    findings.push_back({false, kMofRule,
-                        file + ": and " + std::to_string(count - kShown) + " more errors", kMend});
-  }
-}
-
 bool HasKey(const TCIMClassDeclaration& declaration) {
   return std::any_of(declaration.properties.begin(), declaration.properties.end(),
                      [](const TCIMPropertyDeclaration& property) { return property.isKey; });
@@ -63,10 +44,10 @@ std::string FindMissingSuperclass(const TClassRepository& classes,
 }
 
 /// As the run time has them: with the other vendors', and from the cache.
-TPackageClasses LoadInstalledClasses(const std::string& root, const TProviderPackage& package) {
+TPackageClasses LoadInstalledClasses(const std::string& root) {
   TLoadedSchema schema = LoadInstalledSchema(root).schema;
   TPackageClasses loaded;
-  Take(schema.problems, package.folder, loaded.findings);
+  loaded.errors = std::move(schema.problems);
   loaded.classes = std::move(schema.classes);
   loaded.leftOut = std::move(schema.leftOut);
   return loaded;
@@ -131,6 +112,40 @@ bool NeedsKey(const TRegistration& entry) {
   return entry.isInstance || entry.isAssociation || entry.isMethod || entry.isProperty;
 }
 
+/// Whether a class is one of the DMTF's, and not a vendor's.
+bool IsStandard(const std::string& className) {
+  return IsSameName(className.substr(0, 4), "CIM_");
+}
+
+/// Whether every class that is registered is there with all that it inherits.
+bool HasAllClasses(const TClassRepository& classes, const TRegistrations& registrations) {
+  const auto& entries = registrations.GetEntries();
+  return std::all_of(entries.begin(), entries.end(), [&classes](const TRegistration& entry) {
+    return classes.IsComplete(entry.className);
+  });
+}
+
+/// The classes of declared instances that are none of a registration.
+std::set<std::string> FindOwnInstances(const TClassRepository& classes) {
+  std::set<std::string> names;
+  for (const TCIMInstanceData& instance : classes.GetInstances()) {
+    const std::string& name = instance.path.GetClassName();
+    if (!IsSameName(name.substr(0, 3), "PG_")) names.insert(name);
+  }
+  return names;
+}
+
+/// A few of the names: "a, b, c and 2 more".
+std::string NameFirst(const std::vector<std::string>& names) {
+  constexpr std::size_t kNamed = 3;
+  std::string text;
+  for (std::size_t i = 0; i < std::min(names.size(), kNamed); ++i) {
+    text += (i > 0 ? ", " : "") + names[i];
+  }
+  if (names.size() <= kNamed) return text;
+  return text + " and " + std::to_string(names.size() - kNamed) + " more";
+}
+
 /// How a fault of one class, or of several, is told.
 struct TFaultWords {
   bool isWarning;
@@ -165,14 +180,9 @@ class TClassFaults {
   using TGroup = std::vector<const TRegistration*>;
 
   static std::string Name(const TGroup& entries) {
-    constexpr std::size_t kNamed = 3;
-    std::string text = entries.size() == 1 ? "class " : "classes ";
-    for (std::size_t i = 0; i < std::min(entries.size(), kNamed); ++i) {
-      if (i > 0) text += ", ";
-      text += entries[i]->className;
-    }
-    if (entries.size() <= kNamed) return text;
-    return text + " and " + std::to_string(entries.size() - kNamed) + " more";
+    std::vector<std::string> names;
+    for (const TRegistration* entry : entries) names.push_back(entry->className);
+    return (names.size() == 1 ? "class " : "classes ") + NameFirst(names);
   }
 
   const TFaultWords m_words;
@@ -186,13 +196,48 @@ std::string CountMore(std::size_t count) {
 }  // namespace
 
 TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPackage& package) {
-  if (IsBelow(package.folder, root + "/providers")) return LoadInstalledClasses(root, package);
+  if (IsBelow(package.folder, root + "/providers")) return LoadInstalledClasses(root);
   TLoadedSchema schema = LoadSchema(GatherInputs(root, package), {});
   TPackageClasses loaded;
-  Take(schema.problems, package.folder, loaded.findings);
+  loaded.errors = std::move(schema.problems);
   loaded.classes = std::move(schema.classes);
   loaded.leftOut = std::move(schema.leftOut);
   return loaded;
+}
+
+std::vector<TProviderFinding> CheckMof(const TPackageClasses& loaded, const std::string& folder,
+                                       const TRegistrations& registrations) {
+  constexpr std::size_t kShown = 20;
+  constexpr char kMend[] = "mend the MOF";
+  const bool isHarmless = HasAllClasses(*loaded.classes, registrations);
+  std::vector<TProviderFinding> findings;
+  // A file that is something else would have hundreds.
+  std::map<std::string, std::size_t> counts;
+  for (const TMofError& error : loaded.errors) {
+    if (error.isWarning || !IsOfFolder(error.file, folder)) continue;
+    if (++counts[error.file] > kShown) continue;
+    findings.push_back({isHarmless, kMofRule, error.ToString(), kMend});
+  }
+  for (const auto& [file, count] : counts) {
+    if (count <= kShown) continue;
+    findings.push_back({isHarmless, kMofRule,
+                        file + ": and " + std::to_string(count - kShown) + " more errors", kMend});
+  }
+  return findings;
+}
+
+std::vector<TProviderFinding> CheckInstances(const TClassRepository& classes,
+                                             const TProviderPackage& package) {
+  // Nearly no folder has any, and then its files need not be read once more.
+  if (FindOwnInstances(classes).empty()) return {};
+  TClassRepository own;
+  for (const std::string& file : package.schema) own.Load(file);
+  const std::set<std::string> names = FindOwnInstances(own);
+  if (names.empty()) return {};
+  return {{true, kMofRule,
+           package.folder + ": the MOF has instances of " +
+               NameFirst({names.begin(), names.end()}) + ", and nobody is shown them",
+           "have a provider give them, and register it for their classes"}};
 }
 
 std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
@@ -200,6 +245,9 @@ std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
   constexpr char kAdd[] = "add the MOF file that declares it";
   TClassFaults undeclared({false, "R3", " is not declared", " are not declared", kAdd,
                            "add the MOF files that declare them"});
+  constexpr char kSchema[] =
+      "unpack the DMTF's CIM schema into a folder below schema/ (docs/schema.md)";
+  TClassFaults standard({true, "R3", " is not declared", " are not declared", kSchema, kSchema});
   TClassFaults orphans({true, "R3", ": its superclass ", ": their superclass ", kAdd, kAdd});
   TClassFaults keyless({false, "R16", " has no key, and inherits none",
                         " have no key, and inherit none",
@@ -210,7 +258,8 @@ std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
     if (!seen.insert(entry.className).second) continue;
     const auto declaration = classes.Find(entry.className);
     if (declaration == nullptr) {
-      undeclared.Add(entry);
+      // It is served all the same, as far as it can be without its declaration.
+      (IsStandard(entry.className) ? standard : undeclared).Add(entry);
       continue;
     }
     const std::string missing = FindMissingSuperclass(classes, *declaration);
@@ -222,7 +271,8 @@ std::vector<TProviderFinding> CheckClasses(const TClassRepository& classes,
     }
   }
   std::vector<TProviderFinding> findings;
-  for (const TClassFaults* faults : {&undeclared, &orphans, &keyless}) faults->Tell(findings);
+  for (const TClassFaults* faults : {&undeclared, &standard, &orphans, &keyless})
+    faults->Tell(findings);
   return findings;
 }
 

@@ -7,22 +7,26 @@
 namespace NZEPQEL20::setup {
 namespace {
 
-using namespace cmpi;
+using cmpi::CallProvider;
+using cmpi::NoSuchFunction;
+using cmpi::TBrokerResult;
+using cmpi::TCallOutcome;
+using cmpi::TCallSite;
+using cmpi::TPassedPath;
 
-using EKind = TBrokerResult::EKind;
-
-TCallOutcome AskForInstances(TBroker& broker, CMPIInstanceMI& mi, const TCallSite& site,
+TCallOutcome AskForInstances(cmpi::TBroker& broker, CMPIInstanceMI& mi, const TCallSite& site,
                              const TPassedPath& path) {
-  return CallProvider(broker, site, EKind::kInstances, [&](auto* context, auto* result) {
-    return mi.ft->enumerateInstances == nullptr
-               ? NoSuchFunction()
-               : mi.ft->enumerateInstances(&mi, context, result, path.Get(), nullptr);
-  });
+  return CallProvider(
+      broker, site, TBrokerResult::EKind::kInstances, [&](auto* context, auto* result) {
+        return mi.ft->enumerateInstances == nullptr
+                   ? NoSuchFunction()
+                   : mi.ft->enumerateInstances(&mi, context, result, path.Get(), nullptr);
+      });
 }
 
-TCallOutcome AskForNames(TBroker& broker, CMPIInstanceMI& mi, const TCallSite& site,
+TCallOutcome AskForNames(cmpi::TBroker& broker, CMPIInstanceMI& mi, const TCallSite& site,
                          const TPassedPath& path) {
-  return CallProvider(broker, site, EKind::kPaths, [&](auto* context, auto* result) {
+  return CallProvider(broker, site, TBrokerResult::EKind::kPaths, [&](auto* context, auto* result) {
     return mi.ft->enumerateInstanceNames == nullptr
                ? NoSuchFunction()
                : mi.ft->enumerateInstanceNames(&mi, context, result, path.Get());
@@ -36,14 +40,14 @@ std::string DescribeEnumeration(const TRegistration& entry, const std::string& n
          entry.providerName;
 }
 
-std::optional<TProviderFinding> ProbeInstances(const TProviders& providers,
-                                               const TProviders::TService& service,
+std::optional<TProviderFinding> ProbeInstances(const cmpi::TProviders& providers,
+                                               const cmpi::TProviders::TService& service,
                                                const std::string& nameSpace) {
   const TRegistration& entry = *service.registration;
-  TBroker& broker = providers.GetBroker();
+  cmpi::TBroker& broker = providers.GetBroker();
   CMPIInstanceMI& mi = service.provider->GetInstanceMI(broker);
   const TCallSite site = {nameSpace, entry.parameters};
-  const TPassedPath path(TPathContent{{}, nameSpace, entry.className, {}});
+  const TPassedPath path(cmpi::TPathContent{{}, nameSpace, entry.className, {}});
   TCallOutcome outcome = AskForInstances(broker, mi, site, path);
   if (outcome.code == CMPI_RC_ERR_NOT_SUPPORTED) outcome = AskForNames(broker, mi, site, path);
   // "Not found" counts as none, and an association class may be found by what it joins.
@@ -51,9 +55,9 @@ std::optional<TProviderFinding> ProbeInstances(const TProviders& providers,
       outcome.code == CMPI_RC_ERR_NOT_FOUND) {
     return std::nullopt;
   }
-  const std::string words = outcome.message == GetCodeName(outcome.code)
+  const std::string words = outcome.message == cmpi::GetCodeName(outcome.code)
                                 ? outcome.message
-                                : GetCodeName(outcome.code) + ": " + outcome.message;
+                                : cmpi::GetCodeName(outcome.code) + ": " + outcome.message;
   return TProviderFinding{
       true, kEnumerationRule,
       entry.library + ": " + DescribeEnumeration(entry, nameSpace) + " failed: " + words,

@@ -58,8 +58,8 @@ TFindings CheckUnusedLibraries(const TProviderPackage& package,
     };
     if (std::any_of(used.begin(), used.end(), isThis)) continue;
     findings.push_back({true, "R18",
-                        library + ": no registration names it, and no library needs it",
-                        "leave it out, or register what it serves"});
+                        library + ": no registration names it, and no library is linked with it",
+                        "register what it serves, unless a library opens it by itself"});
   }
   return findings;
 }
@@ -148,8 +148,9 @@ std::vector<TProviderFinding> CheckProvider(const std::string& root,
   Append(findings, FindPrivateFiles(package));
   const TRegistrations registrations = ReadRegistrations(package);
   Append(findings, CheckRegistrations(package, registrations));
-  TPackageClasses loaded = LoadPackageClasses(root, package);
-  Append(findings, std::move(loaded.findings));
+  const TPackageClasses loaded = LoadPackageClasses(root, package);
+  Append(findings, CheckMof(loaded, package.folder, registrations));
+  Append(findings, CheckInstances(*loaded.classes, package));
   Append(findings, CheckLeftOut(loaded.leftOut, package, installed));
   Append(findings, CheckClasses(*loaded.classes, registrations));
   Append(findings, ProbeLibraries(loaded.classes, registrations, nameSpace));

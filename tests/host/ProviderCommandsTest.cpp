@@ -209,6 +209,20 @@ TEST_F(ProviderCommandsTest, AddTakesANameAndPointsToTheRootThatWasNamed) {
   EXPECT_THAT(m_store.calls, ElementsAre("check disk", "add disk"));
 }
 
+TEST_F(ProviderCommandsTest, TestsThatAreNotShownAreNotPromised) {
+  OfferAcme();
+  m_store.findings["acme"] = {{true, "T1", "is registered elsewhere", "look there"}};
+  EXPECT_EQ(Add(), 0);
+  EXPECT_EQ(m_out.str(), "acme: installed 2 classes in 1 library in /r/providers/acme\n");
+}
+
+TEST_F(ProviderCommandsTest, AWarningOfAnotherKindKeepsThePromise) {
+  OfferAcme();
+  m_store.findings["acme"] = {{true, "R18", "a library is not needed", ""}};
+  EXPECT_EQ(Add(), 0);
+  EXPECT_THAT(m_out.str(), testing::HasSubstr("shows its tests"));
+}
+
 TEST_F(ProviderCommandsTest, TheRootIsPointedToAsAShellTakesIt) {
   OfferAcme();
   m_options.root = "/it's my/root";

@@ -153,6 +153,20 @@ INSTANTIATE_TEST_SUITE_P(
                 "unknown ProviderType 99"}),
     [](const auto& row) { return row.param.name; });
 
+TEST(RegistrationMofTest, AnotherInterfaceBesideCmpiIsAWarningAndCmpiCounts) {
+  const auto read = Read(With(kModule) +
+                         "instance of PG_ProviderModule { Name = \"N\"; Location = \"n\"; "
+                         "InterfaceType = \"C++Default\"; };"
+                         "instance of PG_Provider { ProviderModuleName = \"N\"; Name = \"Q\"; };"
+                         "instance of PG_ProviderCapabilities { ProviderModuleName = \"N\"; "
+                         "ProviderName = \"Q\"; CapabilityID = \"C2\"; ClassName = \"B\"; "
+                         "Namespaces = {\"root/x\"}; ProviderType = {2}; };");
+  EXPECT_THAT(read.GetProblems(), IsEmpty());
+  EXPECT_EQ(ShowAll(read), "A root/x P libacme.so I");
+  EXPECT_THAT(ShowFindings(read), HasSubstr("\"C2\" of class B: module \"N\" has the interface "
+                                            "\"C++Default\", and only CMPI is hosted"));
+}
+
 TEST(RegistrationMofTest, ASyntaxErrorHasItsPlaceAndTheOtherInstancesCount) {
   const auto read = Read(std::string("instance of PG_Provider { Name = ; };\n") + kModule +
                          kProvider + Capabilities("2"));

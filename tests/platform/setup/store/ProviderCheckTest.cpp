@@ -70,7 +70,18 @@ INSTANTIATE_TEST_SUITE_P(
                "class A_Sub : A_Keyless { string More; };\n",
                "error R16: .*class A_Sub has no key.*"},
         TFault{"Mof", "A_Base root/x Probed good instance\n", "class A_X { string };\n",
-               "error R17: .*/mof/acme.mof:1:.*"},
+               "warning R17: .*/mof/acme.mof:1:.*"},
+        TFault{"StandardClass",
+               "A_Base root/x Probed good instance\nCIM_Gone root/x Probed good instance\n", "",
+               "warning R3: .*/x.registration:2: class CIM_Gone is not declared; unpack the DMTF's "
+               "CIM schema into a folder below schema/ .docs/schema.md."},
+        TFault{"Include", "A_Base root/x Probed good instance\n",
+               "#pragma include (\"CIM_Gone.mof\")\n",
+               "warning R17: .*/mof/acme.mof:1:18: include \"CIM_Gone.mof\": No such file.*"},
+        TFault{"Instances", "A_Base root/x Probed good instance\n",
+               "class A_X { [Key] string k; };\ninstance of A_X { k = \"1\"; };\n",
+               "warning R17: .*: the MOF has instances of A_X, and nobody is shown them; have a "
+               "provider give them.*"},
         TFault{"NoLibrary", "A_Base root/x Probed good instance\nA_Base root/y P gone instance\n",
                "", "error R13: .*/x.registration:2: the library .*/libgone.so is not there; .*"},
         TFault{"Sections",
@@ -78,6 +89,36 @@ INSTANTIATE_TEST_SUITE_P(
                "namespace: root/x\n[A_Base]\nprovider: Q\n",
                "", "error R11: .*/x.registration:6: class A_Base: has no location; .*"}),
     [](const auto& row) { return row.param.name; });
+
+TEST_F(ProviderCheckTest, AMofErrorThatCostsARegisteredClassOrASuperclassOfItIsAnError) {
+  for (const char* mof :
+       {"class A_Acme : { };\n", "class A_Acme : A_Above { };\nclass A_Above : { };"}) {
+    Register("A_Acme");
+    m_vendor.Write("mof/acme.mof", mof);
+    EXPECT_THAT(ShowAll(Check()), HasSubstr("error R17: " + m_vendor.GetPath("mof/acme.mof")));
+  }
+}
+
+TEST_F(ProviderCheckTest, AnIncludeOfWhatTheSchemaHasIsNoFinding) {
+  m_root.Write("schema/base/CIM_Test.mof", "class CIM_Test { [Key] string k; };\n");
+  Register("A_Acme");
+  m_vendor.Write("mof/acme.mof",
+                 "#pragma include (\"qualifiers.mof\")\n#pragma include (\"CIM_Test.mof\")\n"
+                 "class A_Acme : CIM_Test { };\n");
+  EXPECT_EQ(ShowAll(Check()), "");
+}
+
+TEST_F(ProviderCheckTest, InstancesOfARegistrationAreNoneThatAreMissed) {
+  m_vendor.Write("x.mof",
+                 "instance of PG_ProviderModule { Name = \"M\"; InterfaceType = \"CMPI\"; "
+                 "Location = \"good\"; };\n"
+                 "instance of PG_Provider { ProviderModuleName = \"M\"; Name = \"Probed\"; };\n"
+                 "instance of PG_ProviderCapabilities { ProviderModuleName = \"M\"; ProviderName = "
+                 "\"Probed\"; CapabilityID = \"1\"; ClassName = \"A_Acme\"; Namespaces = "
+                 "{\"root/x\"}; ProviderType = {2}; };\n"
+                 "class A_Acme : A_Base { };\n");
+  EXPECT_EQ(ShowAll(Check()), "");
+}
 
 TEST_F(ProviderCheckTest, ARegistrationThatRegistersNothingIsAFinding) {
   m_vendor.Write("x.registration", "# nothing yet\n");
@@ -134,7 +175,9 @@ TEST_F(ProviderCheckTest, ALibraryThatNothingRefersToIsAWarningAndANeededOneIsNo
                                   m_vendor.GetPath("deep/libvendorCommon.so.0"));
   m_vendor.Write("x.registration", "A_Base root/x P needscommon instance\n");
   const std::string findings = ShowAll(Check());
-  EXPECT_THAT(findings, HasSubstr("/lib/libgood.so: no registration names it"));
+  EXPECT_THAT(findings, HasSubstr("/lib/libgood.so: no registration names it, and no library is "
+                                  "linked with it; register what it serves, unless a library opens "
+                                  "it by itself"));
   EXPECT_THAT(findings, testing::Not(HasSubstr("libvendorCommon")));
   // It loads with its sibling; what it lacks is an entry point.
   EXPECT_THAT(findings, HasSubstr("(it exports no entry point at all)"));
