@@ -70,10 +70,6 @@ TCIMValue Convert(const TCIMElementDeclaration& declared, const TCIMValue& value
   return TCIMValue::Array(declared.type, std::move(elements));
 }
 
-bool IsInteger(ECIMType type) {
-  return type >= ECIMType::kUInt8 && type <= ECIMType::kSInt64;
-}
-
 /// A word of Values as the text of its number.
 TCIMValue ReplaceWord(const TCIMElementDeclaration& declared, const TCIMValue& value) {
   if (value.GetType() != ECIMType::kString || value.IsArray() || value.IsNull()) return value;
@@ -85,7 +81,7 @@ TCIMValue ReplaceWord(const TCIMElementDeclaration& declared, const TCIMValue& v
 
 /// The same for each element of an array.
 TCIMValue ReplaceWords(const TCIMElementDeclaration& declared, const TCIMValue& value) {
-  if (!IsInteger(declared.type) || declared.values.empty()) return value;
+  if (!IsIntegerType(declared.type) || declared.values.empty()) return value;
   if (!value.IsArray()) return ReplaceWord(declared, value);
   if (value.GetType() != ECIMType::kString || value.IsNull()) return value;
   TCIMValue::TArray elements;

@@ -65,10 +65,6 @@ EFit GetNumberFit(std::string_view entry, const TNumber& number) {
   return low.empty() || high.empty() ? EFit::kOpenRange : EFit::kClosedRange;
 }
 
-bool IsInteger(ECIMType type) {
-  return type >= ECIMType::kUInt8 && type <= ECIMType::kSInt64;
-}
-
 std::optional<std::string> FindByPosition(const std::vector<std::string>& values,
                                           const TCIMValue& value) {
   TNumber number;
@@ -80,7 +76,7 @@ std::optional<std::string> FindByPosition(const std::vector<std::string>& values
 std::optional<std::string> FindWord(const TCIMElementDeclaration& declaration,
                                     const TCIMValue& value) {
   if (declaration.values.empty() || value.IsNull()) return std::nullopt;
-  const bool isInteger = IsInteger(value.GetType());
+  const bool isInteger = IsIntegerType(value.GetType());
   if (declaration.valueMap.empty()) {
     return isInteger ? FindByPosition(declaration.values, value) : std::nullopt;
   }

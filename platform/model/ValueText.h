@@ -9,6 +9,11 @@
 
 namespace NZEPQEL20 {
 
+/// Whether `type` is one of the integers, signed or not.
+constexpr bool IsIntegerType(ECIMType type) {
+  return type >= ECIMType::kUInt8 && type <= ECIMType::kSInt64;
+}
+
 /// `value` as a person reads it: the word that Values gives it, by ValueMap or, where there is
 /// none, by position from 0; an array element by element, joined with ",". What no entry maps reads
 /// as TCIMValue::ToString(10).

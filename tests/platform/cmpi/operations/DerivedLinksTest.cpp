@@ -13,18 +13,18 @@ using testing::HasSubstr;
 constexpr char kAllHere[] = "D_Holds:B1-S1 D_Holds:B3-S2 D_Holds:B9-S2 D_HoldsSafely:B2-S1";
 
 /// Which provider serves the associations of shelves and boxes, and as what.
-struct TOffer {
+struct TLinkOffer {
   const char* provider;
   const char* types;
 };
 
-void PrintTo(const TOffer& offer, std::ostream* out) {
+void PrintTo(const TLinkOffer& offer, std::ostream* out) {
   *out << offer.provider << " as " << offer.types;
 }
 
 class DerivedLinksTest : public TDepotTest {
  protected:
-  void OpenLinks(const TOffer& offer) {
+  void OpenLinks(const TLinkOffer& offer) {
     const std::string rest = std::string(" root/cimv2 ") + offer.provider + ' ' + offer.types;
     Open({"D_Shelf root/cimv2 Depot_engm instance method", "D_Box root/cimv2 Depot_eng instance",
           "D_Crate root/cimv2 Depot_eng instance", "D_Holds" + rest, "D_HoldsSafely" + rest});
@@ -32,7 +32,7 @@ class DerivedLinksTest : public TDepotTest {
 };
 
 class UnenumeratedLinksTest : public DerivedLinksTest,
-                              public testing::WithParamInterface<TOffer> {};
+                              public testing::WithParamInterface<TLinkOffer> {};
 
 TEST_P(UnenumeratedLinksTest, AreFoundByTheObjectsThatTheyJoin) {
   OpenLinks(GetParam());
@@ -44,13 +44,13 @@ TEST_P(UnenumeratedLinksTest, AreFoundByTheObjectsThatTheyJoin) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, UnenumeratedLinksTest,
-                         testing::Values(TOffer{"Depot_aArR", "association"},
-                                         TOffer{"Depot_r", "association"},
-                                         TOffer{"Depot_ri", "association"},
-                                         TOffer{"Depot_xr", "association"},
-                                         TOffer{"Depot_Rg", "instance association"},
-                                         TOffer{"Depot_r", "instance association"},
-                                         TOffer{"Depot_xrR", "instance association"}));
+                         testing::Values(TLinkOffer{"Depot_aArR", "association"},
+                                         TLinkOffer{"Depot_r", "association"},
+                                         TLinkOffer{"Depot_ri", "association"},
+                                         TLinkOffer{"Depot_xr", "association"},
+                                         TLinkOffer{"Depot_Rg", "instance association"},
+                                         TLinkOffer{"Depot_r", "instance association"},
+                                         TLinkOffer{"Depot_xrR", "instance association"}));
 
 TEST_F(DerivedLinksTest, BothEndsOfOneClassGiveEachAssociationOnce) {
   OpenWith("D_Stacks root/cimv2 Depot_sr association");
