@@ -136,9 +136,9 @@ class TPegasusReader {
   void TellUnhosted() const {
     for (const std::string& text : m_unhosted) {
       if (m_hasHosted) {
-        m_taker.Warn(text, "ship a CMPI provider for it, too", kRule);
+        m_taker.Warn(text, "ship a CMPI provider for it, too", kMofRule);
       } else {
-        m_taker.Fail(text, "ship a CMPI provider", kRule);
+        m_taker.Fail(text, "ship a CMPI provider", kMofRule);
       }
     }
   }

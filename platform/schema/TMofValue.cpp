@@ -178,7 +178,7 @@ bool ReadNumber(TMofLiteral& literal) {
   if (error != std::errc() || end != last) {
     return false;
   }
-  literal.kind = EKind::kInteger;
+  literal.kind = ELiteral::kInteger;
   literal.isNegative = isNegative;
   literal.magnitude = magnitude;
   return true;
@@ -186,21 +186,21 @@ bool ReadNumber(TMofLiteral& literal) {
 
 /// Whether the constant was of another kind, and suits the type now.
 bool MendLiteral(TMofLiteral& literal, ECIMType type) {
-  if (type == ECIMType::kString && literal.kind == EKind::kInteger && !literal.isOverflow) {
+  if (type == ECIMType::kString && literal.kind == ELiteral::kInteger && !literal.isOverflow) {
     literal.text = Describe(literal);
-    literal.kind = EKind::kString;
+    literal.kind = ELiteral::kString;
     return true;
   }
-  if (type == ECIMType::kString && literal.kind == EKind::kReal) {
-    literal.kind = EKind::kString;
+  if (type == ECIMType::kString && literal.kind == ELiteral::kReal) {
+    literal.kind = ELiteral::kString;
     return true;
   }
-  if (type == ECIMType::kBoolean && literal.kind == EKind::kInteger && literal.magnitude <= 1 &&
+  if (type == ECIMType::kBoolean && literal.kind == ELiteral::kInteger && literal.magnitude <= 1 &&
       !literal.isOverflow && !literal.isNegative) {
-    literal.kind = EKind::kBoolean;
+    literal.kind = ELiteral::kBoolean;
     return true;
   }
-  return IsNumber(type) && literal.kind == EKind::kString && ReadNumber(literal);
+  return IsNumber(type) && literal.kind == ELiteral::kString && ReadNumber(literal);
 }
 
 /// MaxValue of a uint64 property is beyond sint64, its declared type.
