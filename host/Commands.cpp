@@ -22,6 +22,18 @@ using NZEPQEL20::TUnofferedTest;
 
 constexpr char kClassNotFound[] = "Class Not Found\n";
 
+// The first few, and how many there are more.
+std::string JoinNames(const std::vector<std::string>& names) {
+  constexpr std::size_t kMaxNames = 5;
+  std::string text;
+  for (std::size_t i = 0; i < names.size() && i < kMaxNames; ++i) {
+    text += (i == 0 ? "" : ", ") + names[i];
+  }
+  return names.size() <= kMaxNames
+             ? text
+             : text + " and " + std::to_string(names.size() - kMaxNames) + " more";
+}
+
 // One command at work.
 class TCommand {
  public:
@@ -41,6 +53,7 @@ class TCommand {
   std::unique_ptr<IReport> MakeReport(std::ostream& out) const;
   void ShowProblems(std::vector<std::string>& shown);
   std::vector<TUnofferedTest> GetUnoffered();
+  void ShowWhereTestsAre(bool isExplained);
   void ShowUnoffered(const std::vector<TUnofferedTest>& tests);
   double GetSecondsSince(std::chrono::steady_clock::time_point start) const;
   std::string TellEnd(const std::vector<TTest>& tests, TRunReport run,
@@ -92,6 +105,23 @@ void TCommand::ShowUnoffered(const std::vector<TUnofferedTest>& tests) {
   }
 }
 
+// What was asked when nothing was found, and where else there is something. Where others have
+// explained it, only the latter is news.
+void TCommand::ShowWhereTestsAre(bool isExplained) {
+  const NZEPQEL20::TTestPlaces places = m_diagnostics.GetTestPlaces();
+  if (places.otherNamespaces.empty() && (places.classes.empty() || isExplained)) return;
+  std::string line = places.classes.empty()
+                         ? "nobody is registered for CIM_AvailableDiagnosticService in "
+                         : "no provider of " + JoinNames(places.classes) +
+                               " answered with a test for a device in ";
+  line += m_options.nameSpace;
+  if (!places.otherNamespaces.empty()) {
+    line += "; tests are registered in " + JoinNames(places.otherNamespaces) +
+            "; --namespace looks there";
+  }
+  Complain(line);
+}
+
 EExitStatus TCommand::List() {
   TListReport list;
   const std::vector<TTest> catalogue = ReadCatalogue(m_diagnostics.EnumerateTests());
@@ -102,6 +132,7 @@ EExitStatus TCommand::List() {
   MakeReport(m_around.out)->ShowList(list);
   m_around.out.flush();
   if (!m_options.isJson) ShowUnoffered(list.unoffered);
+  if (catalogue.empty()) ShowWhereTestsAre(!list.unoffered.empty() || !list.problems.empty());
   return m_around.CheckListing(list.tests.empty() ? EExitStatus::kNotFinished
                                                   : EExitStatus::kAllPassed);
 }

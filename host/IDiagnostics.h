@@ -45,6 +45,9 @@ class IDiagnostics {
   /// Tests that are not offered, with the reason.
   virtual std::vector<NZEPQEL20::TUnofferedTest> GetUnofferedTests() = 0;
 
+  /// Where providers have tests, whether they offer any or not; nothing on a server.
+  virtual NZEPQEL20::TTestPlaces GetTestPlaces() = 0;
+
   /// What of the installation could not be loaded, one line each.
   virtual std::vector<std::string> GetProblems() = 0;
 

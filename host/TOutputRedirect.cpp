@@ -3,11 +3,13 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <initializer_list>
 #include <iostream>
 #include <system_error>
@@ -16,6 +18,11 @@ namespace host {
 namespace {
 
 std::atomic<int> outputDescriptor{STDOUT_FILENO};
+std::atomic<bool> isOutputLost{false};
+
+constexpr char kLost[] =
+    "diagsrun: standard output: its descriptor was closed or changed, which only a provider's "
+    "library would do; what goes there is lost; see rule R7\n";
 
 [[noreturn]] void Fail(const char* what) {
   throw std::system_error(errno, std::generic_category(), what);
@@ -34,6 +41,11 @@ TOutputRedirect::TOutputRedirect(EOutputTarget target) {
   m_wasGood = IsOutputGood();
   m_saved = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (m_saved < 0) Fail("standard output");
+  struct stat place {};
+  if (::fstat(m_saved, &place) == 0) {
+    m_device = place.st_dev;
+    m_file = place.st_ino;
+  }
   const int sink = target == EOutputTarget::kStandardError
                        ? ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)
                        : ::open("/dev/null", O_WRONLY | O_CLOEXEC);
@@ -52,8 +64,12 @@ TOutputRedirect::TOutputRedirect(EOutputTarget target) {
 TOutputRedirect::~TOutputRedirect() {
   if (m_saved < 0) return;
   FlushAll();
-  ::dup2(m_saved, STDOUT_FILENO);
   outputDescriptor = STDOUT_FILENO;
+  if (!IsSavedUnchanged()) {
+    LoseOutput();
+    return;
+  }
+  ::dup2(m_saved, STDOUT_FILENO);
   ::close(m_saved);
   // A fault of the other target says nothing about standard output.
   if (!m_wasGood) return;
@@ -61,7 +77,26 @@ TOutputRedirect::~TOutputRedirect() {
   std::clearerr(stdout);
 }
 
+bool TOutputRedirect::IsSavedUnchanged() const {
+  struct stat place {};
+  return ::fstat(m_saved, &place) == 0 && place.st_dev == m_device && place.st_ino == m_file;
+}
+
+// Whoever has the descriptor now keeps it. Where the others' words went is no place for results.
+void TOutputRedirect::LoseOutput() const {
+  const int sink = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  if (sink >= 0) {
+    ::dup2(sink, STDOUT_FILENO);
+    ::close(sink);
+  } else {
+    ::close(STDOUT_FILENO);
+  }
+  if (isOutputLost.exchange(true)) return;
+  if (::write(STDERR_FILENO, kLost, std::strlen(kLost)) < 0) return;
+}
+
 bool IsOutputGood() {
+  if (isOutputLost) return false;
   FlushAll();
   // A line-buffered stream keeps a failure to itself that happened when it passed a line on.
   return std::cout.good() && std::ferror(stdout) == 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <sys/types.h>
+
 namespace host {
 
 /// Where standard output goes meanwhile.
@@ -11,7 +13,9 @@ enum class EOutputTarget {
 };
 
 /// Sends what anybody in this process writes to standard output somewhere else, for as long as it
-/// lives. What has been written before and after goes where it belongs.
+/// lives. What has been written before and after goes where it belongs. When somebody has closed
+/// the descriptor meanwhile that leads back there, or has put another file in its place, standard
+/// output is lost: that is one line on standard error, and IsOutputGood() is false from then on.
 /// Errors: std::system_error when the descriptor cannot be changed.
 /// Threads: one at a time.
 class TOutputRedirect {
@@ -22,7 +26,12 @@ class TOutputRedirect {
   TOutputRedirect& operator=(const TOutputRedirect&) = delete;
 
  private:
+  bool IsSavedUnchanged() const;
+  void LoseOutput() const;
+
   int m_saved = -1;
+  dev_t m_device = 0;
+  ino_t m_file = 0;
   bool m_wasGood = true;
 };
 

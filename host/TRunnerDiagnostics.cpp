@@ -53,6 +53,10 @@ std::vector<NZEPQEL20::TUnofferedTest> TRunnerDiagnostics::GetUnofferedTests() {
   return m_platform.GetUnofferedTests();
 }
 
+NZEPQEL20::TTestPlaces TRunnerDiagnostics::GetTestPlaces() {
+  return m_platform.GetTestPlaces();
+}
+
 std::vector<std::string> TRunnerDiagnostics::GetProblems() {
   return m_platform.GetProblems();
 }

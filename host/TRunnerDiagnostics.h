@@ -22,6 +22,7 @@ class TRunnerDiagnostics : public IDiagnostics {
 
   std::string EnumerateTests() override;
   std::vector<NZEPQEL20::TUnofferedTest> GetUnofferedTests() override;
+  NZEPQEL20::TTestPlaces GetTestPlaces() override;
   std::vector<std::string> GetProblems() override;
   std::string TakeServerFailure() override;
   TRunResult Run(const std::string& id, const std::string& label) override;

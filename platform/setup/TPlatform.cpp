@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/cimxml/TCIMXMLOperations.h"
+#include "platform/cmpi/TProviders.h"
 #include "platform/contract/CMPINSPInstanceRegistry.h"
 #include "platform/contract/TOSSpecific.h"
 #include "platform/contract/TQELException.h"
@@ -28,6 +29,10 @@ constexpr char kDiscoveredClass[] = "CIM_AvailableDiagnosticService";
 std::string GetText(const TCIMInstanceData& instance, const char* name) {
   const TCIMPropertyData* property = instance.Find(name);
   return property != nullptr ? property->value.ToString(10) : std::string();
+}
+
+void AddOnce(const std::string& name, std::vector<std::string>& names) {
+  if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
 }
 
 // DSP0200: invalid namespace, invalid class, not found, not supported.
@@ -208,6 +213,23 @@ std::vector<TUnofferedTest> TPlatform::GetUnofferedTests() const {
     if (!SaysNobodyServes(e)) throw;
   }
   return tests;
+}
+
+TTestPlaces TPlatform::GetTestPlaces() const {
+  TTestPlaces places;
+  if (!m_parts->providers) return places;
+  const cmpi::TProviders& hosted = m_parts->providers->GetHosted();
+  for (const auto& service : hosted.GetServices()) {
+    const TRegistration& registration = *service.registration;
+    const bool isAsked = registration.isInstance || registration.isAssociation;
+    if (!isAsked || !hosted.IsA(registration.className, kDiscoveredClass)) continue;
+    if (cmpi::IsServedIn(registration, m_parts->nameSpaceName)) {
+      AddOnce(registration.className, places.classes);
+    } else {
+      AddOnce(registration.nameSpace, places.otherNamespaces);
+    }
+  }
+  return places;
 }
 
 unsigned int TPlatform::KillRunningJobs() noexcept {

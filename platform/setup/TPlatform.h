@@ -34,6 +34,13 @@ struct TUnofferedTest {
   std::string remedy;
 };
 
+/// Where tests are registered, by the classes that discovery asks for first: those of
+/// CIM_AvailableDiagnosticService and below it.
+struct TTestPlaces {
+  std::vector<std::string> classes;          ///< Those that are asked for in the namespace.
+  std::vector<std::string> otherNamespaces;  ///< Those in which the same would find others.
+};
+
 /// The platform of one process: schema, provider libraries, object model and record store, put
 /// together for a host.
 ///
@@ -73,6 +80,9 @@ class DIAGSPLATFORM_EXPORT TPlatform {
   /// when nobody serves that class.
   /// Errors: TQELException when the provider fails.
   std::vector<TUnofferedTest> GetUnofferedTests() const;
+
+  /// Where provider libraries have tests, each class and each namespace once; nothing on a server.
+  TTestPlaces GetTestPlaces() const;
 
   /// Asks every job that has not ended to be killed (RequestStateChange 5); returns how many
   /// were asked. Never throws.

@@ -59,6 +59,58 @@ class CommandsTest : public ::testing::Test {
   std::chrono::milliseconds m_time{0};
 };
 
+struct TPlacesRow {
+  const char* name;
+  NZEPQEL20::TTestPlaces places;
+  bool isExplained;
+  const char* line;
+};
+void PrintTo(const TPlacesRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class EmptyListTest : public CommandsTest, public ::testing::WithParamInterface<TPlacesRow> {};
+
+TEST_P(EmptyListTest, SaysWhatWasAskedAndWhereElseTestsAre) {
+  m_options.command = ECommand::kList;
+  m_options.isJson = true;
+  m_fake.list = "";
+  m_fake.places = GetParam().places;
+  if (GetParam().isExplained) m_fake.unoffered = {{"S", "E", "reason", "remedy"}};
+  EXPECT_EQ(Do(), 2);
+  EXPECT_EQ(m_err.str(), GetParam().line);
+}
+INSTANTIATE_TEST_SUITE_P(
+    All, EmptyListTest,
+    ::testing::Values(
+        TPlacesRow{"Nobody", {}, false, ""},
+        TPlacesRow{"Elsewhere",
+                   {{}, {"root/nax"}},
+                   true,
+                   "diagsrun: nobody is registered for CIM_AvailableDiagnosticService in "
+                   "root/cimv2; tests are registered in root/nax; --namespace looks there\n"},
+        TPlacesRow{"NoAnswer",
+                   {{"A_Uses", "B_Uses"}, {}},
+                   false,
+                   "diagsrun: no provider of A_Uses, B_Uses answered with a test for a device in "
+                   "root/cimv2\n"},
+        TPlacesRow{"Explained", {{"A_Uses"}, {}}, true, ""},
+        TPlacesRow{"Both",
+                   {{"A_Uses"}, {"a", "b", "c", "d", "e", "f", "g"}},
+                   false,
+                   "diagsrun: no provider of A_Uses answered with a test for a device in "
+                   "root/cimv2; tests are registered in a, b, c, d, e and 2 more; --namespace "
+                   "looks there\n"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(CommandsTest, NothingIsSaidOfPlacesWhereTestsWereFound) {
+  m_options.command = ECommand::kList;
+  m_options.selection.match = {"no such test"};
+  m_fake.places = {{"A_Uses"}, {"root/nax"}};
+  EXPECT_EQ(Do(), 2);
+  EXPECT_EQ(m_err.str(), "");
+}
+
 TEST_F(CommandsTest, ListShowsATable) {
   m_options.command = ECommand::kList;
   m_fake.list = "Stress,cpu0,CPU|Pattern,memory0,Memory|";

@@ -10,6 +10,8 @@ TEST(FakeDiagnosticsTest, KeepsWhatWasRunAndAnswersAsSetUp) {
   TFakeDiagnostics fake;
   bool wasCalled = false;
   fake.duringRun = [&] { wasCalled = true; };
+  fake.places.classes = {"A"};
+  EXPECT_EQ(fake.GetTestPlaces().classes, fake.places.classes);
   fake.results["a,b,c"] = {"Pass", std::nullopt};
   EXPECT_EQ(fake.Run("a,b,c", "label").answer, "Pass");
   EXPECT_EQ(fake.Run("x,y,z", "").answer, "No Results.\n");

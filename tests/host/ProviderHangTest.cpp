@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The real command over providers' libraries that do not come back. Its seconds are short here.
+// The real command over providers' libraries that do not come back, or take its files. Its seconds
+// are short here.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,6 +16,7 @@ namespace {
 
 using nlohmann::json;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 class ProviderHangTest : public TProviderFixture {
  protected:
@@ -62,6 +64,26 @@ TEST_F(ProviderHangTest, ACleanupThatHangsIsLeftWithTheStatusOfTheCommand) {
   EXPECT_THAT(run.out, HasSubstr("1 test: 0 passed, 1 failed"));
   EXPECT_EQ(run.err, GetWaiting("cleanuphangs", "cleanup") + GetLeft());
 }
+
+class ProviderClosingTest : public ProviderHangTest,
+                            public ::testing::WithParamInterface<std::vector<std::string>> {};
+
+TEST_P(ProviderClosingTest, ADescriptorThatWasClosedFailsTheReport) {
+  InstallAcme();
+  InstallBad("closes");
+  const TFinished finished = Do(GetParam());
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_THAT(finished.err, HasSubstr("diagsrun: standard output: its descriptor was closed or "
+                                      "changed, which only a provider's library would do; what "
+                                      "goes there is lost; see rule R7\n"));
+  EXPECT_THAT(finished.err, HasSubstr("diagsrun: standard output: cannot be written to\n"));
+  EXPECT_THAT(finished.err, Not(HasSubstr("TestPass")));
+}
+INSTANTIATE_TEST_SUITE_P(
+    Commands, ProviderClosingTest,
+    ::testing::Values(std::vector<std::string>{"list"}, std::vector<std::string>{"list", "--json"},
+                      std::vector<std::string>{"inspect", "CIM_AvailableDiagnosticService"}));
 
 }  // namespace
 }  // namespace host

@@ -17,6 +17,7 @@ class TFakeDiagnostics : public IDiagnostics {
  public:
   std::string list;
   std::vector<NZEPQEL20::TUnofferedTest> unoffered;
+  NZEPQEL20::TTestPlaces places;
   std::vector<std::string> problems;
   std::map<std::string, TRunResult> results;  ///< By test id; others answer "No Results.\n".
   std::map<std::string, std::string> texts;   ///< What Inspect() answers, by class.
@@ -29,6 +30,7 @@ class TFakeDiagnostics : public IDiagnostics {
 
   std::string EnumerateTests() override { return list; }
   std::vector<NZEPQEL20::TUnofferedTest> GetUnofferedTests() override { return unoffered; }
+  NZEPQEL20::TTestPlaces GetTestPlaces() override { return places; }
   std::vector<std::string> GetProblems() override { return problems; }
   std::string TakeServerFailure() override { return std::exchange(serverFailure, {}); }
   TRunResult Run(const std::string& id, const std::string& label) override {

@@ -48,6 +48,21 @@ TEST_F(PlatformTest, RefusesARootThatIsNotThereAndLeavesTheProcessAsItWas) {
   EXPECT_EQ(TOSSpecific::GetQELRootPath(), before);
 }
 
+TEST_F(PlatformTest, TellsWhereTestsAreRegistered) {
+  m_root.Write("schema/uses.mof",
+               "class CIM_AvailableDiagnosticService { [Key] string InstanceID; };\n"
+               "class A_Uses : CIM_AvailableDiagnosticService { };\n");
+  m_root.Write("providers/a/a.registration",
+               "A_Uses root/cimv2 A a instance\nA_Uses root/a A a association\n"
+               "A_Uses root/b A a method\nA_Base root/c A a instance\n"
+               "CIM_AvailableDiagnosticService root/a A a instance\n");
+  const TTestPlaces places = TPlatform(m_options).GetTestPlaces();
+  EXPECT_THAT(places.classes, ElementsAre("A_Uses"));
+  EXPECT_THAT(places.otherNamespaces, ElementsAre("root/a"));
+  m_options.nameSpace = "root/d";
+  EXPECT_THAT(TPlatform(m_options).GetTestPlaces().classes, IsEmpty());
+}
+
 TEST_F(PlatformTest, SetsTheRootForTheProcessAndTakesItBack) {
   const std::string before = TOSSpecific::GetQELRootPath();
   {
