@@ -105,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(CommandsTest, NothingIsSaidOfPlacesWhereTestsWereFound) {
   m_options.command = ECommand::kList;
-  m_options.selection.match = {"no such test"};
+  m_options.selection.match = "no such test";
   m_fake.places = {{"A_Uses"}, {"root/nax"}};
   EXPECT_EQ(Do(), 2);
   EXPECT_EQ(m_err.str(), "");

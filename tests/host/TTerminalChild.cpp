@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{30};
 
-void Need(bool isGood, const char* what) {
+void NeedCall(bool isGood, const char* what) {
   if (!isGood) throw std::system_error(errno, std::generic_category(), what);
 }
 
@@ -27,9 +27,9 @@ void Need(bool isGood, const char* what) {
 
 TTerminalChild::TTerminalChild(const std::function<std::string()>& function) {
   std::array<int, 2> ends{};
-  Need(::pipe2(ends.data(), O_CLOEXEC) == 0, "pipe");
+  NeedCall(::pipe2(ends.data(), O_CLOEXEC) == 0, "pipe");
   m_pid = ::forkpty(&m_terminal, nullptr, nullptr, nullptr);
-  Need(m_pid >= 0, "forkpty");
+  NeedCall(m_pid >= 0, "forkpty");
   if (m_pid == 0) {
     const std::string result = function();
     const ssize_t written = ::write(ends[1], result.data(), result.size());
@@ -49,7 +49,8 @@ TTerminalChild::~TTerminalChild() {
 }
 
 void TTerminalChild::Type(const std::string& text) const {
-  Need(::write(m_terminal, text.data(), text.size()) == static_cast<ssize_t>(text.size()), "type");
+  NeedCall(::write(m_terminal, text.data(), text.size()) == static_cast<ssize_t>(text.size()),
+           "type");
 }
 
 // False at the end of the terminal, which shows as an error.
@@ -77,7 +78,7 @@ bool TTerminalChild::WaitForScreen(const std::string& text) {
 
 bool TTerminalChild::HasEcho() const {
   termios settings{};
-  Need(::tcgetattr(m_terminal, &settings) == 0, "tcgetattr");
+  NeedCall(::tcgetattr(m_terminal, &settings) == 0, "tcgetattr");
   return (settings.c_lflag & static_cast<tcflag_t>(ECHO)) != 0;
 }
 
