@@ -15,9 +15,7 @@
 
 #include <cstddef>
 #include <cstring>
-#include <deque>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "platform/cmpi/abi/cmpi.h"
@@ -31,6 +29,7 @@ using providerside::Chars;
 using providerside::ClassOf;
 using providerside::IdOf;
 using providerside::In;
+using providerside::Keep;
 using providerside::PlaceOf;
 using providerside::TextOf;
 
@@ -406,14 +405,6 @@ struct TTraits {
   }
   std::string text;
 };
-
-// A value that lasts as long as the library is loaded, as providers' static tables do.
-template <class TValue>
-TValue* Keep(TValue value) {
-  static std::deque<TValue> kept;
-  kept.push_back(std::move(value));
-  return &kept.back();
-}
 
 }  // namespace depot
 

@@ -133,11 +133,8 @@ const CMPIInstanceMIFT kTable{CMPIVersion100, 0,         "Misfit", Cleanup,
 extern "C" __attribute__((visibility("default"))) CMPIInstanceMI* _Generic_Create_InstanceMI(
     const CMPIBroker* mb, const CMPIContext*, const char* name, CMPIStatus*) {
   misfit::broker = mb;
-  // What is made here lasts as long as the process, as providers' static tables do.
-  static std::vector<std::string*> traits;
-  static std::vector<CMPIInstanceMI*> made;
-  const auto* trait = traits.emplace_back(new std::string(name + std::strlen("Misfit_")));
+  const std::string* trait = providerside::Keep(std::string(name + std::strlen("Misfit_")));
   if (*trait == "Maker") misfit::IgnoreChildren(true);
-  return made.emplace_back(new CMPIInstanceMI{trait->c_str(), &misfit::kTable});
+  return providerside::Keep(CMPIInstanceMI{trait->c_str(), &misfit::kTable});
 }
 // NOLINTEND(readability-identifier-naming)

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <deque>
 #include <string>
+#include <utility>
 
 #include "platform/cmpi/abi/cmpi.h"
 
@@ -31,6 +33,14 @@ inline std::string PlaceOf(const CMPIObjectPath* path) {
 inline std::string IdOf(const CMPIObjectPath* path) {
   const CMPIData key = path->ft->getKey(path, "Id", nullptr);
   return key.type == CMPI_string ? TextOf(key.value.string) : "";
+}
+
+// A value that lasts as long as the library is loaded, as providers' static tables do.
+template <class TValue>
+TValue* Keep(TValue value) {
+  static std::deque<TValue> kept;
+  kept.push_back(std::move(value));
+  return &kept.back();
 }
 
 }  // namespace providerside
