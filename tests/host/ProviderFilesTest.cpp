@@ -63,10 +63,6 @@ TEST_P(FaultyFileTest, LosesNothingElseOfTheFolderWhenItIsForcedIn) {
 INSTANTIATE_TEST_SUITE_P(
     Files, FaultyFileTest,
     ::testing::Values(
-        TFileRow{"MofWithoutSemicolon", "more.mof", "class ACME_More\n{\n  string Name\n};\n",
-                 ":4:1: expected ';' after property Name, found '}'; mend the MOF; see rule R17"},
-        TFileRow{"MofWithControlCharacter", "more.mof", "class \x1b[31m { };\n",
-                 ":1:7: unexpected byte 0x1B; mend the MOF; see rule R17"},
         TFileRow{"LineTooShort", "more.registration", "ACME_More root/cimv2 DiagsTest\n",
                  ":1: expected at least 5 words, found 3 words; write: Class Namespace Provider "
                  "Library type...; see rule R2"},
@@ -89,6 +85,29 @@ INSTANTIATE_TEST_SUITE_P(
                  ": PG_ProviderCapabilities \"1\" of class TST_DiskDrive: there is no PG_Provider "
                  "\"P\" of module \"M\"; add the instance, or mend ProviderModuleName and "
                  "ProviderName; see rule R12"}),
+    [](const auto& row) { return row.param.name; });
+
+class HarmlessFaultTest : public FaultyFileTest {};
+
+TEST_P(HarmlessFaultTest, OfMofThatCostsNoRegisteredClassIsAWarningOfTheCheck) {
+  const TFinished checked = Do({"provider", "check", m_vendor});
+  EXPECT_EQ(checked.status, 0);
+  EXPECT_EQ(checked.out, "acme: warning: " + GetFault(m_vendor) +
+                             "\nacme: ok, 1 warning, 6 classes in 1 library\n");
+  const TFinished added = Do({"provider", "add", m_vendor});
+  EXPECT_EQ(added.status, 0);
+  EXPECT_EQ(added.err, "diagsrun: acme: warning: " + GetFault(m_vendor) + "\n");
+  EXPECT_EQ(Do({"list"}).err, "diagsrun: " + GetFault(GetInstalled("acme")) + "\n");
+  EXPECT_TRUE(RunsAcme());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, HarmlessFaultTest,
+    ::testing::Values(
+        TFileRow{"MofWithoutSemicolon", "more.mof", "class ACME_More\n{\n  string Name\n};\n",
+                 ":4:1: expected ';' after property Name, found '}'; mend the MOF; see rule R17"},
+        TFileRow{"MofWithControlCharacter", "more.mof", "class \x1b[31m { };\n",
+                 ":1:7: unexpected byte 0x1B; mend the MOF; see rule R17"}),
     [](const auto& row) { return row.param.name; });
 
 class ProviderFilesTest : public TProviderFixture {};

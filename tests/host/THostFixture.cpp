@@ -14,7 +14,7 @@ const char* const kGoodStress =
 THostFixture::THostFixture() {
   Write("hardware.conf",
         "processor_seconds = 1\nmemory_mib = 1\nmemory_extended_mib = 1\ndisk_mib = 1\n"
-        "disk_seconds = 1\nnetwork_seconds = 1\n");
+        "disk_seconds = 10\ndisk_file_mib = 16\nnetwork_seconds = 1\n");
 }
 
 TProgram THostFixture::MakeCommand(const std::vector<std::string>& arguments) const {
