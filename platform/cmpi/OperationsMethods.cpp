@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // The chapter of TCMPIOperations about methods.
+#include <optional>
+
 #include "platform/cmpi/TBrokerArgs.h"
 #include "platform/cmpi/TOperationsParts.h"
+#include "platform/model/DiagnosticMethods.h"
 #include "platform/model/Typing.h"
 
 namespace NZEPQEL20 {
@@ -29,14 +32,20 @@ TNamedValues ConvertParameters(const TKeyMap& parameters, const TCIMMethodDeclar
 
 using TPassedArgs = TPassed<TBrokerArgs>;
 
-/// Whether `value` refers to a job that a method has started: what changes the state of a job gives
-/// back the job that makes the change, which is no test.
-bool IsStartedJob(const TProviders& providers, const std::string& method, const std::string& name,
-                  const TCIMValue& value) {
-  if (IsSameName(method, "RequestStateChange") || value.IsNull() || value.IsArray()) return false;
-  if (value.GetType() != ECIMType::kReference) return false;
-  return IsSameName(name, "Job") ||
-         providers.IsA(static_cast<TCIMReference>(value).GetClassName(), "CIM_ConcreteJob");
+/// The job that a method has started and tells of in `value`, if it is one: what changes the state
+/// of a job gives back the job that makes the change, which is no test.
+std::optional<TCIMReference> FindStartedJob(const TProviders& providers, const std::string& method,
+                                            const std::string& name, const TCIMValue& value) {
+  if (IsSameName(method, "RequestStateChange") || value.IsNull() || value.IsArray()) return {};
+  const bool isNamedJob = IsSameName(name, "Job");
+  if (!isNamedJob && value.GetType() != ECIMType::kReference) return {};
+  try {
+    TCIMReference job = GetJobReference(value);
+    if (isNamedJob || providers.IsA(job.GetClassName(), "CIM_ConcreteJob")) return job;
+  } catch (const TQELException&) {
+    // Whoever called is told.
+  }
+  return {};
 }
 
 }  // namespace
@@ -74,9 +83,10 @@ TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::st
       providers.FindServicesOfObject(nameSpace, path.GetClassName(), ERole::kMethod), ask,
       what + ": no provider offers methods of the class there");
   for (const auto& [result, value] : results) {
-    if (IsStartedJob(providers, method, result, value)) {
-      m_parts->work.AddJob(static_cast<TCIMReference>(value));
-    }
+    std::optional<TCIMReference> job = FindStartedJob(providers, method, result, value);
+    if (!job) continue;
+    if (job->GetNamespaceName().empty()) job->SetNamespaceName(nameSpace);
+    m_parts->work.AddJob(*job);
   }
   parameters = std::move(results);
   return outcome.content.data.empty() ? TCIMValue() : outcome.content.data.front();

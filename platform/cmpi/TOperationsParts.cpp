@@ -26,6 +26,18 @@ int Weigh(const TQELException& failure) {
   }
 }
 
+// Then another provider may have what is asked for; a method that is not there has done nothing.
+bool SaysNothingIsThere(const TQELException& failure) {
+  switch (failure.GetCIMStatus()) {
+    case CMPI_RC_ERR_NOT_FOUND:
+    case CMPI_RC_ERR_METHOD_NOT_AVAILABLE:
+    case CMPI_RC_ERR_METHOD_NOT_FOUND:
+      return true;
+    default:
+      return IsRefusal(failure);
+  }
+}
+
 }  // namespace
 
 void TWorstFailure::Add(const TQELException& failure) {
@@ -66,8 +78,7 @@ TCallOutcome TCMPIOperations::TParts::AskFirst(const TServices& services, const 
     try {
       return ask(service);
     } catch (const TQELException& failure) {
-      const bool isElsewhere =
-          IsRefusal(failure) || failure.GetCIMStatus() == CMPI_RC_ERR_NOT_FOUND;
+      const bool isElsewhere = SaysNothingIsThere(failure);
       // Whoever asks may say no more than that nothing came. A provider's own question is its own.
       if (!isElsewhere && !TScope::IsInCall()) providers.Report(failure.what());
       if (!isElsewhere && !isReading) throw;

@@ -100,6 +100,7 @@ TEST_P(TestMannerTest, IsRunLikeAnyOther) {
   program.environment["DIAGSTEST_MANNER"] = GetParam();
   const TFinished finished = RunToEnd(program);
   EXPECT_EQ(finished.status, 0) << finished.err;
+  EXPECT_EQ(finished.err, "");
   EXPECT_EQ(json::parse(finished.out)["tests"][0]["answer"], "Pass");
 }
 INSTANTIATE_TEST_SUITE_P(All, TestMannerTest,
@@ -123,16 +124,21 @@ TEST_F(TestProviderTest, ATestThatFindsItsOtherMethodSaysNothing) {
   EXPECT_EQ(finished.err, "");
 }
 
-TEST_F(TestProviderTest, AnInterruptEndsATestWhoseJobStaysBelowHundred) {
+class InterruptedMannerTest : public TestMannerTest {};
+
+TEST_P(InterruptedMannerTest, EndsItsTestAtOnce) {
   TProgram program =
       MakeRun({"run", std::string("TestHang") + kEndingDevice, "--progress", "always"});
-  program.environment["DIAGSTEST_MANNER"] = "frozen";
+  program.environment["DIAGSTEST_MANNER"] = GetParam();
   TSubprocess command(program);
   ASSERT_TRUE(command.WaitForOutput("Percent Complete: "));
   command.Signal(SIGINT);
   EXPECT_EQ(command.Wait(), 2);
   EXPECT_THAT(command.GetOut(), HasSubstr("      Aborted ("));
 }
+INSTANTIATE_TEST_SUITE_P(All, InterruptedMannerTest,
+                         ::testing::Values("frozen", "text", "instance"),
+                         [](const auto& row) { return std::string(row.param); });
 
 TEST_F(TestProviderTest, AMissingLibraryIsNamedAndNothingIsFound) {
   const std::filesystem::path root = GetFolder() + "/root";
