@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/CrashHandler.h"
 
-#include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -11,6 +10,8 @@
 #include <csignal>
 #include <cstddef>
 #include <cstring>
+
+#include "host/TBlockedSignals.h"
 
 namespace host {
 namespace {
@@ -127,17 +128,6 @@ void TellCrash(int signal) {
   crashLine.Write();
 }
 
-[[noreturn]] void EndByCrash(int signal) {
-  static_cast<void>(::signal(signal, SIG_DFL));
-  sigset_t set;
-  ::sigemptyset(&set);
-  ::sigaddset(&set, signal);
-  ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
-  static_cast<void>(::raise(signal));
-  // Only where a debugger took the signal away.
-  ::_exit(128 + signal);
-}
-
 // Only what a handler of signals may do. All crash signals are blocked meanwhile, so that a fault
 // in here ends the process at once.
 extern "C" void HandleCrash(int signal) {
@@ -146,7 +136,7 @@ extern "C" void HandleCrash(int signal) {
     while (isCrashTold.test_and_set()) ::pause();
     TellCrash(signal);
   }
-  EndByCrash(signal);
+  EndBySignal(signal);
 }
 
 void GiveStack() {

@@ -2,6 +2,7 @@
 #include "host/TBlockedSignals.h"
 
 #include <pthread.h>
+#include <unistd.h>
 
 #include <initializer_list>
 
@@ -19,6 +20,17 @@ TBlockedSignals::TBlockedSignals() {
 
 TBlockedSignals::~TBlockedSignals() {
   ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+}
+
+void EndBySignal(int signal) noexcept {
+  static_cast<void>(::signal(signal, SIG_DFL));
+  sigset_t set;
+  ::sigemptyset(&set);
+  ::sigaddset(&set, signal);
+  ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+  static_cast<void>(::raise(signal));
+  // Only where a debugger took the signal away.
+  ::_exit(128 + signal);
 }
 
 }  // namespace host

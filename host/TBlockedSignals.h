@@ -24,4 +24,8 @@ class TBlockedSignals {
   sigset_t m_before{};
 };
 
+/// Ends the process by `signal`, as if nobody handled, blocked or ignored it.
+/// Threads: any; may be called in a handler of signals.
+[[noreturn]] void EndBySignal(int signal) noexcept;
+
 }  // namespace host

@@ -2,7 +2,6 @@
 #include "host/TSignalWatch.h"
 
 #include <poll.h>
-#include <pthread.h>
 #include <sys/eventfd.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
@@ -88,7 +87,7 @@ void TSignalWatch::HandleSignal(int signal) {
   LeaveUnlessBegun();
   if (m_isInterrupted.exchange(true)) {
     WaitForOneMoreKill();
-    EndBy(signal);
+    EndBySignal(signal);
   }
   Say("diagsrun: interrupted: ending the running test; once more to leave at once\n");
   const std::lock_guard<std::mutex> lock(m_mutex);
@@ -101,17 +100,6 @@ void TSignalWatch::WaitForOneMoreKill() {
   const unsigned int wanted = ++m_wanted;
   m_changed.notify_all();
   m_changed.wait_for(lock, kLastKillTime, [&] { return m_done >= wanted || m_isStopping; });
-}
-
-void TSignalWatch::EndBy(int signal) {
-  static_cast<void>(::signal(signal, SIG_DFL));
-  sigset_t set;
-  ::sigemptyset(&set);
-  ::sigaddset(&set, signal);
-  ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
-  static_cast<void>(::raise(signal));
-  // Only where a debugger took the signal away.
-  ::_exit(128 + signal);
 }
 
 void TSignalWatch::KillRepeatedly() {

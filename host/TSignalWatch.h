@@ -38,7 +38,6 @@ class TSignalWatch {
   void HandleSignal(int signal);
   void WaitForOneMoreKill();
   void LeaveUnlessBegun();
-  [[noreturn]] static void EndBy(int signal);
 
   std::function<void()> m_kill;
   int m_signals = -1;
