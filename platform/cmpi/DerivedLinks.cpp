@@ -124,7 +124,9 @@ TCallOutcome TCMPIOperations::TParts::Derive(const TService& service, const TQue
     TCallOutcome outcome;
     for (const TCIMReference& object : objects) {
       try {
-        askAbout(object, className, outcome);
+        TAssociationWalk walk(*this, question.what + " by way of " + object.GetPath(), object,
+                              {{}, className, {}, {}}, className);
+        askAbout(walk, outcome);
         hasSucceeded = true;
       } catch (const TQELException& failure) {
         // The walk has reported it.
@@ -147,10 +149,7 @@ TCallOutcome TCMPIOperations::TParts::Derive(const TService& service, const TQue
 TCallOutcome TCMPIOperations::TParts::AskInstances(const TService& service,
                                                    const TQuestion& question) {
   std::set<std::string> seen;
-  const auto askAbout = [&](const TCIMReference& object, const std::string& className,
-                            TCallOutcome& outcome) {
-    TAssociationWalk walk(*this, question.what + " by way of " + object.GetPath(), object,
-                          {{}, className, {}, {}}, className);
+  const auto askAbout = [&](TAssociationWalk& walk, TCallOutcome& outcome) {
     walk.References([&](TCIMInstanceData&& data) {
       const bool isNew = data.path.GetKeys().empty() ||
                          seen.insert(GetIdentity(data.path, question.nameSpace)).second;
@@ -169,10 +168,7 @@ TCallOutcome TCMPIOperations::TParts::AskInstances(const TService& service,
 TCallOutcome TCMPIOperations::TParts::AskInstanceNames(const TService& service,
                                                        const TQuestion& question) {
   std::set<std::string> seen;
-  const auto askAbout = [&](const TCIMReference& object, const std::string& className,
-                            TCallOutcome& outcome) {
-    TAssociationWalk walk(*this, question.what + " by way of " + object.GetPath(), object,
-                          {{}, className, {}, {}}, className);
+  const auto askAbout = [&](TAssociationWalk& walk, TCallOutcome& outcome) {
     for (const TCIMReference& name : walk.ReferenceNames()) {
       const bool isNew =
           name.GetKeys().empty() || seen.insert(GetIdentity(name, question.nameSpace)).second;

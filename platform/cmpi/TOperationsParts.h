@@ -118,9 +118,8 @@ struct TCMPIOperations::TParts {
   TCIMValue ToDeclared(const TCIMPropertyDeclaration& declared, const TCIMPropertyData& given,
                        const cmpi::TPathContent& owner);
 
-  /// Adds the associations of a class that an object has.
-  using TAskAbout = std::function<void(const TCIMReference& object, const std::string& className,
-                                       cmpi::TCallOutcome& outcome)>;
+  /// Adds what a walk from one object to its associations finds.
+  using TAskAbout = std::function<void(TAssociationWalk& walk, cmpi::TCallOutcome& outcome)>;
   cmpi::TCallOutcome AskOrDerive(const TService& service, const cmpi::TQuestion& question,
                                  const TAsk& ask, const TAskAbout& askAbout);
   cmpi::TCallOutcome Derive(const TService& service, const cmpi::TQuestion& question,
