@@ -24,6 +24,10 @@ bool HasEnds(const TProviders& providers, const std::string& className) {
                      [](const auto& property) { return property.type == ECIMType::kReference; });
 }
 
+bool HasResults(const TCallOutcome& outcome) {
+  return !outcome.content.instances.empty() || !outcome.content.paths.empty();
+}
+
 /// A class whose objects are at an end of an association, and how many serve it.
 struct TEndClass {
   std::string name;
@@ -85,15 +89,19 @@ TCallOutcome TCMPIOperations::TParts::AskOrDerive(const TService& service,
                                                   const TQuestion& question, const TAsk& ask,
                                                   const TAskAbout& askAbout) {
   TWorstFailure failed;
+  bool hasAnswered = false;
   if (service.registration->isInstance) {
+    const std::string& className = service.registration->className;
+    const bool isDerivable =
+        !TNoDerivation::Holds() &&
+        !providers.FindExact(question.nameSpace, className, ERole::kAssociation).empty();
     try {
-      return ask(service);
+      TCallOutcome outcome = ask(service);
+      // Many leave the enumeration of an association empty, and answer references alone.
+      if (!isDerivable || HasResults(outcome)) return outcome;
+      hasAnswered = true;
     } catch (const TQELException& failure) {
-      const std::string& className = service.registration->className;
-      const bool isDerivable =
-          IsRefusal(failure) && !TNoDerivation::Holds() &&
-          !providers.FindExact(question.nameSpace, className, ERole::kAssociation).empty();
-      if (!isDerivable) throw;
+      if (!isDerivable || !IsRefusal(failure)) throw;
       failed.Add(failure);
     }
   }
@@ -102,7 +110,7 @@ TCallOutcome TCMPIOperations::TParts::AskOrDerive(const TService& service,
   } catch (const TQELException& failure) {
     failed.Add(failure);
   }
-  failed.ThrowIfAny();
+  if (!hasAnswered) failed.ThrowIfAny();
   return {};
 }
 
@@ -133,7 +141,7 @@ TCallOutcome TCMPIOperations::TParts::Derive(const TService& service, const TQue
         failed.Add(failure);
       }
     }
-    if (!outcome.content.instances.empty() || !outcome.content.paths.empty()) return outcome;
+    if (HasResults(outcome)) return outcome;
   }
   if (!isEnumerated) {
     failed.Add(TQELException(TQELStatusCode::kCIMError,

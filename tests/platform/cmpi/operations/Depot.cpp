@@ -5,9 +5,9 @@
 //   a A r R   associators, associatorNames, references, referenceNames
 //   m p       methods, properties
 // What it lacks is NULL in its tables, or with "x" a function that answers "not supported"; with
-// "f" every function fails; with "q" its references are none; with "i" it ignores what it is asked
-// to leave out; with "s" its associations are those of boxes to each other, otherwise those of
-// shelves to boxes.
+// "f" every function fails; with "q" its references are none; with "o" it enumerates no
+// association; with "i" it ignores what it is asked to leave out; with "s" its associations are
+// those of boxes to each other, otherwise those of shelves to boxes.
 //
 // Its tables are those of the first interface, and nothing readable lies behind them.
 #include <sys/mman.h>
@@ -132,6 +132,7 @@ void EachOfClass(const CMPIObjectPath* asked, const TTake& take) {
 
 template <class TTake>
 void EachLinkOfClass(const void* mi, const CMPIObjectPath* asked, const TTake& take) {
+  if (Has(mi, 'o')) return;
   for (const TLink& link : kLinks) {
     if (ClassOf(asked) == link.className && Has(mi, 's') == (*link.id != '\0')) take(link);
   }

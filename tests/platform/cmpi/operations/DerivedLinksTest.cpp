@@ -50,7 +50,25 @@ INSTANTIATE_TEST_SUITE_P(All, UnenumeratedLinksTest,
                                          TLinkOffer{"Depot_xr", "association"},
                                          TLinkOffer{"Depot_Rg", "instance association"},
                                          TLinkOffer{"Depot_r", "instance association"},
-                                         TLinkOffer{"Depot_xrR", "instance association"}));
+                                         TLinkOffer{"Depot_xrR", "instance association"},
+                                         TLinkOffer{"Depot_oenrR", "instance association"},
+                                         TLinkOffer{"Depot_onr", "instance association"},
+                                         TLinkOffer{"Depot_oeRg", "instance association"}));
+
+class NoLinksTest : public DerivedLinksTest, public testing::WithParamInterface<TLinkOffer> {};
+
+TEST_P(NoLinksTest, IsTheAnswerOfAProviderThatHasAnswered) {
+  OpenLinks(GetParam());
+  EXPECT_EQ(Enumerate("D_Holds"), "");
+  EXPECT_EQ(EnumerateNames("D_Holds"), "");
+  EXPECT_EQ(m_operations->GetProblems(), std::vector<std::string>());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, NoLinksTest,
+                         testing::Values(TLinkOffer{"Depot_oenrR", "instance"},
+                                         TLinkOffer{"Depot_oen", "instance association"},
+                                         TLinkOffer{"Depot_oenx", "instance association"},
+                                         TLinkOffer{"Depot_oenrRq", "instance association"}));
 
 TEST_F(DerivedLinksTest, BothEndsOfOneClassGiveEachAssociationOnce) {
   OpenWith("D_Stacks root/cimv2 Depot_sr association");
