@@ -2,12 +2,13 @@
 #include "platform/schema/TCacheFolder.h"
 
 #include <fcntl.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <ctime>
 #include <filesystem>
-#include <random>
 #include <system_error>
 
 namespace NZEPQEL20 {
@@ -51,10 +52,15 @@ std::string GetTemporaryStart(const std::string& name) {
   return "." + name + ".";
 }
 
-/// A name that nobody else uses, in this container or another one over the same folder.
+/// A name that nobody else uses, in this container or another one over the same folder; empty, with
+/// the reason in errno, when there is no chance to draw it from.
 std::string MakeTemporaryName(const std::string& name) {
-  std::random_device random;
-  return GetTemporaryStart(name) + std::to_string(random()) + std::to_string(random());
+  std::uint64_t number = 0;
+  // So few bytes come whole.
+  if (getrandom(&number, sizeof(number), 0) < 0) {
+    return {};
+  }
+  return GetTemporaryStart(name) + std::to_string(number);
 }
 
 /// Removes what writers that were killed have left behind, a day ago or longer.
@@ -63,8 +69,10 @@ void RemoveLeftovers(const std::string& path, int folder, const std::string& nam
   const time_t now = time(nullptr);
   const std::string start = GetTemporaryStart(name);
   std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(path, error)) {
-    const std::string other = entry.path().filename().string();
+  std::filesystem::directory_iterator entry(path, error);
+  for (const std::filesystem::directory_iterator end; !error && entry != end;
+       entry.increment(error)) {
+    const std::string other = entry->path().filename().string();
     struct stat info = {};
     if (other.compare(0, start.size(), start) == 0 &&
         fstatat(folder, other.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
@@ -128,6 +136,9 @@ std::string TCacheFolder::Write(const std::string& name,
     return reason.empty() ? m_path + ": cannot be made" : reason;
   }
   const std::string temporary = MakeTemporaryName(name);
+  if (temporary.empty()) {
+    return m_path + ": " + Explain(errno);
+  }
   const TDescriptor file(openat(folder.Get(), temporary.c_str(),
                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                                 S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH));

@@ -12,7 +12,8 @@ namespace NZEPQEL20 {
 /// A folder that holds caches.
 ///
 /// What is read from it is believed, so folder and file must be regular ones that belong to root
-/// or to the effective user, and that nobody else may write to. Nothing in here throws.
+/// or to the effective user, and that nobody else may write to. Nothing in here throws but for want
+/// of memory.
 class TCacheFolder {
  public:
   explicit TCacheFolder(std::string path) : m_path(std::move(path)) {}

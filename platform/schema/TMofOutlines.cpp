@@ -180,6 +180,14 @@ void TMofOutlines::Store() {
   if (!m_isNew || size < m_place.leastSize) {
     return;
   }
+  try {
+    Write();
+  } catch (const std::exception& e) {
+    m_notes.push_back(std::string("outlines not written: ") + e.what());
+  }
+}
+
+void TMofOutlines::Write() {
   const std::string bytes = Encode();
   for (const std::string& folder : m_place.folders) {
     const std::string reason = TCacheFolder(folder).Write(GetFileName(m_place), {bytes});

@@ -39,7 +39,7 @@ class TMofOutlines {
   }
 
   /// Stores what Find() was asked for, when some of that had to be read and it is large enough for
-  /// a cache. That it cannot be stored is no error.
+  /// a cache. That it cannot be stored, for whatever reason, is no error.
   void Store();
 
   /// Files that had to be read.
@@ -62,6 +62,7 @@ class TMofOutlines {
   /// The stored entry for the file as it is now; null when there is none.
   const TEntry* FindStored(const std::string& path) const;
   TEntry Read(const std::string& path);
+  void Write();
 
   TSchemaCachePlace m_place;
   std::int64_t m_trustedBefore = 0;

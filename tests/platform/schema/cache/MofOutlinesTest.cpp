@@ -5,14 +5,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <limits>
+#include <new>
 
 #include "platform/schema/TMofOutlines.h"
 #include "tests/platform/schema/cache/TCacheWorld.h"
+#include "tests/support/TSystemHook.h"
 
 namespace cachetest {
 namespace {
@@ -165,6 +168,26 @@ TEST_F(MofOutlinesTest, WhereOneFolderCannotBeWrittenTheNextOneIs) {
   EXPECT_THAT(Visit().GetNotes(), ElementsAre(HasSubstr("not used"), HasSubstr("not written"),
                                               HasSubstr("written to")));
   EXPECT_EQ(Visit().GetReadCount(), 0U);
+}
+
+TEST_F(MofOutlinesTest, WithoutChanceNothingIsStored) {
+  const TSystemHook hook(TSystemHook::kGetrandom, TSystemHook::FailAfter(0, ENOSYS));
+  EXPECT_THAT(Visit().GetNotes(), ElementsAre("outlines not written: " + m_place.folders[0] +
+                                              ": Function not implemented"));
+  EXPECT_FALSE(fs::exists(GetStored()));
+}
+
+TEST_F(MofOutlinesTest, AFolderThatCannotBeLookedThroughToItsEndIsStoredIn) {
+  for (const char* other : {"cache/a", "cache/b", "cache/c"}) m_folder.Write(other, "");
+  // Its own two names, and the first of the others: the rest is come to by going on.
+  const TSystemHook hook(TSystemHook::kReaddir, TSystemHook::FailAfter(3, EIO));
+  EXPECT_THAT(Visit().GetNotes(), ElementsAre(HasSubstr("written to")));
+  EXPECT_TRUE(fs::exists(GetStored()));
+}
+
+TEST_F(MofOutlinesTest, WantOfMemoryIsANoteToo) {
+  const TSystemHook hook(TSystemHook::kFsync, []() -> int { throw std::bad_alloc(); });
+  EXPECT_THAT(Visit().GetNotes(), ElementsAre(HasSubstr("not written: std::bad_alloc")));
 }
 
 TEST_F(MofOutlinesTest, AFileThatOthersMayWriteToIsNotBelieved) {

@@ -9,7 +9,7 @@
 
 #include "platform/setup/FileCopy.h"
 #include "tests/platform/setup/store/TStoreTest.h"
-#include "tests/platform/setup/store/TSyncHook.h"
+#include "tests/support/TSystemHook.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -140,7 +140,10 @@ TEST_F(ChangedFilesTest, WhatTheCheckReadsItDoesNotChange) {
 
 TEST_F(ChangedFilesTest, AFileThatChangesWhileItIsCopiedIsRefused) {
   const TProviderPackage package = m_store.Read(m_vendor.GetPath());
-  const TSyncHook hook([this] { std::ofstream(m_file, std::ios::app) << "# more\n"; });
+  const TSystemHook hook(TSystemHook::kFsync, [this] {
+    std::ofstream(m_file, std::ios::app) << "# more\n";
+    return 0;
+  });
   EXPECT_THAT(Failure([&] { m_store.Add(package, "acme", false); }),
               testing::StartsWith(m_file + ": changed while it was being checked"));
   EXPECT_EQ(GetInstalled(), "");

@@ -11,7 +11,7 @@
 #include "platform/setup/ChildRun.h"
 #include "platform/setup/THiddenFolder.h"
 #include "tests/platform/setup/store/TStoreTest.h"
-#include "tests/platform/setup/store/TSyncHook.h"
+#include "tests/support/TSystemHook.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -28,9 +28,8 @@ class CutOffInstallTest : public TStoreTest {
     const TChildOutcome outcome = RunInChild(
         [&](const TTell&) {
           int left = count;
-          const TSyncHook hook([&left] {
-            if (--left == 0) ::raise(SIGKILL);
-          });
+          const TSystemHook hook(TSystemHook::kFsync,
+                                 [&left] { return --left == 0 ? ::raise(SIGKILL) : 0; });
           Add(name, replace);
         },
         std::chrono::seconds(20));
@@ -110,20 +109,6 @@ TEST(HiddenFolderTest, IsRecognisedByItsNameWhateverTheVendors) {
     EXPECT_EQ(THiddenFolder::FindVendorAside(fs::path(folder.GetAside()).filename()), vendor);
     EXPECT_EQ(THiddenFolder::FindVendor(fs::path(folder.GetAside()).filename()), "");
   }
-}
-
-TEST(SyncHookTest, IsCalledBeforeTheSystemAndOnlyWhileItLives) {
-  const TTemporaryFolder folder;
-  const std::string path = folder.Write("file", "x");
-  const int file = ::open(path.c_str(), O_RDONLY);
-  int calls = 0;
-  {
-    const TSyncHook hook([&calls] { ++calls; });
-    EXPECT_EQ(::fsync(file), 0);
-  }
-  EXPECT_EQ(::fsync(file), 0);
-  EXPECT_EQ(calls, 1);
-  ::close(file);
 }
 
 }  // namespace
