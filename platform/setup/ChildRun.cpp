@@ -117,9 +117,13 @@ class TWatch {
       if (hasEnded) break;
       if (TClock::now() >= m_end) {
         outcome.ending = "did not come back within " + DescribeTime(m_limit);
+        outcome.isLate = true;
       }
     }
-    if (HasAll()) outcome.ending.clear();
+    if (HasAll()) {
+      outcome.ending.clear();
+      outcome.isLate = false;
+    }
     Split(outcome);
     return outcome;
   }
@@ -140,11 +144,16 @@ class TWatch {
     return true;
   }
 
-  /// Whoever writes without end has the time of all steps, and no more.
-  void BeginStep() {
-    if (m_stepsLeft <= 1) return;
-    --m_stepsLeft;
-    m_end = TClock::now() + m_limit;
+  /// Looks for steps in what was read last. Whoever tells steps without end has the time of those
+  /// that were announced, and no more.
+  void BeginSteps() {
+    for (std::size_t end = 0; (end = m_text.find(kEnd, m_looked)) != std::string::npos;) {
+      if (m_text[m_looked] == kStepMark && m_stepsLeft > 1) {
+        --m_stepsLeft;
+        m_end = TClock::now() + m_limit;
+      }
+      m_looked = end + 1;
+    }
   }
 
   /// Takes what is there, or waits a moment for it.
@@ -157,8 +166,8 @@ class TWatch {
       const ssize_t count = ::read(m_file, piece.data(), piece.size());
       if (count <= 0) break;
       m_text.append(piece.data(), static_cast<std::size_t>(count));
-      if (m_text.back() == kEnd) BeginStep();
       if (m_text.size() > kMaxText) m_text.resize(kMaxText);
+      BeginSteps();
       if (HasAll()) break;
     }
     if ((wait.revents & POLLHUP) != 0 && (wait.revents & POLLIN) == 0) {
@@ -183,6 +192,7 @@ class TWatch {
   std::size_t m_stepsLeft;  ///< With the present one.
   TClock::time_point m_end;
   std::string m_text;
+  std::size_t m_looked = 0;  ///< The records before it have been looked at.
 };
 
 }  // namespace

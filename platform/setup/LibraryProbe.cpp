@@ -70,8 +70,6 @@ std::string Pack(const TProviderFinding& finding) {
          ToOneLine(finding.text) + kSeparator + ToOneLine(finding.remedy);
 }
 
-constexpr char kStepMark = '>';
-
 /// A record that says what the child does from now on, and the rule about it. One that it has come
 /// to, and did not come back from, is the one at fault.
 std::string PackStep(const std::string& rule, const std::string& what) {
@@ -200,10 +198,9 @@ class TProbe {
            "write to no file that the library has not opened itself");
     }
     if (outcome.ending.empty()) return true;
-    const bool isLate = outcome.ending.compare(0, 3, "did") == 0;
-    Fail(isLate ? step.rule : "R7", step.what + " " + outcome.ending,
-         isLate ? FindRemedy(step.rule) : "mend the library; it would end whoever uses it");
-    return !isLate;
+    Fail(outcome.isLate ? step.rule : "R7", step.what + " " + outcome.ending,
+         outcome.isLate ? FindRemedy(step.rule) : "mend the library; it would end whoever uses it");
+    return !outcome.isLate;
   }
 
   /// False when there is no use in going on with the library.

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/contract/TQELException.h"
+#include "platform/model/CoreLog.h"
 #include "platform/setup/FileCopy.h"
 #include "platform/setup/THiddenFolder.h"
 
@@ -54,7 +55,7 @@ void TidyUp(const fs::path& folder) {
 }  // namespace
 
 THeldFolder::THeldFolder(const std::string& folder)
-    : m_file(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    : m_folder(folder), m_file(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
   if (m_file.Get() < 0) RefusePlace(folder, "cannot be opened", errno);
   if (::flock(m_file.Get(), LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK) RefusePlace(folder, "cannot be locked", errno);
@@ -66,7 +67,10 @@ THeldFolder::THeldFolder(const std::string& folder)
 }
 
 void THeldFolder::Sync() const {
-  ::fsync(m_file.Get());
+  // EINVAL comes from file systems that have nothing to do for this.
+  if (::fsync(m_file.Get()) == 0 || errno == EINVAL) return;
+  LogToCore(ILogger::kWarning, m_folder + ": the disk may lose what was changed in it: " +
+                                   std::generic_category().message(errno));
 }
 
 void THeldFolder::Tidy(const std::string& folder) noexcept {

@@ -19,13 +19,15 @@ class THeldFolder {
   /// Errors: TQELException: it cannot be opened, or another one holds it.
   explicit THeldFolder(const std::string& folder);
 
-  /// Has the disk know the names in the folder.
+  /// Has the disk know the names in the folder. They are what they are by then: that the disk does
+  /// not take them is a warning in the log.
   void Sync() const;
 
   /// Tidies up when there is anything to tidy and nobody holds the folder; else does nothing.
   static void Tidy(const std::string& folder) noexcept;
 
  private:
+  std::string m_folder;
   TDescriptor m_file;
 };
 

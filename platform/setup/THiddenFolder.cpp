@@ -3,6 +3,7 @@
 
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
@@ -30,7 +31,11 @@ THiddenFolder::THiddenFolder(const std::string& providers, const std::string& na
   if (::mkdtemp(m_path.data()) == nullptr) {
     RefusePlace(providers, "no folder can be made in it", errno);
   }
-  ::chmod(m_path.c_str(), kFolderMode);
+  if (::chmod(m_path.c_str(), kFolderMode) != 0) {
+    const int error = errno;
+    ::rmdir(m_path.c_str());
+    RefusePlace(m_path, "cannot have its permissions", error);
+  }
 }
 
 THiddenFolder::~THiddenFolder() {

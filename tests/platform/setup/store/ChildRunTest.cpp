@@ -31,16 +31,34 @@ TEST(ChildRunTest, HandsTheRecordsOverInTheirOrder) {
   EXPECT_EQ(outcome.ending, "");
 }
 
+// Many short steps, so that a slow machine comes through each of them in time.
+constexpr std::size_t kSteps = 30;
+constexpr milliseconds kStepLimit(500);
+constexpr useconds_t kStepTime = 20'000;  ///< All together are longer than the limit.
+
 TEST(ChildRunTest, EachStepHasTheLimitAndNoMoreStepsThanAnnouncedHave) {
   const auto work = [](const TTell& tell) {
-    for (int step = 0; step < 4; ++step) {
-      tell("step");
-      ::usleep(150'000);
+    for (std::size_t step = 0; step < kSteps; ++step) {
+      tell(std::string(1, kStepMark) + "step");
+      ::usleep(kStepTime);
     }
   };
-  EXPECT_EQ(RunInChild(work, milliseconds(400), 5).ending, "");
-  EXPECT_EQ(RunInChild(work, milliseconds(400), 1).ending,
-            "did not come back within 400 milliseconds");
+  EXPECT_EQ(RunInChild(work, kStepLimit, kSteps + 1).ending, "");
+  EXPECT_EQ(RunInChild(work, kStepLimit, 1).ending, "did not come back within 500 milliseconds");
+}
+
+TEST(ChildRunTest, WhatAStepTellsTakesNoTimeFromTheOthers) {
+  const auto work = [](const TTell& tell) {
+    // With a step for each record none would be left for these.
+    for (std::size_t step = 0; step < kSteps; ++step) {
+      tell(std::string(1, kStepMark) + "step");
+      for (std::size_t finding = 0; finding < kSteps; ++finding) tell("finding");
+      ::usleep(kStepTime);
+    }
+  };
+  const TChildOutcome outcome = RunInChild(work, kStepLimit, kSteps + 1);
+  EXPECT_EQ(outcome.ending, "");
+  EXPECT_EQ(outcome.records.size(), kSteps * (kSteps + 1));
 }
 
 struct TEnding {
@@ -48,6 +66,7 @@ struct TEnding {
   void (*work)(const TTell&);
   milliseconds limit;
   const char* ending;
+  bool isLate;
 };
 void PrintTo(const TEnding& row, std::ostream* out) {
   *out << row.name;
@@ -64,23 +83,24 @@ TEST_P(ChildEndingTest, IsSaidAndWhatWasToldBeforeIsKept) {
       GetParam().limit);
   EXPECT_THAT(outcome.records, ElementsAre("before"));
   EXPECT_EQ(outcome.ending, GetParam().ending);
+  EXPECT_EQ(outcome.isLate, GetParam().isLate);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Endings, ChildEndingTest,
     testing::Values(TEnding{"Signal", [](const TTell&) { ::raise(SIGSEGV); }, kLong,
-                            "ended by signal 11 (Segmentation fault)"},
+                            "ended by signal 11 (Segmentation fault)", false},
                     TEnding{"Exit", [](const TTell&) { ::_exit(7); }, kLong,
-                            "ended the process with exit status 7"},
+                            "ended the process with exit status 7", false},
                     TEnding{"ExitOk", [](const TTell&) { ::_exit(0); }, kLong,
-                            "ended the process with exit status 0"},
+                            "ended the process with exit status 0", false},
                     TEnding{"Throw", [](const TTell&) { throw std::runtime_error("x"); }, kLong,
-                            "ended the process with exit status 1"},
+                            "ended the process with exit status 1", false},
                     TEnding{"Hang",
                             [](const TTell&) {
                               for (;;) ::pause();
                             },
-                            milliseconds(100), "did not come back within 100 milliseconds"}),
+                            milliseconds(900), "did not come back within 900 milliseconds", true}),
     [](const auto& row) { return row.param.name; });
 
 TEST(ChildRunTest, AChildReadsNothingAndWritesNowhere) {
@@ -132,9 +152,9 @@ TEST(ChildRunTest, AChildThatWritesWithoutEndIsBounded) {
       [](const TTell& tell) {
         for (;;) tell(std::string(65'536, 'x'));
       },
-      milliseconds(300));
+      milliseconds(900));
   EXPECT_THAT(outcome.records.size(), testing::Le(17U));
-  EXPECT_EQ(outcome.ending, "did not come back within 300 milliseconds");
+  EXPECT_EQ(outcome.ending, "did not come back within 900 milliseconds");
 }
 
 }  // namespace

@@ -7,12 +7,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 
 #include "platform/cmpi/VendorFiles.h"
+#include "platform/contract/TRootObject.h"
 #include "platform/setup/ChildRun.h"
 #include "tests/platform/setup/store/TStoreTest.h"
+#include "tests/support/TSystemHook.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -128,6 +131,46 @@ TEST_F(InstallFaultsTest, TwoAtTheSameTimeAreKeptApart) {
   EXPECT_THAT(AddInVain(), HasSubstr("another installation is at work there; try again"));
   ::close(other);
   Add("acme");
+}
+
+TEST_F(InstallFaultsTest, AFolderThatCannotBeOpenedToAllIsNotInstalled) {
+  const TSystemHook hook(TSystemHook::kChmod, TSystemHook::FailAfter(0, EPERM));
+  EXPECT_THAT(AddInVain(),
+              testing::MatchesRegex(".*/providers/\\.acme\\.tmp-......: cannot have its "
+                                    "permissions: Operation not permitted; .*"));
+}
+
+/// The lines that are logged while this lives.
+class TLogged : public ILogger {
+ public:
+  TLogged() { TRootObject::SetCoreLogger(this); }
+  ~TLogged() override { TRootObject::SetCoreLogger(nullptr); }
+  void Log(EQELLogSeverity severity, const std::string& text) override {
+    lines.push_back((severity == kWarning ? "warning " : "") + text);
+  }
+  std::vector<std::string> lines;
+};
+
+TEST_F(InstallFaultsTest, ADiskThatDoesNotTakeTheNamesIsAWarningForWhatIsInstalled) {
+  // Two files and their folder; the folder of all vendors is the next.
+  constexpr std::size_t kBefore = 3;
+  const std::string warning = "warning " + m_root.GetPath("providers") +
+                              ": the disk may lose what was changed in it: Input/output error";
+  TLogged log;
+  {
+    const TSystemHook hook(TSystemHook::kFsync, TSystemHook::FailAfter(kBefore, EIO));
+    Add("acme");
+  }
+  EXPECT_EQ(GetInstalled(), " acme");
+  {
+    const TSystemHook hook(TSystemHook::kFsync, TSystemHook::FailAfter(0, EIO));
+    m_store.Remove("acme");
+  }
+  EXPECT_EQ(GetInstalled(), "");
+  EXPECT_THAT(log.lines, testing::ElementsAre(warning, warning));
+  const TSystemHook hook(TSystemHook::kFsync, TSystemHook::FailAfter(kBefore, EINVAL));
+  Add("acme");
+  EXPECT_EQ(log.lines.size(), 2U);
 }
 
 /// Does it in a child, where limits and rights can be changed; answers with what was thrown.
