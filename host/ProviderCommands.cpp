@@ -204,7 +204,8 @@ EExitStatus TProviderCommand::Add() {
     m_around.Complain(name +
                       ": is installed already; --replace puts the new one in its "
                       "place, --name NAME beside it");
-    return EExitStatus::kNotFinished;
+    if (m_isJson) WriteAddDocument(m_around.out, EExitStatus::kNotFinished, provider, {});
+    return m_around.CheckOutput(EExitStatus::kNotFinished);
   }
   provider.findings = m_store.Check(provider.package);
   for (const auto& finding : provider.findings) {
@@ -236,10 +237,11 @@ EExitStatus TProviderCommand::Remove() {
   } catch (const TQELException& e) {
     if (!(e.GetStatusCode() == TQELStatusCode::kInvalidArgument)) throw;
     m_around.Complain(e.what() + std::string("; --force removes it all the same"));
-    return EExitStatus::kNotFinished;
+    if (m_isJson) WriteRemoveDocument(m_around.out, EExitStatus::kNotFinished, *found);
+    return m_around.CheckOutput(EExitStatus::kNotFinished);
   }
   if (m_isJson) {
-    WriteRemoveDocument(m_around.out, *found);
+    WriteRemoveDocument(m_around.out, EExitStatus::kAllPassed, *found);
   } else {
     m_around.out << SafeText(name + ": removed " + found->folder, ELines::kOne) << "\n";
   }

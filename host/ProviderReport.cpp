@@ -188,10 +188,10 @@ void WriteAddDocument(std::ostream& out, EExitStatus status, const TCheckedProvi
   WriteDocument(out, document);
 }
 
-void WriteRemoveDocument(std::ostream& out, const TProviderPackage& package) {
+void WriteRemoveDocument(std::ostream& out, EExitStatus status, const TProviderPackage& package) {
   TJson document = MakeDocument("provider remove");
-  document["status"] = static_cast<int>(EExitStatus::kAllPassed);
-  document["removed"] = true;
+  document["status"] = static_cast<int>(status);
+  document["removed"] = status == EExitStatus::kAllPassed;
   document["name"] = package.name;
   document["folder"] = package.folder;
   WriteDocument(out, document);

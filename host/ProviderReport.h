@@ -43,7 +43,8 @@ void WriteProvidersDocument(std::ostream& out, const std::string& command, EExit
 void WriteAddDocument(std::ostream& out, EExitStatus status, const TCheckedProvider& provider,
                       const std::string& folder);
 
-/// The document of "provider remove".
-void WriteRemoveDocument(std::ostream& out, const NZEPQEL20::TProviderPackage& package);
+/// The document of "provider remove", which has removed `package` when `status` is kAllPassed.
+void WriteRemoveDocument(std::ostream& out, EExitStatus status,
+                         const NZEPQEL20::TProviderPackage& package);
 
 }  // namespace host

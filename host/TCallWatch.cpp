@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <initializer_list>
 #include <system_error>
 #include <thread>
@@ -135,7 +136,11 @@ TCallWatchThread::~TCallWatchThread() {
 }
 
 TCallWatchWays GetCallWatchWays(std::function<std::vector<TProviderCallUnderWay>()> getCalls) {
-  return {std::move(getCalls), [] { ::sleep(1); }, &WriteLine, &LeaveProcess};
+  const auto waitSecond = [] {
+    const timespec second{1, 0};
+    ::nanosleep(&second, nullptr);
+  };
+  return {std::move(getCalls), waitSecond, &WriteLine, &LeaveProcess};
 }
 
 }  // namespace host

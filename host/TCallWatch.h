@@ -78,7 +78,7 @@ class TCallWatchThread {
   std::shared_ptr<TCallWatch> m_watch;
 };
 
-/// The ways of this process. A second of it is one of sleep().
+/// The ways of this process. A second of it is one of nanosleep().
 TCallWatchWays GetCallWatchWays(
     std::function<std::vector<NZEPQEL20::TProviderCallUnderWay>()> getCalls);
 

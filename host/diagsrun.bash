@@ -7,7 +7,10 @@
 _diagsrun_providers() {
   local root=${DIAGSRUNNER_ROOT-} program i
   for ((i = 1; i < COMP_CWORD - 1; i++)); do
-    [[ ${COMP_WORDS[i]} == --root ]] && root=${COMP_WORDS[i + 1]}
+    [[ ${COMP_WORDS[i]} == --root ]] || continue
+    # Bash takes the equals sign of --root=DIR for a word.
+    [[ ${COMP_WORDS[i + 1]} == = ]] && ((i++))
+    root=${COMP_WORDS[i + 1]-}
   done
   if [[ -z $root ]]; then
     program=$(type -P diagsrun) && program=$(readlink -f -- "$program") || return
@@ -23,6 +26,12 @@ _diagsrun_providers() {
 _diagsrun() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command="" action="" i
   COMPREPLY=()
+  # --log=x arrives as three words.
+  if [[ $word == = ]]; then
+    word=""
+  elif [[ $before == = ]]; then
+    before=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
   for ((i = 1; i < COMP_CWORD; i++)); do
     case $command:${COMP_WORDS[i]} in
       :list | :run | :inspect | :provider) command=${COMP_WORDS[i]} ;;

@@ -71,6 +71,13 @@ TEST(CompletionOfFilesTest, OffersFilesWhereFilesBelong) {
   EXPECT_THAT(Complete({"--server", "lo"}, folder.GetPath()), Not(HasSubstr("login")));
 }
 
+TEST(CompletionOfFilesTest, AnEqualsSignIsAWordOfItsOwn) {
+  const TTemporaryFolder folder;
+  folder.Write("login", "");
+  EXPECT_EQ(Complete({"--log", "=", "lo"}, folder.GetPath()), "login\n");
+  EXPECT_EQ(Complete({"--log", "="}, folder.GetPath()), "login\n");
+}
+
 TEST(CompletionOfProvidersTest, OffersTheInstalledOnesBelowTheRoot) {
   const TTemporaryFolder root;
   for (const char* name : {"acme", "acorn", "hardware", "acute; rm", "ac$(touch x)"}) {
@@ -80,6 +87,9 @@ TEST(CompletionOfProvidersTest, OffersTheInstalledOnesBelowTheRoot) {
   folder.Write("acid", "");
   const std::vector<std::string> remove = {"--root", root.GetPath(), "provider", "remove", "ac"};
   EXPECT_EQ(Complete(remove, folder.GetPath()), "acme\nacorn\n");
+  const std::vector<std::string> equals = {"--root",   "=",      root.GetPath(),
+                                           "provider", "remove", "ac"};
+  EXPECT_EQ(Complete(equals, folder.GetPath()), "acme\nacorn\n");
   const std::vector<std::string> check = {"provider", "check", "--root", root.GetPath(), "ac"};
   EXPECT_EQ(Complete(check, folder.GetPath()), "acme\nacorn\nacid\n");
   EXPECT_FALSE(std::filesystem::exists(folder.GetPath("x")));

@@ -454,6 +454,25 @@ TEST_F(ProviderDocumentsTest, AddTellsWhyItRefuses) {
   EXPECT_EQ(GetDocument()["provider"]["errors"], 1);
 }
 
+TEST_F(ProviderDocumentsTest, AddTellsThatTheNameIsTaken) {
+  OfferAcme();
+  m_store.installed = {MakePackage("acme")};
+  EXPECT_EQ(Add(), 2);
+  EXPECT_EQ(GetDocument()["status"], 2);
+  EXPECT_EQ(GetDocument()["added"], false);
+  EXPECT_EQ(GetDocument()["folder"], nullptr);
+  EXPECT_EQ(GetDocument()["provider"]["name"], "acme");
+}
+
+TEST_F(ProviderDocumentsTest, RemoveTellsThatTheBundledProviderStays) {
+  m_store.installed = {MakePackage("acme")};
+  m_store.bundled = "acme";
+  EXPECT_EQ(Remove("acme"), 2);
+  EXPECT_EQ(GetDocument()["status"], 2);
+  EXPECT_EQ(GetDocument()["removed"], false);
+  EXPECT_EQ(GetDocument()["folder"], "/r/providers/acme");
+}
+
 TEST_F(ProviderDocumentsTest, RemoveTellsWhatIsGone) {
   m_store.installed = {MakePackage("acme")};
   EXPECT_EQ(Remove("acme"), 0);

@@ -20,6 +20,8 @@ using ::testing::Not;
 
 class ProviderHangTest : public TProviderFixture {
  protected:
+  ProviderHangTest() { m_environment["DIAGSTEST_IMPATIENT"] = "1"; }
+
   // Without the check, which would wait for it.
   void InstallBad(const std::string& word) const {
     std::filesystem::copy(MakeBad(word), GetInstalled("bad"));

@@ -27,6 +27,7 @@ TProgram THostFixture::MakeCommand(const std::vector<std::string>& arguments) co
       {"DIAGSRUNNER_HARDWARE_CONF", m_folder.GetPath("hardware.conf")},
       {"PATH", m_folder.GetPath("bin:") + (path != nullptr ? path : "/usr/bin:/bin")},
   };
+  program.environment.insert(m_environment.begin(), m_environment.end());
   return program;
 }
 

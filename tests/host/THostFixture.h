@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,9 @@ class THostFixture : public ::testing::Test {
   std::vector<std::string> FindTests(const std::string& text) const;
 
   const std::string& GetFolder() const { return m_folder.GetPath(); }
+
+  /// What MakeCommand() adds to the environment of the command.
+  std::map<std::string, std::string> m_environment;
 
  private:
   TTemporaryFolder m_folder;
