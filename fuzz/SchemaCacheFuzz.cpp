@@ -32,8 +32,7 @@ void ReadFile(const std::string& bytes) {
   if (write(file.Get(), bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) return;
   try {
     auto cache = std::make_shared<const TSchemaCache>(std::move(file));
-    bool isYoung = false;
-    cache->IsFresh(isYoung);
+    // Whether it is fresh is not asked: the bytes would have this machine's files looked at.
     cache->Renew(0);
     const auto classes = TClassRepository::FromStore(cache, nullptr);
     for (const std::string& name : classes->GetSubclasses("", true)) classes->Find(name);

@@ -6,8 +6,8 @@ import pathlib
 import re
 import sys
 
-CITED = re.compile(r'see rule "?\s*"?(R\d+)|"(R\d+)"')
-WRITTEN = re.compile(r"^\*\*(R\d+)\.\*\*", re.MULTILINE)
+CITED = re.compile(r'see rule "?\s*"?([RT]\d+)|"([RT]\d+)"')
+WRITTEN = re.compile(r"^\*\*([RT]\d+)\.\*\*", re.MULTILINE)
 
 
 def find_cited(root):
@@ -28,8 +28,10 @@ def main():
     cited = find_cited(root)
     faults = [f"{path} cites {rule}, which is not written down"
               for rule, path in cited.items() if rule not in written]
-    faults += [f"R{number} is missing or there twice" for number in range(1, len(written) + 1)
-               if written.count(f"R{number}") != 1]
+    for kind in "RT":
+        count = sum(rule[0] == kind for rule in written)
+        faults += [f"{kind}{number} is missing or there twice" for number in range(1, count + 1)
+                   if written.count(f"{kind}{number}") != 1]
     print("\n".join(faults) if faults else f"{len(cited)} of {len(written)} rules are cited")
     return 1 if faults or not cited else 0
 
