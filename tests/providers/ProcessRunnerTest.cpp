@@ -123,7 +123,7 @@ TEST_F(ProcessRunnerTest, TellsWhichSignalEndedAProgram) {
 }
 
 TEST_F(ProcessRunnerTest, EndsAProgramAtItsDeadline) {
-  const TProcessOutcome outcome = RunShell("echo begun; exec sleep 30", milliseconds(100));
+  const TProcessOutcome outcome = RunShell("echo begun; exec sleep 30", milliseconds(1000));
   EXPECT_EQ(outcome.end, EProcessEnd::kDeadline);
   EXPECT_EQ(outcome.signal, SIGTERM);
   EXPECT_EQ(outcome.output, "begun\n");
@@ -132,7 +132,7 @@ TEST_F(ProcessRunnerTest, EndsAProgramAtItsDeadline) {
 
 TEST_F(ProcessRunnerTest, EndsGrandchildrenThatIgnoreTheRequest) {
   const TProcessOutcome outcome = RunShell(
-      "trap '' TERM; (trap '' TERM; sleep 30) & echo $!; wait; sleep 30", milliseconds(100));
+      "trap '' TERM; (trap '' TERM; sleep 30) & echo $!; wait; sleep 30", milliseconds(1000));
   EXPECT_EQ(outcome.end, EProcessEnd::kDeadline);
   EXPECT_EQ(outcome.signal, SIGKILL);
   ASSERT_FALSE(outcome.output.empty());

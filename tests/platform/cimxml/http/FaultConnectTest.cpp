@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/platform/cimxml/http/TFault.h"
+#include "tests/support/ClosedFolder.h"
 
 namespace diagstest {
 namespace {
@@ -191,6 +192,8 @@ TEST(FaultConnectTest, NamesASocketThatMayNotBeUsed) {
   const TScriptedServer server(path);
   ASSERT_EQ(::chmod(path.c_str(), 0), 0);
   ASSERT_EQ(::chmod(folder.GetPath().c_str(), 0755), 0);
+  const std::string closed = FindClosedFolder(folder.GetPath());
+  if (::geteuid() == 0 && !closed.empty()) GTEST_SKIP() << closed << ": nobody else may enter it";
   const TOtherUser user(65534);
   ExpectOutcome(TrySocket(path), NoConnection("no permission to use the socket " + path),
                 "unix://" + path);

@@ -138,7 +138,7 @@ TEST_F(SessionReuseTest, AnAnswerBeforeTheEndOfTheRequestIsRead) {
   request.body.assign(std::size_t{12} << 20U, 'x');
   const TOutcome outcome = Try(m_session, request);
   EXPECT_EQ(outcome.httpStatus, 413) << outcome.text;
-  EXPECT_LT(outcome.elapsed, std::chrono::seconds(4));
+  EXPECT_LT(outcome.elapsed, std::chrono::seconds(30));
   EXPECT_EQ(Try(m_session).kind, TOutcome::kGood);
 }
 

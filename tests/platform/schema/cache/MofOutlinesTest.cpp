@@ -112,10 +112,19 @@ TEST_F(MofOutlinesTest, AFileIsReadOnceByAProcess) {
 }
 
 TEST_F(MofOutlinesTest, OutlinesOfFilesWithYoungStampsAreNotStored) {
+  // However late this is, the file is younger.
+  constexpr std::int64_t kDay = 86'400;
+  const timespec tomorrow = {GetFileClock() / 1'000'000'000 + kDay, 0};
+  const timespec times[2] = {tomorrow, tomorrow};
+  ASSERT_EQ(utimensat(AT_FDCWD, m_file.c_str(), times, 0), 0);
   TMofOutlines young(m_place);
   young.Find(m_file);
   young.Store();
   EXPECT_FALSE(fs::exists(GetStored()));
+  TMofOutlines ofAge(m_place);
+  ofAge.Find(DIAGSRUNNER_SCHEMA_DIR "/cim_core.mof");
+  ofAge.Store();
+  EXPECT_TRUE(fs::exists(GetStored()));
 }
 
 TEST_F(MofOutlinesTest, AStampThatNobodyCanSetTellsTheAge) {

@@ -114,6 +114,7 @@ TEST_P(SchemaChangeTest, IsNoticed) {
   world.TrustStamps(isTrusted);
   ASSERT_TRUE(world.Load().isFromCache);
   world.TrustStamps(isTrusted);
+  world.AwaitTick();
   change.make(world);
   const TLoadedSchema after = world.Load();
   EXPECT_FALSE(after.isFromCache);

@@ -81,6 +81,12 @@ void TCacheWorld::TrustStamps(bool isTrusted) const {
   WriteCache(bytes);
 }
 
+void TCacheWorld::AwaitTick() const {
+  const std::int64_t before = GetChangeTime(folder.Write("tick", ""));
+  while (GetChangeTime(folder.Write("tick", "")) == before) {
+  }
+}
+
 std::string TCacheWorld::ReadCache() const {
   return ReadWhole(GetCacheFile());
 }

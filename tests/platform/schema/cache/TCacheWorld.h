@@ -22,6 +22,10 @@ class TCacheWorld {
   /// false make it believe none.
   void TrustStamps(bool isTrusted) const;
 
+  /// Waits until the clock of the file system ticks: what is changed from then on shows by its
+  /// stamp.
+  void AwaitTick() const;
+
   std::string GetPath(const std::string& name) const { return folder.GetPath() + "/" + name; }
   std::string GetCacheFile() const { return GetPath("cache/x.cache"); }
   std::string ReadCache() const;
