@@ -19,6 +19,7 @@
 #include "platform/cmpi/TCMPIOperations.h"
 #include "platform/cmpi/abi/cmpi.h"
 #include "platform/contract/TQELException.h"
+#include "tests/platform/cmpi/LibraryBytes.h"
 
 namespace NZEPQEL20 {
 namespace {
@@ -144,15 +145,15 @@ TEST_F(MisbehavingProvidersTest, ManyUndeclaredClassesAreOneLineWithTheirNumber)
 TEST_F(MisbehavingProvidersTest, ALibraryThatIsCutOffIsAReasonWhileOthersGoOn) {
   Host("twice", "nodone");
   const std::string library = GetFolder() + "libtwice.so";
-  std::string bytes(9000, '\0');
-  std::ifstream(library, std::ios::binary).read(bytes.data(), 9000);
+  const std::string whole = ReadBytes(library);
+  const std::size_t half = FindLoadedEnd(whole) / 2;
   unlink(library.c_str());
-  std::ofstream(library, std::ios::binary) << bytes;
+  std::ofstream(library, std::ios::binary) << whole.substr(0, half);
   m_operations->OpenLibraries();
   EXPECT_THAT(m_operations->GetProblems(),
-              testing::ElementsAre("provider library " + library +
-                                   " cannot be loaded: the file is cut off: it has 9000 bytes, and "
-                                   "a segment of it ends behind them; ship a library for this "
+              testing::ElementsAre("provider library " + library + " cannot be loaded: the file " +
+                                   DescribeCut(half) +
+                                   "; ship a library for this "
                                    "machine; see rule R14"));
   EXPECT_EQ(Enumerate("BAD_Base").size(), 1U);
 }

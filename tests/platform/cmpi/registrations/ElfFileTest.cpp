@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "platform/cmpi/LibraryLoading.h"
@@ -16,11 +14,6 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::HasSubstr;
-
-std::string ReadLibrary(const std::string& name) {
-  std::ifstream file(std::string(DIAGS_VENDOR_DIR) + "/" + name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 TEST(ElfFileTest, TellsSymbolsNeedsAndNameOfALibrary) {
   const TElfFile common(std::string(DIAGS_VENDOR_DIR) + "/libvendorCommon.so");

@@ -5,8 +5,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "platform/cmpi/LibraryLoading.h"
@@ -16,11 +14,6 @@ namespace NZEPQEL20 {
 namespace {
 
 using ::testing::HasSubstr;
-
-std::string ReadLibrary(const std::string& name) {
-  std::ifstream file(std::string(DIAGS_VENDOR_DIR) + "/" + name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// A vendor's folder with copies of libraries of the test tree.
 class LibraryLoadingTest : public testing::Test {

@@ -6,6 +6,7 @@
 
 #include "platform/cmpi/TRegistrations.h"
 #include "platform/cmpi/VendorFiles.h"
+#include "tests/platform/cmpi/LibraryBytes.h"
 #include "tests/support/TTemporaryFolder.h"
 
 namespace NZEPQEL20 {
@@ -19,6 +20,11 @@ class TVendor : public TTemporaryFolder {
     return registrations;
   }
 };
+
+/// The bytes of a library that the tests of this folder are built with.
+inline std::string ReadLibrary(const std::string& name) {
+  return ReadBytes(std::string(DIAGS_VENDOR_DIR) + "/" + name);
+}
 
 /// Reads `text` as a vendor's only registration file.
 inline TRegistrations ReadText(const std::string& text, const std::string& name) {
