@@ -4,7 +4,7 @@ option(DIAGSRUNNER_TESTS "Build the tests" ON)
 option(DIAGSRUNNER_BENCH "Build the benchmarks" OFF)
 option(DIAGSRUNNER_FUZZ "Build the libFuzzer targets (Clang only)" OFF)
 option(DIAGSRUNNER_TEST_PROGRAMS "A test program runs in four processes, not in one for each test" OFF)
-option(DIAGSRUNNER_PCH "Precompile what every test includes; faster, and blind to missing includes" OFF)
+option(DIAGSRUNNER_UNITY_TESTS "Compile many sources of a test as one; faster, and blind to missing includes" OFF)
 set(DIAGSRUNNER_SANITIZE "" CACHE STRING "Sanitizers for every target, e.g. address,undefined")
 
 add_library(diags_options INTERFACE)
