@@ -21,17 +21,9 @@ std::unique_ptr<TClassRepository> ReadFiles(const TSchemaInputs& inputs,
   for (const std::string& folder : inputs.folders) {
     classes->AddSearchPath(folder);
   }
-  auto text = inputs.texts.begin();
-  const auto takeTexts = [&](std::size_t place) {
-    for (; text != inputs.texts.end() && text->place <= place; ++text) {
-      take(classes->LoadText(text->text, text->name));
-    }
-  };
-  for (std::size_t i = 0; i < inputs.files.size(); ++i) {
-    takeTexts(i);
-    take(classes->Load(inputs.files[i]));
+  for (const std::string& file : inputs.files) {
+    take(classes->Load(file));
   }
-  takeTexts(inputs.files.size());
   take(classes->Check());
   return classes;
 }

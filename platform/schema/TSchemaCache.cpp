@@ -42,38 +42,16 @@ std::vector<std::string> DecodeTexts(TByteReader& in) {
 void EncodeInputs(TByteWriter& out, const TSchemaInputs& inputs) {
   EncodeTexts(out, inputs.files);
   EncodeTexts(out, inputs.folders);
-  out.PutCount(inputs.texts.size());
-  for (const TSchemaText& text : inputs.texts) {
-    out.PutText(text.name);
-    out.PutText(text.text);
-    out.PutLong(text.place);
-  }
 }
 
 TSchemaInputs DecodeInputs(TByteReader& in) {
   TSchemaInputs inputs;
   inputs.files = DecodeTexts(in);
   inputs.folders = DecodeTexts(in);
-  inputs.texts.resize(in.TakeCount(2 * kLeastText + sizeof(std::uint64_t)));
-  for (TSchemaText& text : inputs.texts) {
-    text.name = in.TakeText();
-    text.text = in.TakeText();
-    text.place = static_cast<std::size_t>(in.TakeLong());
-  }
   return inputs;
 }
 
-bool IsSameText(const TSchemaText& left, const TSchemaText& right) {
-  return left.name == right.name && left.text == right.text && left.place == right.place;
-}
-
 }  // namespace
-
-bool operator==(const TSchemaInputs& left, const TSchemaInputs& right) {
-  return left.files == right.files && left.folders == right.folders &&
-         std::equal(left.texts.begin(), left.texts.end(), right.texts.begin(), right.texts.end(),
-                    IsSameText);
-}
 
 void TSchemaCache::EncodeHeader(std::string& bytes, const TRecord& index,
                                 std::int64_t trustedBefore) {

@@ -14,20 +14,14 @@
 
 namespace NZEPQEL20 {
 
-/// MOF that lies in no file.
-struct TSchemaText {
-  std::string name;  ///< Stands for the file; nothing is included relative to it.
-  std::string text;
-  std::size_t place = 0;  ///< It is read before the file at this place.
-};
-
 /// What a schema is loaded from, in the order of loading.
 struct TSchemaInputs {
-  std::vector<std::string> files;  ///< Absolute paths.
-  std::vector<TSchemaText> texts;
+  std::vector<std::string> files;    ///< Absolute paths.
   std::vector<std::string> folders;  ///< Where missing superclasses are looked for; absolute.
 
-  friend bool operator==(const TSchemaInputs& left, const TSchemaInputs& right);
+  friend bool operator==(const TSchemaInputs& left, const TSchemaInputs& right) {
+    return left.files == right.files && left.folders == right.folders;
+  }
 };
 
 /// A loaded schema as it was stored in a file: an index that is read at once, and a record for

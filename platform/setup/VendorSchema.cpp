@@ -88,12 +88,6 @@ std::string MakeCanonical(const std::string& file) {
   return error ? file : real.string();
 }
 
-std::vector<std::string> FindIncludes(const std::string& file) {
-  TMofOutlines outlines;
-  TFolderNames names;
-  return FindTargets(file, outlines, names);
-}
-
 std::vector<std::string> FindAllIncludes(const std::vector<std::string>& files) {
   std::vector<std::string> found;
   std::vector<std::string> open = files;

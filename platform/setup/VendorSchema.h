@@ -17,11 +17,8 @@ std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files);
 std::vector<std::string> OrderByIncludes(const std::vector<std::string>& files,
                                          TMofOutlines& outlines);
 
-/// The files that the MOF file includes by its own words, where they lead from there; what cannot
-/// be read includes nothing.
-std::vector<std::string> FindIncludes(const std::string& file);
-
-/// The files that `files` include, and those that these include; only such as are there.
+/// The files that `files` include, and those that these include; only such as are there. What
+/// cannot be read includes nothing.
 std::vector<std::string> FindAllIncludes(const std::vector<std::string>& files);
 
 }  // namespace NZEPQEL20::setup

@@ -149,8 +149,10 @@ TEST_F(VendorFolderTest, IncludesAreFoundWhereverTheyLead) {
       "m/a.mof",
       "  #  PRAGMA\tInclude ( \"inner\\b.mof\" )\r\n#pragma locale (\"en_US\")\n"
       "#pragma include (\"gone.mof\")\n//#pragma include (\"x.mof\")\n#pragma include");
-  EXPECT_THAT(FindIncludes(file), ElementsAre(inner, m_root.GetPath() + "/m/gone.mof"));
-  EXPECT_THAT(FindIncludes("/no/such.mof"), IsEmpty());
+  m_root.Write("m/x.mof", "");
+  EXPECT_THAT(FindAllIncludes({file, "/no/such.mof"}), ElementsAre(inner));
+  const std::string late = m_root.Write("m/gone.mof", "#pragma include (\"x.mof\")");
+  EXPECT_THAT(FindAllIncludes({file}), ElementsAre(inner, late, m_root.GetPath("m/x.mof")));
   EXPECT_THAT(OrderByIncludes({inner, file}), ElementsAre(file, inner));
 }
 

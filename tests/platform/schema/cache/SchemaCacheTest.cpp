@@ -31,7 +31,7 @@ TEST(SchemaCacheTest, ASecondLoadGivesTheSameFromTheCache) {
   // What the comparison is worth: there is something to compare.
   EXPECT_EQ(second.problems.size(), 3U);
   EXPECT_EQ(second.classes->GetInstances().size(), 3U);
-  EXPECT_EQ(second.classes->GetCount(), 5U);
+  EXPECT_EQ(second.classes->GetCount(), 4U);
   EXPECT_FALSE(second.classes->IsComplete("V_Child"));
   EXPECT_TRUE(second.classes->IsA("V_Child", "V_Gone"));
 }
@@ -53,7 +53,6 @@ TEST(SchemaCacheTest, AFullSchemaComesWholeFromTheCache) {
   TCacheWorld world;
   constexpr std::size_t kCount = 120;
   world.inputs.files = {fullschema::Write(world.GetPath("full"), kCount)};
-  world.inputs.texts.clear();
   world.Load();
   const TLoadedSchema second = world.Load();
   EXPECT_TRUE(second.isFromCache);
@@ -161,10 +160,6 @@ INSTANTIATE_TEST_SUITE_P(
                     [](TCacheWorld& w) { Write(w, "search/v_gone.MOF", "class V_Gone { };"); }},
             TChange{"ByASuperclassInAFolderThatIsThereNow",
                     [](TCacheWorld& w) { Write(w, "nowhere/V_Gone.mof", "class V_Gone { };"); }},
-            TChange{"ByAText",
-                    [](TCacheWorld& w) { w.inputs.texts.push_back({"t.mof", "class T_T { };", 1}); }},
-            TChange{"OfAText", [](TCacheWorld& w) { w.inputs.texts[0].text = "class T_U { };"; }},
-            TChange{"OfThePlaceOfAText", [](TCacheWorld& w) { w.inputs.texts[0].place = 0; }},
             TChange{"OfTheFoldersThatAreSearched",
                     [](TCacheWorld& w) { w.inputs.folders.pop_back(); }}),
         ::testing::Bool()),
@@ -172,22 +167,6 @@ INSTANTIATE_TEST_SUITE_P(
       return std::string(std::get<0>(row.param).name) +
              (std::get<1>(row.param) ? "WhenStampsAreOld" : "WhenStampsAreYoung");
     });
-
-TEST(SchemaCacheTest, TextsAreReadInTheirPlacesAmongTheFiles) {
-  TCacheWorld world;
-  world.inputs.files = {world.folder.Write("schema/1.mof", "class O_O { uint8 one; };"),
-                        world.folder.Write("schema/2.mof", "class O_P { uint8 two; };")};
-  world.inputs.texts = {{"t.mof", "class O_O { uint8 text; };", 1},
-                        {"u.mof", "class O_P { uint8 text; };", 1},
-                        {"v.mof", "class O_Q { };", 2}};
-  for (const bool isFromCache : {false, true}) {
-    const TLoadedSchema loaded = world.Load();
-    EXPECT_EQ(loaded.isFromCache, isFromCache);
-    EXPECT_NE(loaded.classes->Find("O_O")->FindProperty("text"), nullptr);
-    EXPECT_NE(loaded.classes->Find("O_P")->FindProperty("two"), nullptr);
-    EXPECT_NE(loaded.classes->Find("O_Q"), nullptr);
-  }
-}
 
 TEST(SchemaCacheTest, ALinkThatLeadsElsewhereNowIsNoticed) {
   TCacheWorld world;

@@ -54,7 +54,6 @@ TCacheWorld::TCacheWorld() {
   folder.Write("schema/sub/Node.mof", kNode);
   folder.Write("search/other.mof", "class V_Other { };");
   inputs.folders = {GetPath("search"), GetPath("nowhere")};
-  inputs.texts = {{"text.mof", "class T_T { };", 1}};
   place.folders = {GetPath("cache")};
   place.fileName = "x.cache";
   place.leastSize = 0;
