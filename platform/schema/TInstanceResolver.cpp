@@ -54,6 +54,12 @@ bool IsSameInstance(const TCIMInstanceData& left, const TCIMInstanceData& right)
                     });
 }
 
+/// The place that the error names, or `otherwise` where what failed does not know of files.
+TMofPosition FindPlace(const TQELException& error, TMofPosition otherwise) {
+  const auto* placed = dynamic_cast<const TMofValueError*>(&error);
+  return placed != nullptr ? placed->position : otherwise;
+}
+
 }  // namespace
 
 TInstanceResolver::TInstanceResolver(const TClassRepository& classes,
@@ -85,8 +91,8 @@ std::vector<TCIMInstanceData> TInstanceResolver::Resolve() {
     try {
       instance.path = MakePath(i);
       AddUnlessSame(std::move(instance), source, instances);
-    } catch (const TMofValueError& error) {
-      m_problems.AddError(source.file, error.position, error.what());
+    } catch (const TQELException& error) {
+      m_problems.AddError(source.file, FindPlace(error, source.position), error.what());
     }
   }
   return instances;
@@ -160,8 +166,8 @@ bool TInstanceResolver::ResolveProperty(const TMofInstance& source,
                                     property.value.isArray, embedded);
     result.properties.push_back({name, std::move(value)});
     return true;
-  } catch (const TMofValueError& error) {
-    m_problems.AddError(source.file, error.position,
+  } catch (const TQELException& error) {
+    m_problems.AddError(source.file, FindPlace(error, property.value.position),
                         "property " + property.name + ": " + error.what());
     return false;
   }
@@ -171,7 +177,7 @@ TCIMValue TInstanceResolver::Convert(const TMofInstance& source, const TMofIniti
                                      ECIMType type, bool isArray, unsigned int embedded) {
   const bool isNull = !value.isArray && value.literals.front().kind == TMofLiteral::EKind::kNull;
   const bool isPlain = type != ECIMType::kReference && type != ECIMType::kInstance;
-  if (isNull || isPlain || value.isArray != isArray) {
+  if (isNull || isPlain || (value.isArray && !isArray)) {
     return ConvertOrMend(source, value, type, isArray);
   }
   if (!isArray) {
@@ -180,6 +186,10 @@ TCIMValue TInstanceResolver::Convert(const TMofInstance& source, const TMofIniti
   TCIMValue::TArray elements;
   for (const TMofLiteral& literal : value.literals) {
     elements.push_back(ConvertOne(source, literal, type, embedded));
+  }
+  if (!value.isArray) {
+    m_problems.AddWarning(source.file, value.position,
+                          "expected an array between '{' and '}'; it is taken as one");
   }
   return TCIMValue::Array(type, std::move(elements));
 }
@@ -253,7 +263,7 @@ TCIMReference TInstanceResolver::FindAlias(const TMofInstance& source, const TMo
     TCIMReference path = MakePath(found->second);
     --m_aliasDepth;
     return path;
-  } catch (const TMofValueError& error) {
+  } catch (const TQELException& error) {
     --m_aliasDepth;
     throw TMofValueError(literal.position, error.what());
   }

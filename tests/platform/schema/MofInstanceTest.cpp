@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+
 #include "tests/platform/schema/SchemaSupport.h"
 
 namespace {
@@ -64,6 +66,70 @@ TEST(MofInstanceTest, EmbeddedInstancesAreReadFromTheirText) {
   EXPECT_EQ(inner->Find("Name")->value, TCIMValue("i"));
   EXPECT_EQ(inner->Find("Inner")->value.ToInstance()->Find("Size")->value, TCIMValue::UInt16(9));
 }
+
+/// Classes with what holds one embedded instance, several of them, and one as a key.
+constexpr const char* kHolders =
+    "class A_In { string s; };\n"
+    "class A_Out { [Key] string k; [EmbeddedObject] string many[]; "
+    "[EmbeddedInstance(\"A_In\")] string some[]; [EmbeddedObject] string one; };\n"
+    "class A_Odd { [Key, EmbeddedObject] string k[]; };\n";
+
+TEST(MofInstanceTest, OneEmbeddedInstanceMayStandForAnArrayOfThem) {
+  TClassRepository repository;
+  EXPECT_EQ(LoadLines(repository,
+                      std::string(kHolders) +
+                          "instance of A_Out { k = \"1\"; many = \"instance of A_In { s = "
+                          "\\\"x\\\"; };\"; some = \"instance of A_In { s = \\\"y\\\"; };\"; };"),
+            TLines());
+  EXPECT_EQ(
+      Lines(repository.Check()),
+      (TLines{"t.mof:4:37: warning: expected an array between '{' and '}'; it is taken as one",
+              "t.mof:4:80: warning: expected an array between '{' and '}'; it is taken as "
+              "one"}));
+  const auto instances = repository.GetInstances();
+  ASSERT_EQ(instances.size(), 1U);
+  const auto many = static_cast<std::vector<TCIMValue>>(instances[0].Find("many")->value);
+  ASSERT_EQ(many.size(), 1U);
+  ASSERT_NE(many[0].ToInstance(), nullptr);
+  EXPECT_EQ(many[0].ToInstance()->Find("s")->value, TCIMValue("x"));
+  EXPECT_TRUE(instances[0].Find("some")->value.IsArray());
+}
+
+struct TEmbeddedRow {
+  const char* name;
+  const char* mof;
+};
+void PrintTo(const TEmbeddedRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class MofEmbeddedFaultTest : public ::testing::TestWithParam<TEmbeddedRow> {};
+
+TEST_P(MofEmbeddedFaultTest, IsTheInstancesOwnAndNamesItsPlace) {
+  TClassRepository repository;
+  LoadLines(repository,
+            std::string(kHolders) + GetParam().mof + "\ninstance of A_Out { k = \"good\"; };");
+  const TLines lines = Lines(repository.Check());
+  EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+    return line.find("t.mof:4:") == 0 && line.find("warning") == std::string::npos;
+  })) << ::testing::PrintToString(lines);
+  const auto instances = repository.GetInstances();
+  ASSERT_EQ(instances.size(), 1U);
+  EXPECT_EQ(instances[0].Find("k")->value, TCIMValue("good"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, MofEmbeddedFaultTest,
+    ::testing::Values(
+        TEmbeddedRow{"Text", "instance of A_Out { k = \"1\"; many = \"rubbish\"; };"},
+        TEmbeddedRow{"Number", "instance of A_Out { k = \"1\"; many = 5; };"},
+        TEmbeddedRow{"Alias", "instance of A_Out { k = \"1\"; some = $Any; };"},
+        TEmbeddedRow{"Mixed", "instance of A_Out { k = \"1\"; some = { 5, \"x\" }; };"},
+        TEmbeddedRow{"ArrayForOne", "instance of A_Out { k = \"1\"; one = { \"x\" }; };"},
+        TEmbeddedRow{"NumberForOne", "instance of A_Out { k = \"1\"; one = 5; };"},
+        TEmbeddedRow{"Key", "instance of A_Odd { k = \"rubbish\"; };"},
+        TEmbeddedRow{"NoKey", "instance of A_Odd { };"}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(MofInstanceTest, NamespacesAreSwitchedByPragma) {
   TClassRepository repository;
