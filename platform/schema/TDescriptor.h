@@ -8,10 +8,11 @@
 namespace NZEPQEL20 {
 
 /// A file descriptor, closed at the end of its life; below 0 for none.
+/// Owns: the descriptor.
 class TDescriptor {
  public:
   explicit TDescriptor(int number = -1) : m_number(number) {}
-  TDescriptor(TDescriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
+  TDescriptor(TDescriptor&& other) noexcept : m_number(other.Release()) {}
   TDescriptor& operator=(TDescriptor&& other) noexcept {
     std::swap(m_number, other.m_number);
     return *this;
@@ -23,6 +24,8 @@ class TDescriptor {
   }
 
   int Get() const { return m_number; }
+  /// Hands the number over to the caller.
+  int Release() noexcept { return std::exchange(m_number, -1); }
   bool IsOpen() const { return m_number >= 0; }
 
  private:

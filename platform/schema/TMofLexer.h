@@ -58,13 +58,6 @@ class TMofLexer {
   bool m_isRaw = false;
 };
 
-/// Appends the character `codePoint` in UTF-8; a surrogate or one beyond U+10FFFF becomes U+FFFD.
-void AppendUtf8(std::string& out, unsigned int codePoint);
-
-/// The character that `text`, valid UTF-8, starts with; `length` becomes its bytes. 0 for an empty
-/// text.
-unsigned int DecodeUtf8(std::string_view text, std::size_t& length);
-
 /// The number literal `text` as a token's value; false when it is none. Sets `kind`, `magnitude`,
 /// `isNegative`, `isOverflow` and `real` of `token`.
 bool ParseMofNumber(std::string_view text, TMofToken& token);

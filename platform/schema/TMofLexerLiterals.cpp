@@ -3,12 +3,11 @@
 #include <limits>
 
 #include "platform/schema/TMofLexer.h"
+#include "platform/schema/Utf8.h"
 
 namespace NZEPQEL20 {
 
 namespace {
-
-constexpr unsigned int kReplacement = 0xFFFD;
 
 bool IsHighSurrogate(unsigned int unit) {
   return unit >= 0xD800 && unit <= 0xDBFF;
@@ -68,50 +67,6 @@ bool ParseReal(std::string_view text, TMofToken& token) {
 }
 
 }  // namespace
-
-unsigned int DecodeUtf8(std::string_view text, std::size_t& length) {
-  const auto byte = [text](std::size_t i) {
-    return i < text.size() ? static_cast<unsigned int>(static_cast<unsigned char>(text[i])) : 0U;
-  };
-  const unsigned int first = byte(0);
-  if (first < 0x80) {
-    length = 1;
-    return first;
-  }
-  if (first < 0xE0) {
-    length = 2;
-    return ((first & 0x1FU) << 6U) | (byte(1) & 0x3FU);
-  }
-  if (first < 0xF0) {
-    length = 3;
-    return ((first & 0x0FU) << 12U) | ((byte(1) & 0x3FU) << 6U) | (byte(2) & 0x3FU);
-  }
-  length = 4;
-  return ((first & 0x07U) << 18U) | ((byte(1) & 0x3FU) << 12U) | ((byte(2) & 0x3FU) << 6U) |
-         (byte(3) & 0x3FU);
-}
-
-void AppendUtf8(std::string& out, unsigned int codePoint) {
-  if (codePoint > 0x10FFFF || IsHighSurrogate(codePoint) || IsLowSurrogate(codePoint)) {
-    codePoint = kReplacement;
-  }
-  const auto put = [&out](unsigned int byte) { out.push_back(static_cast<char>(byte)); };
-  if (codePoint < 0x80) {
-    put(codePoint);
-  } else if (codePoint < 0x800) {
-    put(0xC0U | (codePoint >> 6U));
-    put(0x80U | (codePoint & 0x3FU));
-  } else if (codePoint < 0x10000) {
-    put(0xE0U | (codePoint >> 12U));
-    put(0x80U | ((codePoint >> 6U) & 0x3FU));
-    put(0x80U | (codePoint & 0x3FU));
-  } else {
-    put(0xF0U | (codePoint >> 18U));
-    put(0x80U | ((codePoint >> 12U) & 0x3FU));
-    put(0x80U | ((codePoint >> 6U) & 0x3FU));
-    put(0x80U | (codePoint & 0x3FU));
-  }
-}
 
 bool ParseMofNumber(std::string_view text, TMofToken& token) {
   if (!text.empty() && (text[0] == '+' || text[0] == '-')) {

@@ -15,7 +15,7 @@
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/contract/TQELException.h"
 #include "platform/schema/TDescriptor.h"
-#include "platform/schema/TMofLexer.h"
+#include "platform/schema/Utf8.h"
 
 namespace NZEPQEL20 {
 
@@ -45,65 +45,6 @@ void CheckKind(int fd, TFileStamp& stamp) {
     throw TQELException(TQELStatusCode::kInvalidArgument, "larger than 256 MiB");
   }
   stamp.Take(info);
-}
-
-/// Length of the valid UTF-8 sequence at `i`, 0 when there is none.
-std::size_t GetSequenceLength(const std::string& text, std::size_t i) {
-  const auto byte = [&text](std::size_t at) {
-    return at < text.size() ? static_cast<unsigned int>(static_cast<unsigned char>(text[at])) : 0U;
-  };
-  const unsigned int first = byte(i);
-  const auto isTail = [&byte, i](std::size_t offset) {
-    return (byte(i + offset) & 0xC0U) == 0x80U;
-  };
-  if (first < 0x80) {
-    return 1;
-  }
-  if (first >= 0xC2 && first <= 0xDF) {
-    return isTail(1) ? 2 : 0;
-  }
-  if (first >= 0xE0 && first <= 0xEF) {
-    const bool isOverlong = first == 0xE0 && byte(i + 1) < 0xA0;
-    const bool isSurrogate = first == 0xED && byte(i + 1) > 0x9F;
-    return isTail(1) && isTail(2) && !isOverlong && !isSurrogate ? 3 : 0;
-  }
-  if (first >= 0xF0 && first <= 0xF4) {
-    const bool isOverlong = first == 0xF0 && byte(i + 1) < 0x90;
-    const bool isBeyond = first == 0xF4 && byte(i + 1) > 0x8F;
-    return isTail(1) && isTail(2) && isTail(3) && !isOverlong && !isBeyond ? 4 : 0;
-  }
-  return 0;
-}
-
-std::string MendUtf8(std::string bytes) {
-  std::string mended;
-  std::size_t good = 0;
-  std::size_t i = 0;
-  while (i < bytes.size()) {
-    // Nearly all is ASCII: eight bytes at a time.
-    std::uint64_t word = 0;
-    while (i + sizeof(word) <= bytes.size()) {
-      std::memcpy(&word, bytes.data() + i, sizeof(word));
-      if ((word & 0x8080808080808080U) != 0) {
-        break;
-      }
-      i += sizeof(word);
-    }
-    if (i == bytes.size()) {
-      break;
-    }
-    const std::size_t length = GetSequenceLength(bytes, i);
-    if (length == 0) {
-      mended.append(bytes, good, i - good);
-      AppendUtf8(mended, static_cast<unsigned char>(bytes[i]));
-      good = i + 1;
-    }
-    i += std::max<std::size_t>(length, 1);
-  }
-  if (good == 0) {
-    return bytes;
-  }
-  return mended.append(bytes, good, std::string::npos);
 }
 
 std::string ConvertUtf16(const std::string& bytes, bool isBigEndian) {

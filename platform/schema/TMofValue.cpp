@@ -10,6 +10,7 @@
 
 #include "platform/contract/TCIMReference.h"
 #include "platform/schema/TMofLexer.h"
+#include "platform/schema/Utf8.h"
 
 namespace NZEPQEL20 {
 

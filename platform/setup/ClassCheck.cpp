@@ -12,6 +12,7 @@
 #include "platform/setup/FolderInstall.h"
 #include "platform/setup/InstalledFiles.h"
 #include "platform/setup/InstalledSchema.h"
+#include "platform/setup/NameList.h"
 #include "platform/setup/VendorSchema.h"
 
 namespace NZEPQEL20::setup {
@@ -21,8 +22,7 @@ namespace fs = std::filesystem;
 
 /// Whether the file is one of the folder; the installation's own are not its fault.
 bool IsOfFolder(const std::string& path, const std::string& folder) {
-  const std::string file = fs::path(path).lexically_normal().string();
-  return file.compare(0, folder.size() + 1, folder + '/') == 0;
+  return IsBelow(fs::path(path).lexically_normal().string(), folder);
 }
 
 bool HasKey(const TCIMClassDeclaration& declaration) {
@@ -41,16 +41,6 @@ std::string FindMissingSuperclass(const TClassRepository& classes,
     above = next->superclass;
   }
   return {};
-}
-
-/// As the run time has them: with the other vendors', and from the cache.
-TPackageClasses LoadInstalledClasses(const std::string& root) {
-  TLoadedSchema schema = LoadInstalledSchema(root).schema;
-  TPackageClasses loaded;
-  loaded.errors = std::move(schema.problems);
-  loaded.classes = std::move(schema.classes);
-  loaded.leftOut = std::move(schema.leftOut);
-  return loaded;
 }
 
 /// The vendors' folders in the order in which they are read, with the package in the place of what
@@ -135,17 +125,6 @@ std::set<std::string> FindOwnInstances(const TClassRepository& classes) {
   return names;
 }
 
-/// A few of the names: "a, b, c and 2 more".
-std::string NameFirst(const std::vector<std::string>& names) {
-  constexpr std::size_t kNamed = 3;
-  std::string text;
-  for (std::size_t i = 0; i < std::min(names.size(), kNamed); ++i) {
-    text += (i > 0 ? ", " : "") + names[i];
-  }
-  if (names.size() <= kNamed) return text;
-  return text + " and " + std::to_string(names.size() - kNamed) + " more";
-}
-
 /// How a fault of one class, or of several, is told.
 struct TFaultWords {
   bool isWarning;
@@ -182,7 +161,7 @@ class TClassFaults {
   static std::string Name(const TGroup& entries) {
     std::vector<std::string> names;
     for (const TRegistration* entry : entries) names.push_back(entry->className);
-    return (names.size() == 1 ? "class " : "classes ") + NameFirst(names);
+    return (names.size() == 1 ? "class " : "classes ") + ListNames(names);
   }
 
   const TFaultWords m_words;
@@ -196,13 +175,11 @@ std::string CountMore(std::size_t count) {
 }  // namespace
 
 TPackageClasses LoadPackageClasses(const std::string& root, const TProviderPackage& package) {
-  if (IsBelow(package.folder, root + "/providers")) return LoadInstalledClasses(root);
-  TLoadedSchema schema = LoadSchema(GatherInputs(root, package), {});
-  TPackageClasses loaded;
-  loaded.errors = std::move(schema.problems);
-  loaded.classes = std::move(schema.classes);
-  loaded.leftOut = std::move(schema.leftOut);
-  return loaded;
+  // An installed one as the run time has it: with the other vendors', and from the cache.
+  const bool isInstalled = IsBelow(package.folder, root + "/providers");
+  TLoadedSchema schema =
+      isInstalled ? LoadInstalledSchema(root).schema : LoadSchema(GatherInputs(root, package), {});
+  return {std::move(schema.classes), std::move(schema.problems), std::move(schema.leftOut)};
 }
 
 std::vector<TProviderFinding> CheckMof(const TPackageClasses& loaded, const std::string& folder,
@@ -235,8 +212,8 @@ std::vector<TProviderFinding> CheckInstances(const TClassRepository& classes,
   const std::set<std::string> names = FindOwnInstances(own);
   if (names.empty()) return {};
   return {{true, kMofRule,
-           package.folder + ": the MOF has instances of " +
-               NameFirst({names.begin(), names.end()}) + ", and nobody is shown them",
+           package.folder + ": the MOF has instances of " + ListNames(names) +
+               ", and nobody is shown them",
            "have a provider give them, and register it for their classes"}};
 }
 

@@ -42,11 +42,6 @@ std::vector<fs::directory_entry> ReadFolder(const fs::path& folder,
   return found;
 }
 
-bool IsMof(const fs::path& file) {
-  const std::string extension = file.extension().string();
-  return extension == ".mof" || extension == ".MOF";
-}
-
 // Puts the reduced classes that are shipped in front: a whole schema that lies beside them holds,
 // however its files are called.
 void PutShippedFirst(const fs::path& folder, std::vector<std::string>& files) {
@@ -76,7 +71,7 @@ class TSchemaTree {
       if (entry.path().filename().string().front() == '.') continue;
       if (entry.is_directory(error)) {
         folders.push_back(entry);
-      } else if (IsMof(entry)) {
+      } else if (IsMofName(entry.path().string())) {
         m_files.push_back(entry.path().string());
       }
     }

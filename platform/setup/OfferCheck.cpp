@@ -6,7 +6,7 @@
 #include <set>
 
 #include "platform/cmpi/TProviders.h"
-#include "platform/contract/TCIMInstanceData.h"
+#include "platform/setup/NameList.h"
 
 namespace NZEPQEL20::setup {
 namespace {
@@ -18,22 +18,10 @@ constexpr char kLink[] = "CIM_AvailableDiagnosticService";
 constexpr char kTest[] = "CIM_DiagnosticService";
 constexpr char kTestRule[] = "T1";
 
-bool IsA(const TClassRepository& classes, const std::string& className, const char* wanted) {
-  std::string name = className;
-  for (unsigned int depth = 0; depth < TClassRepository::kMaxInheritance && !name.empty();
-       ++depth) {
-    if (IsSameName(name, wanted)) return true;
-    const auto declaration = classes.Find(name);
-    if (declaration == nullptr) return false;
-    name = declaration->superclass;
-  }
-  return false;
-}
-
 TServices FindKind(const TClassRepository& classes, const TServices& services, const char* wanted) {
   TServices found;
   for (const TProviderService& service : services) {
-    if (IsA(classes, service.className, wanted)) found.push_back(service);
+    if (classes.IsA(service.className, wanted)) found.push_back(service);
   }
   return found;
 }
@@ -47,20 +35,6 @@ bool IsFound(const TProviderService& service) {
 
 bool IsIn(const TProviderService& service, const std::string& nameSpace) {
   return service.nameSpace == "*" || cmpi::IsSameNamespace(service.nameSpace, nameSpace);
-}
-
-/// A few of the names, each once: "a, b, c and 2 more".
-std::string Name(const std::set<std::string>& names) {
-  constexpr std::size_t kNamed = 3;
-  std::string text;
-  std::size_t count = 0;
-  for (const std::string& name : names) {
-    if (++count > kNamed) break;
-    if (count > 1) text += ", ";
-    text += name;
-  }
-  if (names.size() <= kNamed) return text;
-  return text + " and " + std::to_string(names.size() - kNamed) + " more";
 }
 
 /// Whether another folder joins tests to devices; it may do so for those of this one.
@@ -83,7 +57,7 @@ TProviderFinding MakeNotFound(const TProviderPackage& package, const TServices& 
   std::set<std::string> names;
   for (const TProviderService& link : links) names.insert(link.className);
   return {true, kTestRule,
-          package.folder + ": " + Name(names) +
+          package.folder + ": " + ListNames(names) +
               ": registered neither as instance nor as association, so that no test of it is found",
           "add the type instance to the registration"};
 }
@@ -93,7 +67,7 @@ TProviderFinding MakeElsewhere(const TProviderPackage& package, const TServices&
   std::set<std::string> spaces;
   for (const TProviderService& service : services) spaces.insert(service.nameSpace);
   return {true, kTestRule,
-          package.folder + ": is registered in " + Name(spaces) +
+          package.folder + ": is registered in " + ListNames(spaces) +
               ", and `diagsrun list` looks in " + nameSpace,
           "`diagsrun --namespace " + *spaces.begin() + " list` looks there"};
 }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/setup/TDescriptor.h"
+#include "platform/schema/TDescriptor.h"
 
 namespace NZEPQEL20::setup {
 

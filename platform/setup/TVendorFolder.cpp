@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/contract/TQELException.h"
+#include "platform/schema/TFileStamp.h"
 #include "platform/setup/FolderInstall.h"
 
 namespace NZEPQEL20::setup {
@@ -149,11 +150,11 @@ class TWalk {
 }  // namespace
 
 std::string DescribeState(const struct stat& status) {
+  TFileStamp stamp;
+  stamp.Take(status);
   std::ostringstream text;
-  // The last one is the system's own: nobody can set it.
-  text << status.st_dev << ' ' << status.st_ino << ' ' << status.st_size << ' '
-       << status.st_mtim.tv_sec << '.' << status.st_mtim.tv_nsec << ' ' << status.st_ctim.tv_sec
-       << '.' << status.st_ctim.tv_nsec;
+  text << stamp.device << ' ' << stamp.inode << ' ' << stamp.size << ' ' << stamp.modified << ' '
+       << stamp.changed;
   return text.str();
 }
 

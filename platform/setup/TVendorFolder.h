@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/setup/TDescriptor.h"
+#include "platform/schema/TDescriptor.h"
 
 namespace NZEPQEL20::setup {
 

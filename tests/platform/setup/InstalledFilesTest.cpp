@@ -41,7 +41,7 @@ TEST(InstalledFilesTest, AWholeSchemaMayLieInFoldersOfItsOwn) {
   const TTemporaryFolder root;
   const std::string core = root.Write("schema/cim_2.41/Core/CIM_A.mof", "");
   const std::string master = root.Write("schema/cim_2.41/cim.MOF", "");
-  const std::string device = root.Write("schema/cim_2.41/Device/CIM_B.mof", "");
+  const std::string device = root.Write("schema/cim_2.41/Device/CIM_B.Mof", "");
   root.Write("schema/cim_2.41/Device/notes.txt", "");
   root.Write("schema/cim_2.41/Device/._CIM_B.mof", "");
   root.Write("schema/.old/CIM_C.mof", "");
