@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
@@ -177,7 +178,7 @@ bool TMofLexer::ReadHexChar(TMofToken& token) {
 }
 
 void TMofLexer::ReadChar(TMofToken& token) {
-  ++m_next;
+  const std::size_t start = ++m_next;
   // Half of a surrogate pair is a unit, and no character of a text.
   if (At() == '\\' && (At(1) == 'x' || At(1) == 'X') && ReadHexChar(token)) {
     return;
@@ -201,6 +202,10 @@ void TMofLexer::ReadChar(TMofToken& token) {
   if (!isClosed || content.empty() || length != content.size() || unit > 0xFFFF || !isKnown) {
     token.kind = EMofToken::kBad;
     token.value = "expected one character between single quotes";
+    if (!isClosed) {
+      // What ends the value, and the class behind it, is not part of the character.
+      m_next = std::min(m_next, m_text.find_first_of(";,})]", start));
+    }
     return;
   }
   token.kind = EMofToken::kChar;

@@ -52,7 +52,36 @@ TMofToken TMofParser::Take() {
   m_first = (m_first + 1) % m_ahead.size();
   --m_aheadCount;
   ++m_taken;
+  if (token.kind == EMofToken::kSymbol) {
+    CountOpen(token);
+  }
   return token;
+}
+
+void TMofParser::CountOpen(const TMofToken& token) {
+  const auto close = [](std::size_t& count) { count -= count > 0 ? 1 : 0; };
+  switch (token.text[0]) {
+    case '{':
+      ++m_open.braces;
+      break;
+    case '}':
+      close(m_open.braces);
+      break;
+    case '[':
+      ++m_open.brackets;
+      break;
+    case ']':
+      close(m_open.brackets);
+      break;
+    case '(':
+      ++m_open.parentheses;
+      break;
+    case ')':
+      close(m_open.parentheses);
+      break;
+    default:
+      break;
+  }
 }
 
 bool TMofParser::IsSymbol(char symbol, std::size_t ahead) {
@@ -175,23 +204,35 @@ bool TMofParser::IsDeclarationStart() {
 }
 
 void TMofParser::SkipToDeclaration() {
-  std::size_t depth = 0;
+  m_open = {};
   while (Peek().kind != EMofToken::kEnd && !IsDeclarationStart()) {
-    if (depth == 0 && IsSymbol('[') && Peek(1).kind == EMofToken::kIdentifier) {
-      return;
-    }
-    if (TakeSymbol('{')) {
-      ++depth;
-    } else if (TakeSymbol('}')) {
-      depth -= depth > 0 ? 1 : 0;
-    } else if (TakeSymbol(';')) {
-      if (depth == 0) {
+    if (IsSymbol('[') && Peek(1).kind == EMofToken::kIdentifier) {
+      // Where a brace is missing, what follows is still deep in the faulty declaration.
+      if (m_open.braces == 0 || TakeQualifiersOfNext()) {
         return;
       }
-    } else {
-      Take();
+    } else if (Take().text == ";" && m_open.braces == 0) {
+      return;
     }
   }
+}
+
+bool TMofParser::TakeQualifiersOfNext() {
+  try {
+    TQualifiers qualifiers = ParseQualifiers();
+    if (IsDeclarationStart()) {
+      if (!IsSymbol('#') && !IsWord("qualifier")) {
+        m_pending = std::move(qualifiers);
+      }
+      return true;
+    }
+  } catch (const TSyntaxError& error) {
+    // What is skipped has had its error.
+    if (error.isFatal) {
+      throw;
+    }
+  }
+  return false;
 }
 
 void TMofParser::ParseEnd(const std::string& what) {

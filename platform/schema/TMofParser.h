@@ -24,12 +24,19 @@ class TMofParser {
 
  private:
   struct TSyntaxError;
+  /// What a feature, or a property of an instance, has opened and not closed yet.
+  struct TOpen {
+    std::size_t braces = 0;
+    std::size_t brackets = 0;
+    std::size_t parentheses = 0;
+  };
   using TQualifiers = std::vector<TMofQualifier>;
 
   // Tokens.
   /// The token `ahead` (at most 3) behind the next one.
   const TMofToken& Peek(std::size_t ahead = 0);
   TMofToken Take();
+  void CountOpen(const TMofToken& token);
   bool IsSymbol(char symbol, std::size_t ahead = 0);
   bool IsWord(const char* word, std::size_t ahead = 0);
   bool TakeSymbol(char symbol);
@@ -45,6 +52,8 @@ class TMofParser {
   void ParseDeclaration();
   bool IsDeclarationStart();
   void SkipToDeclaration();
+  /// Whether the qualifiers that are next are those of a declaration; they are kept for it.
+  bool TakeQualifiersOfNext();
   void ParseEnd(const std::string& what);
   void ParsePragma();
   void ParseNamespace(const std::string& text);
@@ -53,6 +62,8 @@ class TMofParser {
   void ParseClass(TQualifiers&& qualifiers);
   bool ParseFeature(TMofClass& declaration);
   bool IsClassCutOff();
+  /// Reports a class or instance without its '}'; `qualifiers` are those of what comes next.
+  void ReportCutOff(const std::string& what, TQualifiers&& qualifiers);
   bool IsClosingBrace();
   void SkipFeature();
   void ParseTypeAndName(TMofElement& element);
@@ -64,7 +75,8 @@ class TMofParser {
 
   // Instances.
   void ParseInstance();
-  void ParseInstanceProperty(TMofInstance& instance);
+  /// False where the next declaration stands instead.
+  bool ParseInstanceProperty(TMofInstance& instance, const std::string& what);
 
   // Qualifiers.
   TQualifiers ParseQualifiers();
@@ -90,6 +102,7 @@ class TMofParser {
   std::size_t m_aheadCount = 0;
   std::size_t m_taken = 0;  ///< Tokens taken so far, to see whether a step made progress.
   std::size_t m_errorCount = 0;
+  TOpen m_open;           ///< Of the feature that is being read.
   TQualifiers m_pending;  ///< Qualifiers that were read before their class was recognised.
 };
 

@@ -68,6 +68,13 @@ bool TMofParser::IsClassCutOff() {
   return Peek().kind == EMofToken::kEnd || IsDeclarationStart();
 }
 
+void TMofParser::ReportCutOff(const std::string& what, TQualifiers&& qualifiers) {
+  m_pending = std::move(qualifiers);
+  Report(Peek().position, "expected '}' at the end of " + what +
+                              (Peek().kind == EMofToken::kEnd ? ", found end of file"
+                                                              : ", found the next declaration"));
+}
+
 bool TMofParser::ParseFeature(TMofClass& declaration) {
   if (IsSymbol('}')) {
     return true;
@@ -76,17 +83,14 @@ bool TMofParser::ParseFeature(TMofClass& declaration) {
     Warn(Take().position, "';' without a feature");
     return true;
   }
+  m_open = {};
   try {
     TQualifiers qualifiers;
     if (IsSymbol('[')) {
       qualifiers = ParseQualifiers();
     }
     if (IsClassCutOff()) {
-      m_pending = std::move(qualifiers);
-      Report(Peek().position,
-             "expected '}' at the end of class " + declaration.name +
-                 (Peek().kind == EMofToken::kEnd ? ", found end of file"
-                                                 : ", found the next declaration"));
+      ReportCutOff("class " + declaration.name, std::move(qualifiers));
       return false;
     }
     TMofElement element;
@@ -108,7 +112,7 @@ bool TMofParser::ParseFeature(TMofClass& declaration) {
 }
 
 bool TMofParser::IsClosingBrace() {
-  if (!IsSymbol('}')) {
+  if (!IsSymbol('}') || m_open.braces != 0) {
     return false;
   }
   // The brace of an array goes on with its qualifier, or ends a property that others follow.
@@ -125,6 +129,11 @@ void TMofParser::SkipFeature() {
   // feature whatever is still open.
   while (!IsClassCutOff() && !IsClosingBrace()) {
     if (TakeSymbol(';')) {
+      return;
+    }
+    const bool isOpen = m_open.braces + m_open.brackets + m_open.parentheses != 0;
+    if (!isOpen && IsSymbol('[') && Peek(1).kind == EMofToken::kIdentifier) {
+      // Qualifiers of the next feature: this one lacks its semicolon.
       return;
     }
     Take();
@@ -154,9 +163,11 @@ void TMofParser::ParseTypeAndName(TMofElement& element) {
 }
 
 bool TMofParser::ParseArrayMark() {
-  if (!TakeSymbol('[')) {
+  // What else follows a bracket is the qualifier of the next feature.
+  if (!IsSymbol('[') || (Peek(1).kind != EMofToken::kInteger && !IsSymbol(']', 1))) {
     return false;
   }
+  Take();
   if (Peek().kind == EMofToken::kInteger) {
     const TMofToken size = Take();
     if (size.isNegative || size.magnitude == 0) {
@@ -240,28 +251,36 @@ void TMofParser::ParseInstance() {
   const std::string what = "the instance of " + instance.className;
   Expect('{', "before the properties of " + what);
   const std::size_t errors = m_problems.GetErrorCount();
-  while (!IsSymbol('}')) {
-    if (IsClassCutOff()) {
-      Fail("'}' at the end of " + what);
-    }
-    if (IsSymbol(';')) {
-      Warn(Take().position, "';' without a property");
-      continue;
-    }
-    ParseInstanceProperty(instance);
+  bool isClosed = false;
+  while (!isClosed && ParseInstanceProperty(instance, what)) {
+    isClosed = TakeSymbol('}');
   }
-  Take();
   // With a property lost it would be another instance.
   if (m_problems.GetErrorCount() == errors) {
     m_sink.OnInstance(m_source.name, std::move(instance));
   }
-  ParseEnd(what);
+  if (isClosed) {
+    ParseEnd(what);
+  }
 }
 
-void TMofParser::ParseInstanceProperty(TMofInstance& instance) {
+bool TMofParser::ParseInstanceProperty(TMofInstance& instance, const std::string& what) {
+  if (IsSymbol('}')) {
+    return true;
+  }
+  if (IsSymbol(';')) {
+    Warn(Take().position, "';' without a property");
+    return true;
+  }
+  m_open = {};
   try {
+    TQualifiers qualifiers;
     if (IsSymbol('[')) {
-      ParseQualifiers();
+      qualifiers = ParseQualifiers();
+    }
+    if (IsClassCutOff()) {
+      ReportCutOff(what, std::move(qualifiers));
+      return false;
     }
     const TMofToken name = ExpectName("the name of a property");
     Reserve(kFeatureWeight, name.position);
@@ -282,6 +301,7 @@ void TMofParser::ParseInstanceProperty(TMofInstance& instance) {
     Report(error.position, error.what());
     SkipFeature();
   }
+  return true;
 }
 
 }  // namespace NZEPQEL20

@@ -131,7 +131,8 @@ INSTANTIATE_TEST_SUITE_P(
         TErrorRow{"instance of A_Last { p = 1 };",
                   "t.mof:1:28: expected ';' after property p, found '}'"},
         TErrorRow{"instance of A_Last { p = 1;",
-                  "t.mof:2:1: expected '}' at the end of the instance of A_Last, found 'class'"}));
+                  "t.mof:2:1: expected '}' at the end of the instance of A_Last, found the next "
+                  "declaration"}));
 
 TEST(MofErrorsTest, EveryMistakeOfAClassIsReportedAndTheRestOfItStays) {
   TClassRepository repository;
