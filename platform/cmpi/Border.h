@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/cmpi/TCancelShield.h"
 #include "platform/cmpi/abi/cmpi.h"
 
 namespace NZEPQEL20::cmpi {
@@ -43,11 +44,12 @@ inline CMPIData FailedResult<CMPIData>() noexcept {
   return MissingData();
 }
 
-/// Runs `action` as the body of a function that providers call: no exception leaves it, and `rc`
-/// (which may be NULL) always receives both members.
+/// Runs `action` as the body of a function that providers call: no exception leaves it, the thread
+/// is not cancelled in it, and `rc` (which may be NULL) always receives both members.
 template <class TAction>
 auto Answer(CMPIStatus* rc, TAction&& action) noexcept -> decltype(action()) {
   using TResult = decltype(action());
+  const TCancelShield shield;
   try {
     TResult result = action();
     if (rc != nullptr) *rc = CMPIStatus{CMPI_RC_OK, nullptr};
@@ -62,6 +64,7 @@ auto Answer(CMPIStatus* rc, TAction&& action) noexcept -> decltype(action()) {
 /// The same for a function that returns its status.
 template <class TAction>
 CMPIStatus AnswerStatus(TAction&& action) noexcept {
+  const TCancelShield shield;
   try {
     action();
     return CMPIStatus{CMPI_RC_OK, nullptr};

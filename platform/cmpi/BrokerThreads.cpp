@@ -72,7 +72,9 @@ CMPI_THREAD_TYPE NewThread(CMPIThreadFunc function, void* argument, int detached
   return handle;
 }
 
-int JoinThread(CMPI_THREAD_TYPE thread, CMPI_THREAD_RETURN* result) noexcept {
+/// Not noexcept, like all that wait here: a thread that waits may be cancelled, which unwinds its
+/// stack through here.
+int JoinThread(CMPI_THREAD_TYPE thread, CMPI_THREAD_RETURN* result) {
   return thread == nullptr ? EINVAL : pthread_join(ToThread(thread), result);
 }
 

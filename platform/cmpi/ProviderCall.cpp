@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "platform/cmpi/TBrokerString.h"
+#include "platform/cmpi/TCancelShield.h"
 #include "platform/cmpi/TChildSignalWatch.h"
 #include "platform/cmpi/TWantedProperties.h"
 #include "platform/model/CIMStatus.h"
@@ -72,6 +73,8 @@ TQELException TCallOutcome::ToException(const std::string& what) const {
 
 TCallOutcome CallProvider(TBroker& broker, const TCallSite& site, TBrokerResult::EKind kind,
                           const TProviderFunction& function) {
+  // The thread may be another provider's, come here by way of an upcall: this one is not to pay.
+  const TCancelShield shield;
   TCallOutcome outcome;
   if (callDepth >= kMaxDepth) {
     outcome.code = CMPI_RC_ERR_FAILED;

@@ -32,7 +32,7 @@ using TProviderFunction = std::function<CMPIStatus(const CMPIContext*, const CMP
 
 /// Calls into a provider: gives it a context for `site`, a result for `kind`, and a scope for the
 /// objects that it makes. What the provider throws becomes CMPI_RC_ERR_FAILED, and so does a
-/// call from too deep within others.
+/// call from too deep within others. The thread is not cancelled meanwhile.
 TCallOutcome CallProvider(TBroker& broker, const TCallSite& site, TBrokerResult::EKind kind,
                           const TProviderFunction& function);
 

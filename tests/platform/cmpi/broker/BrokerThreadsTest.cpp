@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <pthread.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <stdexcept>
 
+#include "platform/cmpi/ProviderCall.h"
+#include "platform/contract/TRootObject.h"
 #include "tests/platform/cmpi/broker/TBrokerTest.h"
 
 namespace NZEPQEL20::cmpi {
@@ -56,6 +60,87 @@ TEST_F(BrokerThreadsTest, AThreadCanBeCancelled) {
   CMPI_THREAD_TYPE thread = Xft().newThread(sleep, nullptr, 0);
   EXPECT_EQ(Xft().cancelThread(thread), 0);
   EXPECT_EQ(Xft().joinThread(thread, nullptr), 0);
+}
+
+TEST_F(BrokerThreadsTest, AThreadThatWaitsForAnotherCanBeCancelled) {
+  theThreads = &Xft();
+  const auto sleep = [](void*) -> void* {
+    theThreads->threadSleep(60000);
+    return nullptr;
+  };
+  const auto wait = [](void* other) -> void* {
+    theThreads->joinThread(other, nullptr);
+    return nullptr;
+  };
+  CMPI_THREAD_TYPE sleeper = Xft().newThread(sleep, nullptr, 0);
+  CMPI_THREAD_TYPE waiter = Xft().newThread(wait, sleeper, 0);
+  CMPI_THREAD_RETURN result = nullptr;
+  EXPECT_EQ(Xft().cancelThread(waiter), 0);
+  EXPECT_EQ(Xft().joinThread(waiter, &result), 0);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+  EXPECT_EQ(Xft().cancelThread(sleeper), 0);
+  EXPECT_EQ(Xft().joinThread(sleeper, nullptr), 0);
+}
+
+/// A log whose every line is a place to be cancelled at, as those that write to files are.
+class TInterruptibleLog : public ILogger {
+ public:
+  TInterruptibleLog() { TRootObject::SetCoreLogger(this); }
+  ~TInterruptibleLog() override { TRootObject::SetCoreLogger(nullptr); }
+  void Log(EQELLogSeverity, const std::string&) override {
+    pthread_testcancel();
+    ++m_lines;
+  }
+  int GetLines() const { return m_lines; }
+
+ private:
+  std::atomic<int> m_lines{0};
+};
+
+TEST_F(BrokerThreadsTest, ACancelledThreadEndsBehindTheFunctionThatItIsIn) {
+  const TInterruptibleLog log;
+  const auto tell = [](void* given) -> void* {
+    const auto* broker = static_cast<const CMPIBroker*>(given);
+    broker->xft->cancelThread(reinterpret_cast<CMPI_THREAD_TYPE>(pthread_self()));
+    broker->eft->logMessage(broker, CMPI_SEV_ERROR, "id", "a status", nullptr);
+    broker->eft->trace(broker, CMPI_LEV_INFO, "component", "a line", nullptr);
+    broker->xft->threadSleep(60000);
+    return nullptr;
+  };
+  CMPI_THREAD_RETURN result = nullptr;
+  Xft().joinThread(Xft().newThread(tell, const_cast<CMPIBroker*>(m_broker), 0), &result);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+  EXPECT_EQ(log.GetLines(), 2);
+}
+
+TEST_F(BrokerThreadsTest, ACancelledThreadEndsBehindTheProviderThatItAsks) {
+  struct TWork {
+    TBroker* broker;
+    TCallOutcome outcome;
+  } work = {&m_taken, {}};
+  const auto ask = [](void* given) -> void* {
+    auto* own = static_cast<TWork*>(given);
+    pthread_cancel(pthread_self());
+    own->outcome = CallProvider(*own->broker, {"root/test"}, TBrokerResult::EKind::kNothing,
+                                [](const CMPIContext*, const CMPIResult*) {
+                                  pthread_testcancel();
+                                  return CMPIStatus{CMPI_RC_ERR_ACCESS_DENIED, nullptr};
+                                });
+    pthread_testcancel();
+    return nullptr;
+  };
+  CMPI_THREAD_RETURN result = nullptr;
+  Xft().joinThread(Xft().newThread(ask, &work, 0), &result);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+  EXPECT_EQ(work.outcome.code, CMPI_RC_ERR_ACCESS_DENIED);
+}
+
+TEST_F(BrokerThreadsTest, AThreadThatIsNotToBeCancelledStaysSo) {
+  int before = PTHREAD_CANCEL_ENABLE;
+  pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
+  NewString("text");
+  pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, &before);
+  EXPECT_EQ(before, PTHREAD_CANCEL_DISABLE);
 }
 
 TEST_F(BrokerThreadsTest, AnActionRunsOnce) {
