@@ -2,6 +2,7 @@
 #include "host/Commands.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <exception>
 #include <memory>
 #include <ostream>
@@ -14,25 +15,16 @@
 #include "host/TTextReport.h"
 #include "host/TerminateHandler.h"
 #include "host/Text.h"
+#include "platform/setup/NameList.h"
 
 namespace host {
 namespace {
 
 using NZEPQEL20::TUnofferedTest;
+using NZEPQEL20::setup::ListNames;
 
 constexpr char kClassNotFound[] = "Class Not Found\n";
-
-// The first few, and how many there are more.
-std::string JoinNames(const std::vector<std::string>& names) {
-  constexpr std::size_t kMaxNames = 5;
-  std::string text;
-  for (std::size_t i = 0; i < names.size() && i < kMaxNames; ++i) {
-    text += (i == 0 ? "" : ", ") + names[i];
-  }
-  return names.size() <= kMaxNames
-             ? text
-             : text + " and " + std::to_string(names.size() - kMaxNames) + " more";
-}
+constexpr std::size_t kMaxNames = 5;  ///< Named in one line.
 
 // One command at work.
 class TCommand {
@@ -112,11 +104,11 @@ void TCommand::ShowWhereTestsAre(bool isExplained) {
   if (places.otherNamespaces.empty() && (places.classes.empty() || isExplained)) return;
   std::string line = places.classes.empty()
                          ? "nobody is registered for CIM_AvailableDiagnosticService in "
-                         : "no provider of " + JoinNames(places.classes) +
+                         : "no provider of " + ListNames(places.classes, kMaxNames) +
                                " answered with a test for a device in ";
   line += m_options.nameSpace;
   if (!places.otherNamespaces.empty()) {
-    line += "; tests are registered in " + JoinNames(places.otherNamespaces) +
+    line += "; tests are registered in " + ListNames(places.otherNamespaces, kMaxNames) +
             "; --namespace looks there";
   }
   Complain(line);
