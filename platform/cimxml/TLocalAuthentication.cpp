@@ -14,6 +14,7 @@
 #include "platform/cimxml/HttpText.h"
 #include "platform/cimxml/TChallenge.h"
 #include "platform/contract/TQELException.h"
+#include "platform/schema/TDescriptor.h"
 
 namespace NZEPQEL20::cimxml {
 namespace {
@@ -32,20 +33,6 @@ constexpr std::size_t kMaxEntry = std::size_t{1} << 20U;
 std::string DescribeErrno(int number) {
   return std::generic_category().message(number);
 }
-
-class TFileDescriptor {
- public:
-  explicit TFileDescriptor(int number) : m_number(number) {}
-  ~TFileDescriptor() {
-    if (m_number >= 0) ::close(m_number);
-  }
-  TFileDescriptor(const TFileDescriptor&) = delete;
-  TFileDescriptor& operator=(const TFileDescriptor&) = delete;
-  int Get() const { return m_number; }
-
- private:
-  int m_number;
-};
 
 // What can stand between quotes in a header field.
 bool IsPlain(const std::string& text) {
@@ -149,7 +136,7 @@ std::string TLocalAuthentication::Answer(const std::string& file) const {
   }
   CheckPlace(file, m_directories);
   // Without waiting: opening a pipe would otherwise last until somebody writes to it.
-  const TFileDescriptor opened(
+  const TDescriptor opened(
       ::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
   if (opened.Get() < 0) {
     Refuse(file, errno == ELOOP ? std::string("it is a symbolic link") : DescribeErrno(errno));

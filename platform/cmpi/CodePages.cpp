@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 #include "platform/cmpi/Border.h"
+#include "platform/schema/Utf8.h"
 
 namespace NZEPQEL20::cmpi {
 
@@ -49,27 +51,6 @@ std::vector<std::uint16_t> ReadUnits(const char* text) {
   }
 }
 
-void AppendUtf8(std::uint32_t character, std::string& text) {
-  const auto tail = [&](unsigned int shift) {
-    text += static_cast<char>(0x80U | ((character >> shift) & 0x3FU));
-  };
-  if (character < 0x80) {
-    text += static_cast<char>(character);
-  } else if (character < 0x800) {
-    text += static_cast<char>(0xC0U | (character >> 6U));
-    tail(0);
-  } else if (character < 0x10000) {
-    text += static_cast<char>(0xE0U | (character >> 12U));
-    tail(6);
-    tail(0);
-  } else {
-    text += static_cast<char>(0xF0U | (character >> 18U));
-    tail(12);
-    tail(6);
-    tail(0);
-  }
-}
-
 std::string FromUtf16(const char* text) {
   const std::vector<std::uint16_t> units = ReadUnits(text);
   std::string result;
@@ -80,21 +61,9 @@ std::string FromUtf16(const char* text) {
     } else if (IsHighSurrogate(character) || IsLowSurrogate(character)) {
       RefuseText("UTF-16");
     }
-    AppendUtf8(character, result);
+    AppendUtf8(result, character);
   }
   return result;
-}
-
-/// The character at `at` of valid UTF-8, which is moved behind it.
-std::uint32_t ReadUtf8(const std::string& text, std::size_t& at) {
-  const auto lead = static_cast<unsigned char>(text[at++]);
-  if (lead < 0x80) return lead;
-  const unsigned int count = lead < 0xE0 ? 1 : (lead < 0xF0 ? 2 : 3);
-  std::uint32_t character = lead & (0x3FU >> count);
-  for (unsigned int i = 0; i < count; ++i) {
-    character = (character << 6U) | (static_cast<unsigned char>(text[at++]) & 0x3FU);
-  }
-  return character;
 }
 
 std::vector<char> ToUtf16(const std::string& text) {
@@ -104,8 +73,10 @@ std::vector<char> ToUtf16(const std::string& text) {
     const auto* start = reinterpret_cast<const char*>(&unit);
     bytes.insert(bytes.end(), start, start + sizeof unit);
   };
-  for (std::size_t at = 0; at < text.size();) {
-    const std::uint32_t character = ReadUtf8(text, at);
+  for (std::string_view rest = text; !rest.empty();) {
+    std::size_t length = 0;
+    const std::uint32_t character = DecodeUtf8(rest, length);
+    rest.remove_prefix(length);
     if (character < 0x10000) {
       append(character);
     } else {

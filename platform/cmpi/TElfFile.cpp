@@ -15,6 +15,8 @@
 #include <optional>
 #include <system_error>
 
+#include "platform/schema/TDescriptor.h"
+
 namespace NZEPQEL20 {
 
 namespace {
@@ -82,8 +84,8 @@ class TPieces {
       fault = "is no library (not a regular file)";
       return;
     }
-    m_number = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (m_number < 0 || ::fstat(m_number, &status) != 0) {
+    m_file = TDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!m_file.IsOpen() || ::fstat(m_file.Get(), &status) != 0) {
       fault = DescribeError();
     } else if (!S_ISREG(status.st_mode)) {
       fault = "is no library (not a regular file)";
@@ -91,11 +93,6 @@ class TPieces {
       m_size = static_cast<std::uint64_t>(status.st_size);
     }
   }
-  ~TPieces() {
-    if (m_number >= 0) ::close(m_number);
-  }
-  TPieces(const TPieces&) = delete;
-  TPieces& operator=(const TPieces&) = delete;
 
   std::uint64_t GetSize() const { return m_size; }
 
@@ -107,7 +104,7 @@ class TPieces {
   bool Read(std::uint64_t offset, void* target, std::uint64_t size) const {
     auto* place = static_cast<char*>(target);
     while (size > 0) {
-      const ssize_t count = ::pread(m_number, place, size, static_cast<off_t>(offset));
+      const ssize_t count = ::pread(m_file.Get(), place, size, static_cast<off_t>(offset));
       if (count < 0 && errno == EINTR) continue;
       if (count <= 0) return false;
       place += count;
@@ -127,7 +124,7 @@ class TPieces {
   }
 
  private:
-  int m_number = -1;
+  TDescriptor m_file;
   std::uint64_t m_size = 0;
 };
 
