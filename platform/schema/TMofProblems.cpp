@@ -14,16 +14,15 @@ std::string TMofError::ToString() const {
 }
 
 void TMofProblems::Add(TMofError&& error) {
-  if (m_errors.size() < kMaxKept) {
+  // A flood of the one must not hide where the other is.
+  std::size_t& count = error.isWarning ? m_warningCount : m_errorCount;
+  if (++count <= kMaxKept) {
     m_errors.push_back(std::move(error));
-  } else {
-    ++m_unkept;
   }
 }
 
 void TMofProblems::AddError(const std::string& file, TMofPosition position,
                             const std::string& text) {
-  ++m_errorCount;
   Add({file, position.line, position.column, text, false});
 }
 
@@ -33,12 +32,14 @@ void TMofProblems::AddWarning(const std::string& file, TMofPosition position,
 }
 
 std::vector<TMofError> TMofProblems::Take() {
-  if (m_unkept != 0) {
-    const std::string more = std::to_string(m_unkept);
-    m_errors.push_back({m_errors.back().file, 0, 0, "further problems not listed: " + more, false});
+  const std::size_t unkept = m_errorCount + m_warningCount - m_errors.size();
+  if (unkept != 0) {
+    const bool isWarning = m_errorCount <= kMaxKept;
+    m_errors.push_back({m_errors.back().file, 0, 0,
+                        "further problems not listed: " + std::to_string(unkept), isWarning});
   }
   m_errorCount = 0;
-  m_unkept = 0;
+  m_warningCount = 0;
   return std::exchange(m_errors, {});
 }
 

@@ -16,7 +16,7 @@ class TMofProblems {
   /// Errors of one file after which the rest of it is not read.
   static constexpr std::size_t kMaxErrors = 1000;
 
-  /// Problems that are kept; what comes behind them is only counted.
+  /// Errors that are kept, and as many warnings; what comes behind them is only counted.
   static constexpr std::size_t kMaxKept = 5000;
 
   void AddError(const std::string& file, TMofPosition position, const std::string& text);
@@ -25,7 +25,8 @@ class TMofProblems {
   /// Errors so far, without the warnings.
   std::size_t GetErrorCount() const { return m_errorCount; }
 
-  /// Everything kept, with a last line about what was only counted. Leaves the collection empty.
+  /// Everything kept, with a last line about what was only counted: a warning when that is
+  /// warnings alone. Leaves the collection empty.
   std::vector<TMofError> Take();
 
  private:
@@ -33,7 +34,7 @@ class TMofProblems {
 
   std::vector<TMofError> m_errors;
   std::size_t m_errorCount = 0;
-  std::size_t m_unkept = 0;
+  std::size_t m_warningCount = 0;
 };
 
 }  // namespace NZEPQEL20

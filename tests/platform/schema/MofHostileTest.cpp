@@ -5,6 +5,7 @@
 
 #include "platform/schema/TMofLexer.h"
 #include "platform/schema/TMofParser.h"
+#include "platform/schema/TMofProblems.h"
 #include "tests/platform/schema/SchemaSupport.h"
 
 namespace {
@@ -85,8 +86,32 @@ TEST(MofHostileTest, AFloodOfWarningsIsCounted) {
   TClassRepository repository;
   const TLines lines = LoadLines(repository, text);
   EXPECT_EQ(lines.size(), 5001U);
-  EXPECT_EQ(lines.back(), "t.mof: further problems not listed: 1000");
+  EXPECT_EQ(lines.back(), "t.mof: warning: further problems not listed: 1000");
   EXPECT_EQ(repository.GetCount(), 6000U);
+}
+
+TEST(MofHostileTest, AnErrorBehindAFloodOfWarningsHasItsPlace) {
+  std::string text;
+  for (int i = 0; i < 6000; ++i) {
+    text += "class A_" + std::to_string(i) + " { }\n";
+  }
+  TClassRepository repository;
+  const TLines lines = LoadLines(repository, text + "class A_B { uint8 p = ; };");
+  ASSERT_EQ(lines.size(), 5002U);
+  EXPECT_EQ(lines[5000], "t.mof:6001:23: expected a constant, found ';'");
+  EXPECT_EQ(lines[5001], "t.mof: warning: further problems not listed: 1000");
+}
+
+TEST(MofHostileTest, ThatErrorsAreNotListedIsAnError) {
+  // Those of one file are bounded, those of all that are taken together are not.
+  NZEPQEL20::TMofProblems problems;
+  for (std::size_t i = 0; i < NZEPQEL20::TMofProblems::kMaxKept + 2; ++i) {
+    problems.AddError("t.mof", {1, 1}, "x");
+  }
+  const TLines lines = Lines(problems.Take());
+  ASSERT_EQ(lines.size(), NZEPQEL20::TMofProblems::kMaxKept + 1);
+  EXPECT_EQ(lines.back(), "t.mof: further problems not listed: 2");
+  EXPECT_TRUE(problems.Take().empty());
 }
 
 TEST(MofHostileTest, WhatOneElementMayHoldIsBounded) {
