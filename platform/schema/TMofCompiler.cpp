@@ -167,7 +167,7 @@ TCIMValue TMofCompiler::ConvertOrMend(const TMofQualifier& qualifier,
   try {
     return ConvertQualifierValue(qualifier.value, type.type, type.isArray);
   } catch (const TMofValueError& error) {
-    const auto mended = MendInitializer(qualifier.value, type.type, type.isArray);
+    const auto mended = MendQualifierValue(qualifier.value, type.type, type.isArray);
     if (!mended) {
       throw;
     }

@@ -80,16 +80,20 @@ class TMofParser {
 
   // Qualifiers.
   TQualifiers ParseQualifiers();
+  void ParseQualifierList(TQualifiers& qualifiers);
   TMofQualifier ParseQualifier();
+  void ParseQualifierValue(TMofQualifier& qualifier);
   void ParseFlavor(TMofFlavors& flavors);
   void ParseQualifierDeclaration();
   void ParseFlavors(TMofFlavors& flavors);
   void ParseScopes();
 
   // Constants.
-  TMofInitializer ParseInitializer();
-  void ParseArray(TMofInitializer& initializer);
-  TMofLiteral ParseLiteral();
+  /// With `takesWords` a word that is no constant is taken as a string.
+  TMofInitializer ParseInitializer(bool takesWords = false);
+  void ParseArray(TMofInitializer& initializer, bool takesWords);
+  TMofLiteral ParseLiteral(bool takesWords);
+  bool IsBareWord();
   std::string ParseString();
 
   const TMofSource& m_source;

@@ -22,17 +22,35 @@ bool IsScope(const std::string& name) {
                      [&name](const char* scope) { return IsSameName(name, scope); });
 }
 
+/// Flavors that say nothing about how a qualifier is inherited, some of other systems among them.
+bool IsFlavorWithoutMeaning(const std::string& name) {
+  constexpr std::array<const char*, 4> kNames = {"Translatable", "ToInstance", "NotToInstance",
+                                                 "Amended"};
+  return std::any_of(kNames.begin(), kNames.end(),
+                     [&name](const char* known) { return IsSameName(name, known); });
+}
+
 }  // namespace
 
 std::vector<TMofQualifier> TMofParser::ParseQualifiers() {
   TQualifiers qualifiers;
+  ParseQualifierList(qualifiers);
+  while (IsSymbol('[') && Peek(1).kind == EMofToken::kIdentifier) {
+    Warn(Peek().position, "a second '[' before one element; its qualifiers are added");
+    ParseQualifierList(qualifiers);
+  }
+  return qualifiers;
+}
+
+void TMofParser::ParseQualifierList(TQualifiers& qualifiers) {
   Expect('[', "before the qualifiers");
   if (IsSymbol(']')) {
     Warn(Take().position, "'[' and ']' with no qualifier between them");
-    return qualifiers;
+    return;
   }
+  const std::size_t before = m_taken;
   do {
-    if (!qualifiers.empty() && IsSymbol(']')) {
+    if (m_taken != before && IsSymbol(']')) {
       Warn(Peek().position, "',' behind the last qualifier");
       break;
     }
@@ -53,7 +71,6 @@ std::vector<TMofQualifier> TMofParser::ParseQualifiers() {
     }
   } while (TakeSymbol(','));
   Expect(']', "or ',' after qualifier " + qualifiers.back().name);
-  return qualifiers;
 }
 
 TMofQualifier TMofParser::ParseQualifier() {
@@ -62,20 +79,34 @@ TMofQualifier TMofParser::ParseQualifier() {
   Reserve(kQualifierWeight, name.position);
   qualifier.name = std::string(name.text);
   qualifier.position = name.position;
-  if (TakeSymbol('(')) {
-    qualifier.hasValue = true;
-    qualifier.value = ParseInitializer();
-    Expect(')', "after the value of qualifier " + qualifier.name);
-  } else if (IsSymbol('{')) {
-    qualifier.hasValue = true;
-    qualifier.value = ParseInitializer();
-  }
+  ParseQualifierValue(qualifier);
   if (TakeSymbol(':')) {
     do {
       ParseFlavor(qualifier.flavors);
     } while (Peek().kind == EMofToken::kIdentifier);
   }
   return qualifier;
+}
+
+void TMofParser::ParseQualifierValue(TMofQualifier& qualifier) {
+  if (TakeSymbol('(')) {
+    if (IsSymbol(')')) {
+      Warn(Take().position, "no value between the parentheses of qualifier " + qualifier.name);
+      return;
+    }
+    qualifier.hasValue = true;
+    qualifier.value = ParseInitializer(true);
+    Expect(')', "after the value of qualifier " + qualifier.name);
+  } else if (IsSymbol('{')) {
+    qualifier.hasValue = true;
+    qualifier.value = ParseInitializer(true);
+  } else if (IsSymbol('=')) {
+    const TMofPosition position = Take().position;
+    qualifier.hasValue = true;
+    qualifier.value = ParseInitializer(true);
+    Warn(position,
+         "'=' before the value of qualifier " + qualifier.name + ", where parentheses belong");
+  }
 }
 
 void TMofParser::ParseFlavor(TMofFlavors& flavors) {
@@ -95,7 +126,7 @@ void TMofParser::ParseFlavor(TMofFlavors& flavors) {
     }
     flavors.hasScope = true;
     flavors.toSubclass = isSubclass;
-  } else if (!IsSameName(name, "Translatable") && !IsSameName(name, "ToInstance")) {
+  } else if (!IsFlavorWithoutMeaning(name)) {
     Warn(token.position, "unknown flavor '" + name.substr(0, 40) + "' is ignored");
   }
 }
@@ -162,19 +193,19 @@ void TMofParser::ParseScopes() {
   Expect(')', "after the scopes");
 }
 
-TMofInitializer TMofParser::ParseInitializer() {
+TMofInitializer TMofParser::ParseInitializer(bool takesWords) {
   TMofInitializer initializer;
   initializer.position = Peek().position;
   if (TakeSymbol('{')) {
     initializer.isArray = true;
-    ParseArray(initializer);
+    ParseArray(initializer, takesWords);
   } else {
-    initializer.literals.push_back(ParseLiteral());
+    initializer.literals.push_back(ParseLiteral(takesWords));
   }
   return initializer;
 }
 
-void TMofParser::ParseArray(TMofInitializer& initializer) {
+void TMofParser::ParseArray(TMofInitializer& initializer, bool takesWords) {
   if (TakeSymbol('}')) {
     return;
   }
@@ -183,12 +214,12 @@ void TMofParser::ParseArray(TMofInitializer& initializer) {
       Warn(Peek().position, "',' behind the last element of the array");
       break;
     }
-    initializer.literals.push_back(ParseLiteral());
+    initializer.literals.push_back(ParseLiteral(takesWords));
   } while (TakeSymbol(','));
   Expect('}', "or ',' after an element of the array");
 }
 
-TMofLiteral TMofParser::ParseLiteral() {
+TMofLiteral TMofParser::ParseLiteral(bool takesWords) {
   using EKind = TMofLiteral::EKind;
   const TMofToken& next = Peek();
   Reserve(1, next.position);
@@ -197,6 +228,12 @@ TMofLiteral TMofParser::ParseLiteral() {
   if (next.kind == EMofToken::kString) {
     literal.kind = EKind::kString;
     literal.text = ParseString();
+    return literal;
+  }
+  if (takesWords && IsBareWord()) {
+    Warn(next.position, "a word without quotation marks; it is taken as a string");
+    literal.kind = EKind::kString;
+    literal.text = std::string(Take().text);
     return literal;
   }
   if (IsWord("true") || IsWord("false")) {
@@ -220,6 +257,15 @@ TMofLiteral TMofParser::ParseLiteral() {
   const bool isSpelt = literal.kind == EKind::kAlias || literal.kind == EKind::kReal;
   literal.text = isSpelt ? std::string(token.text) : std::string();
   return literal;
+}
+
+bool TMofParser::IsBareWord() {
+  if (Peek().kind != EMofToken::kIdentifier || IsWord("true") || IsWord("false") ||
+      IsWord("null")) {
+    return false;
+  }
+  // Behind a value that is missing stands what no value ends with.
+  return IsSymbol(')', 1) || IsSymbol('}', 1) || IsSymbol(',', 1) || IsSymbol(']', 1);
 }
 
 std::string TMofParser::ParseString() {

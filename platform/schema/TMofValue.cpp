@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/contract/TCIMInstanceData.h"
 #include "platform/contract/TCIMReference.h"
 #include "platform/schema/TMofLexer.h"
 #include "platform/schema/Utf8.h"
@@ -185,6 +186,17 @@ bool ReadNumber(TMofLiteral& literal) {
   return true;
 }
 
+/// A text that names a truth value as that.
+bool ReadBoolean(TMofLiteral& literal) {
+  const bool isTrue = IsSameName(literal.text, "true");
+  if (!isTrue && !IsSameName(literal.text, "false")) {
+    return false;
+  }
+  literal.kind = ELiteral::kBoolean;
+  literal.magnitude = isTrue ? 1 : 0;
+  return true;
+}
+
 /// Whether the constant was of another kind, and suits the type now.
 bool MendLiteral(TMofLiteral& literal, ECIMType type) {
   if (type == ECIMType::kString && literal.kind == ELiteral::kInteger && !literal.isOverflow) {
@@ -200,6 +212,9 @@ bool MendLiteral(TMofLiteral& literal, ECIMType type) {
       !literal.isOverflow && !literal.isNegative) {
     literal.kind = ELiteral::kBoolean;
     return true;
+  }
+  if (type == ECIMType::kBoolean && literal.kind == ELiteral::kString) {
+    return ReadBoolean(literal);
   }
   return IsNumber(type) && literal.kind == ELiteral::kString && ReadNumber(literal);
 }
@@ -292,6 +307,24 @@ std::optional<TMofInitializer> MendInitializer(const TMofInitializer& initialize
     return std::nullopt;
   }
   return mended;
+}
+
+std::optional<TMofInitializer> MendQualifierValue(const TMofInitializer& initializer, ECIMType type,
+                                                  bool isArray) {
+  if (type != ECIMType::kString) {
+    return MendInitializer(initializer, type, isArray);
+  }
+  TMofInitializer spelt = initializer;
+  bool isMended = false;
+  for (TMofLiteral& literal : spelt.literals) {
+    if (literal.kind == ELiteral::kBoolean) {
+      literal.text = Describe(literal);
+      literal.kind = ELiteral::kString;
+      isMended = true;
+    }
+  }
+  auto mended = MendInitializer(spelt, type, isArray);
+  return mended || !isMended ? mended : spelt;
 }
 
 ECIMType GuessType(const TMofInitializer& initializer) {

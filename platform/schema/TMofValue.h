@@ -31,9 +31,14 @@ TCIMValue ConvertInitializer(const TMofInitializer& initializer, ECIMType type, 
 TCIMValue ConvertQualifierValue(const TMofInitializer& initializer, ECIMType type, bool isArray);
 
 /// What the compilers of vendors let pass: a number for a text and a text for the number that it
-/// spells, 0 and 1 for a boolean, one constant for an array. Nothing when it is none of these.
+/// spells, 0 and 1 and their names as texts for a boolean, one constant for an array. Nothing when
+/// it is none of these.
 std::optional<TMofInitializer> MendInitializer(const TMofInitializer& initializer, ECIMType type,
                                                bool isArray);
+
+/// The same for the value of a qualifier, where a boolean may stand for a text, too.
+std::optional<TMofInitializer> MendQualifierValue(const TMofInitializer& initializer, ECIMType type,
+                                                  bool isArray);
 
 /// The type that suits the initializer best when nothing tells its type; kString for NULL.
 ECIMType GuessType(const TMofInitializer& initializer);

@@ -64,9 +64,9 @@ TEST(MofDeviationTest, InlineFlavorsAreRead) {
   EXPECT_EQ(
       LoadLines(repository,
                 "class A_A { [Key : DisableOverride ToInstance, Description(\"d\") : Restricted "
-                "Translatable, Units(\"u\") : amended] uint8 p; };"
+                "Translatable, Units(\"u\") : Amended NotToInstance loud] uint8 p; };"
                 "class A_B : A_A { [Override(\"p\")] uint8 p; };"),
-      TLines{"t.mof:1:105: warning: unknown flavor 'amended' is ignored"});
+      TLines{"t.mof:1:127: warning: unknown flavor 'loud' is ignored"});
   const auto& qualifiers = repository.Find("A_B")->properties.at(0).qualifiers;
   EXPECT_EQ(FindValue(qualifiers, "Description"), nullptr);
   EXPECT_NE(FindValue(qualifiers, "Units"), nullptr);

@@ -93,8 +93,10 @@ INSTANTIATE_TEST_SUITE_P(
     Qualifiers, MofErrorTest,
     ::testing::Values(
         TErrorRow{"[,] class A_B { };", "t.mof:1:2: expected the name of a qualifier, found ','"},
-        TErrorRow{"[Key = true] class A_B { };",
-                  "t.mof:1:6: expected ']' or ',' after qualifier Key, found '='"},
+        TErrorRow{"[Key = ] class A_B { };", "t.mof:1:8: expected a constant, found ']'"},
+        TErrorRow{"[Version(2 class A_B { };",
+                  "t.mof:1:12: expected ')' after the value of qualifier Version, found 'class'"},
+        TErrorRow{"[Version( class A_B { };", "t.mof:1:11: expected a constant, found 'class'"},
         TErrorRow{"[Version(\"2\"] class A_B { };",
                   "t.mof:1:13: expected ')' after the value of qualifier Version, found ']'"},
         TErrorRow{"[Key(5)] class A_B { };",

@@ -39,6 +39,24 @@ INSTANTIATE_TEST_SUITE_P(
                    "2: warning: '[' and ']' with no qualifier between them"},
         TVendorRow{"StraySemicolon", "class A_B { uint8 a;; uint8 b; };",
                    "21: warning: ';' without a feature"},
+        TVendorRow{"EqualsForParentheses", "[Version = \"2\"] class A_B { };",
+                   "10: warning: '=' before the value of qualifier Version, where parentheses "
+                   "belong"},
+        TVendorRow{"TwoLists", "[Abstract] [Version(\"1\")] class A_B { };",
+                   "12: warning: a second '[' before one element; its qualifiers are added"},
+        TVendorRow{"EmptyParentheses", "[Description ( )] class A_B { };",
+                   "16: warning: no value between the parentheses of qualifier Description"},
+        TVendorRow{"BareWord", "class A_B { [ArrayType(Indexed)] uint8 p[]; };",
+                   "24: warning: a word without quotation marks; it is taken as a string"},
+        TVendorRow{"BooleanForTexts", "class A_B { [Deprecated(TRUE)] uint8 p; };",
+                   "25: warning: qualifier Deprecated: TRUE is not a value of type string; it is "
+                   "taken as one"},
+        TVendorRow{"TextForBoolean", "class A_B { [Key(\"TRUE\")] uint8 p; };",
+                   "18: warning: qualifier Key: \"TRUE\" is not a value of type boolean; it is "
+                   "taken as one"},
+        TVendorRow{"BooleanText", "class A_B { boolean b = \"False\"; };",
+                   "25: warning: default of property b: \"False\" is not a value of type boolean; "
+                   "it is taken as one"},
         TVendorRow{"FlavorFirst", "Qualifier Q : uint32 = 5, Flavor(ToSubclass), Scope(class);",
                    "27: warning: Flavor stands before Scope"}),
     [](const auto& row) { return row.param.name; });
@@ -59,6 +77,30 @@ TEST(MofVendorValuesTest, TheMendedValuesHaveTheDeclaredTypes) {
   EXPECT_EQ(declaration->FindProperty("s")->defaultValue, TCIMValue("5"));
   EXPECT_TRUE(declaration->FindProperty("l")->defaultValue.IsArray());
   EXPECT_EQ(declaration->FindProperty("v")->valueMap, (TLines{"0", "1"}));
+}
+
+TEST(MofVendorValuesTest, OddQualifiersHaveTheMeaningOfThoseThatTheyStandFor) {
+  TClassRepository repository;
+  const TLines lines = LoadLines(repository,
+                                 "[Abstract = TRUE] [Version(\"1\")] class A_B { [Key(\"true\")] "
+                                 "[Write = true, Description()] "
+                                 "string k; [ArrayType(Indexed), Values { Yes, \"No\" }] uint8 "
+                                 "n[]; [Deprecated(TRUE)] boolean "
+                                 "o = \"TRUE\"; };");
+  EXPECT_EQ(lines.size(), 10U) << ::testing::PrintToString(lines);
+  const auto declaration = repository.Find("A_B");
+  ASSERT_NE(declaration, nullptr);
+  EXPECT_TRUE(declaration->isAbstract);
+  EXPECT_EQ(*FindValue(declaration->qualifiers, "Version"), TCIMValue("1"));
+  const auto& properties = declaration->properties;
+  ASSERT_EQ(properties.size(), 3U);
+  EXPECT_TRUE(properties[0].isKey);
+  EXPECT_EQ(*FindValue(properties[0].qualifiers, "Write"), TCIMValue::Boolean(true));
+  EXPECT_TRUE(FindValue(properties[0].qualifiers, "Description")->IsNull());
+  EXPECT_EQ(*FindValue(properties[1].qualifiers, "ArrayType"), TCIMValue("Indexed"));
+  EXPECT_EQ(properties[1].values, (TLines{"Yes", "No"}));
+  EXPECT_EQ(FindValue(properties[2].qualifiers, "Deprecated")->ToString(10), "TRUE");
+  EXPECT_EQ(properties[2].defaultValue, TCIMValue::Boolean(true));
 }
 
 struct TUnmended {
