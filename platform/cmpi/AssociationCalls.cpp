@@ -24,6 +24,12 @@ void Keep(std::vector<TResult>& results, const TPasses& passes) {
                 results.end());
 }
 
+std::vector<TCIMReference> NamesOf(const std::vector<TCIMInstanceData>& instances) {
+  std::vector<TCIMReference> names;
+  for (const TCIMInstanceData& data : instances) names.push_back(data.path);
+  return names;
+}
+
 }  // namespace
 
 TCallOutcome TWalk::CallFunction(
@@ -113,6 +119,24 @@ TWalk::TNames TWalk::CallReferenceNames(TGroup& group, const TFilter& filter) {
   return found;
 }
 
+bool TWalk::IsServed(const TCIMReference& path) const {
+  return !m_providers
+              .FindServicesOfObject(path.GetNamespaceName(), path.GetClassName(), ERole::kInstance)
+              .empty();
+}
+
+TCIMInstanceData TWalk::FromName(const TCIMReference& path) const {
+  if (!IsComplete(LinkOf(path))) {
+    throw TQELException(TQELStatusCode::kCIMError,
+                        m_what + ": " + path.GetPath() +
+                            " does not tell what it joins, and nobody serves its instance",
+                        CMPI_RC_ERR_NOT_SUPPORTED);
+  }
+  TCIMInstanceData data{path, {}};
+  for (const auto& [name, value] : path.GetKeys()) data.properties.push_back({name, value});
+  return data;
+}
+
 TWalk::TInstances TWalk::GetEach(const TNames& names, const char** wanted) {
   TWorstFailure failed;
   TInstances found;
@@ -125,6 +149,12 @@ TWalk::TInstances TWalk::GetEach(const TNames& names, const char** wanted) {
       const TWantedProperties scope(wanted);
       found.push_back(m_providers.GetOperations().GetInstance(path));
     } catch (const TQELException& failure) {
+      const auto declaration = m_providers.FindClass(path.GetClassName());
+      if (declaration != nullptr && declaration->isAssociation &&
+          (IsRefusal(failure) || !IsServed(path))) {
+        found.push_back(FromName(path));
+        continue;
+      }
       // It may have gone since it was named.
       if (failure.GetCIMStatus() == CMPI_RC_ERR_NOT_FOUND) continue;
       m_providers.Report(failure.what());
@@ -182,11 +212,7 @@ TWalk::TNames TWalk::AskReferenceNames(TGroup& group, const TFilter& filter) {
   } catch (const TQELException& failure) {
     if (!IsRefusal(failure)) throw;
   }
-  TNames found;
-  for (const TCIMInstanceData& data : AskReferences(group, filter, nullptr)) {
-    found.push_back(data.path);
-  }
-  return found;
+  return NamesOf(AskReferences(group, filter, nullptr));
 }
 
 std::vector<TWalk::TLink> TWalk::AskLinks(TGroup& group) {
@@ -227,8 +253,15 @@ TWalk::TNames TWalk::AskAssociatorNames(TGroup& group) {
   } catch (const TQELException& failure) {
     if (!IsRefusal(failure)) throw;
   }
+  std::vector<TLink> links;
+  try {
+    links = AskLinks(group);
+  } catch (const TQELException& failure) {
+    if (!IsRefusal(failure)) throw;
+    return NamesOf(CallAssociators(group));
+  }
   TNames found;
-  for (const TLink& link : AskLinks(group)) {
+  for (const TLink& link : links) {
     for (const TEnd* end : FarEnds(link)) {
       found.push_back(end->object);
       if (end->object.GetNamespaceName().empty()) {

@@ -152,6 +152,7 @@ CMPIStatus ModifyInstance(const CMPIBroker* mb, const CMPIContext*, const CMPIOb
     TCIMInstanceData data = *TBrokerInstance::From(instance).GetData();
     data.path = call.Target();
     Project(data, properties);
+    const TWantedProperties changed(properties);
     call.Operations().ModifyInstance(data);
   });
 }
@@ -222,6 +223,8 @@ CMPIStatus SetProperty(const CMPIBroker* mb, const CMPIContext*, const CMPIObjec
     TCIMInstanceData data;
     data.path = call.Target();
     data.properties.push_back({property, given});
+    const char* names[] = {property.c_str(), nullptr};
+    const TWantedProperties changed(names);
     call.Operations().ModifyInstance(data);
   });
 }

@@ -82,6 +82,8 @@ TServices TCMPIOperations::TParts::FindEnumerable(const std::string& nameSpace,
     });
     if (!isKnown && HasEnds(providers, name)) found.push_back(service);
   }
+  // Whoever serves the class above may have objects of this one.
+  if (found.empty()) found = providers.FindServicesOfObject(nameSpace, className, ERole::kInstance);
   return found;
 }
 

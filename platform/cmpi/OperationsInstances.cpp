@@ -70,15 +70,6 @@ class TSeen {
   std::set<std::string> m_seen;
 };
 
-/// `path` as a provider expects it: one registered for a class below that of the path knows its
-/// own class only.
-TPathContent ForService(const TProviders& providers, const TProviders::TService& service,
-                        TPathContent path) {
-  const std::string& own = service.registration->className;
-  if (providers.IsA(own, path.className)) path.className = own;
-  return path;
-}
-
 using TPassedInstance = TPassed<TBrokerInstance>;
 
 }  // namespace
@@ -98,6 +89,7 @@ void TCMPIOperations::EnumerateInstances(const std::string& nameSpace, const std
         continue;
       }
       TCIMInstanceData data = m_parts->Finish(content, nameSpace, service.registration->className);
+      if (!providers.IsA(data.path.GetClassName(), className)) continue;
       if (seen.IsNew(data.path) && !sink(std::move(data))) return false;
     }
     return true;
@@ -123,6 +115,7 @@ std::vector<TCIMReference> TCMPIOperations::EnumerateInstanceNames(const std::st
         continue;
       }
       TCIMReference name = m_parts->Finish(path, nameSpace, service.registration->className);
+      if (!providers.IsA(name.GetClassName(), className)) continue;
       if (seen.IsNew(name)) found.push_back(std::move(name));
     }
     return true;
@@ -139,7 +132,7 @@ TCIMInstanceData TCMPIOperations::GetInstance(const TCIMReference& path) {
   const TQuestion question{"GetInstance of " + path.GetPath(), nameSpace, TWantedProperties::Get()};
   const TPathContent content = m_parts->ToContent(path);
   const auto ask = [&](const TParts::TService& service) {
-    return m_parts->AskGet(service, question, ForService(providers, service, content));
+    return m_parts->AskGet(service, question, m_parts->ForService(service, content));
   };
   TCallOutcome outcome = m_parts->AskFirst(
       providers.FindServicesOfObject(nameSpace, path.GetClassName(), ERole::kInstance), ask,
@@ -179,21 +172,17 @@ void TCMPIOperations::ModifyInstance(const TCIMInstanceData& instance) {
   TProviders& providers = m_parts->providers;
   const TCIMReference& path = instance.path;
   const std::string what = "ModifyInstance of " + path.GetPath();
-  std::vector<const char*> names;
-  for (const TCIMPropertyData& property : instance.properties) {
-    names.push_back(property.name.c_str());
-  }
-  names.push_back(nullptr);
+  const char** const wanted = TWantedProperties::Get();
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
     const TPassedInstance given(TInstanceContent::From(instance));
-    const TPassedPath target(ForService(providers, service, m_parts->ToContent(path)));
+    const TPassedPath target(m_parts->ForService(service, m_parts->ToContent(path)));
     return m_parts->Call(service, "modifyInstance", what, path.GetNamespaceName(), EKind::kNothing,
                          [&](auto* ctx, auto* result) {
                            return mi.ft->modifyInstance == nullptr
                                       ? NoSuchFunction()
                                       : mi.ft->modifyInstance(&mi, ctx, result, target.Get(),
-                                                              given.Get(), names.data());
+                                                              given.Get(), wanted);
                          });
   };
   m_parts->AskFirst(providers.FindServicesOfObject(path.GetNamespaceName(), path.GetClassName(),
@@ -206,7 +195,7 @@ void TCMPIOperations::DeleteInstance(const TCIMReference& path) {
   const std::string what = "DeleteInstance of " + path.GetPath();
   const auto ask = [&](const TParts::TService& service) {
     CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
-    const TPassedPath target(ForService(providers, service, m_parts->ToContent(path)));
+    const TPassedPath target(m_parts->ForService(service, m_parts->ToContent(path)));
     return m_parts->Call(service, "deleteInstance", what, path.GetNamespaceName(), EKind::kNothing,
                          [&](auto* ctx, auto* result) {
                            return mi.ft->deleteInstance == nullptr

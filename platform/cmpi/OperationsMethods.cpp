@@ -19,7 +19,10 @@ TNamedValues ConvertParameters(const TKeyMap& parameters, const TCIMMethodDeclar
   TNamedValues converted;
   for (const auto& [name, value] : parameters) {
     const TCIMParameterDeclaration* declared = FindParameter(method, name);
-    if (declared == nullptr) {
+    // Objects may be embedded as the text that describes them.
+    const bool isText = declared != nullptr && declared->type == ECIMType::kInstance &&
+                        value.GetType() == ECIMType::kString;
+    if (declared == nullptr || isText) {
       converted.push_back({name, value});
       continue;
     }
@@ -64,7 +67,7 @@ TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::st
   TKeyMap results;
   const auto ask = [&](const TParts::TService& service) {
     CMPIMethodMI& mi = service.provider->GetMethodMI(providers.GetBroker());
-    const TPassedPath target(m_parts->ToContent(path));
+    const TPassedPath target(m_parts->ForService(service, m_parts->ToContent(path)));
     const TPassedArgs inArgs(in);
     const TPassedArgs outArgs{TNamedValues()};
     const TStartedWork::TCall call(m_parts->work, service.provider);

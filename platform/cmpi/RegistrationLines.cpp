@@ -24,7 +24,7 @@ void ReadLine(const TTextLine& line, const std::string& file, TRegistrationTaker
                 kForm);
   }
   if (!IsPlainName(words[0])) return fail("\"" + words[0] + "\" is not a class name", kForm);
-  if (!IsPlainName(words[2])) return fail("\"" + words[2] + "\" is not a provider name", kForm);
+  if (!IsProviderName(words[2])) return fail("\"" + words[2] + "\" is not a provider name", kForm);
   TRegistration entry;
   for (std::size_t i = kFirstType; i < words.size(); ++i) {
     if (!MarkType(entry, words[i])) {

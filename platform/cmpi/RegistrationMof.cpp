@@ -165,7 +165,7 @@ class TPegasusReader {
       Fail(entry, "\"" + entry.className + "\" is not a class name", "set ClassName");
       return false;
     }
-    if (IsPlainName(entry.providerName)) return true;
+    if (IsProviderName(entry.providerName)) return true;
     Fail(entry, "\"" + entry.providerName + "\" is not a provider name", "set ProviderName");
     return false;
   }

@@ -176,7 +176,7 @@ class TSectionReader {
     entry.source = m_section.source;
     if (!HasAll() || !MarkTypes(entry)) return;
     entry.providerName = SplitWords(m_section.Get("provider")).front();
-    if (!IsPlainName(entry.providerName)) {
+    if (!IsProviderName(entry.providerName)) {
       return Fault("\"" + entry.providerName + "\" is not a provider name",
                    "write letters, digits and \"_\"");
     }

@@ -82,6 +82,10 @@ class TCMPIOperations::TParts::TAssociationWalk {
   TNames AskReferenceNames(TGroup& group, const TFilter& filter);
   TInstances EnumerateReferences(TGroup& group);
   TInstances GetEach(const TNames& names, const char** wanted);
+  bool IsServed(const TCIMReference& path) const;
+  /// The association that `path` names, made of its keys.
+  /// Errors: CMPI_RC_ERR_NOT_SUPPORTED, when they do not tell its ends.
+  TCIMInstanceData FromName(const TCIMReference& path) const;
   std::vector<TLink> AskLinks(TGroup& group);
 
   // What belongs to the answer.

@@ -13,6 +13,15 @@ namespace cmpi {
 
 namespace {
 
+/// A reference without a namespace means an object beside the one that has it.
+void PlaceReference(TCIMValue& value, const std::string& nameSpace) {
+  if (value.GetType() != ECIMType::kReference || value.IsArray() || value.IsNull()) return;
+  auto path = static_cast<TCIMReference>(value);
+  if (!path.GetNamespaceName().empty()) return;
+  path.SetNamespaceName(nameSpace);
+  value = TCIMValue(path);
+}
+
 int Weigh(const TQELException& failure) {
   switch (failure.GetCIMStatus()) {
     case CMPI_RC_ERR_NOT_SUPPORTED:
@@ -108,13 +117,8 @@ TCIMValue TCMPIOperations::TParts::ToDeclared(const TCIMPropertyDeclaration& dec
   const std::string what = owner.className + '.' + declared.name;
   try {
     TCIMValue value = ConvertGiven(declared, given.value, what);
-    const bool isRead = declared.type == ECIMType::kReference && !value.IsArray() &&
-                        given.value.GetType() != ECIMType::kReference && !value.IsNull();
-    if (!isRead) return value;
-    auto path = static_cast<TCIMReference>(value);
-    if (!path.GetNamespaceName().empty()) return value;
-    path.SetNamespaceName(owner.nameSpace);
-    return TCIMValue(path);
+    PlaceReference(value, owner.nameSpace);
+    return value;
   } catch (const TQELException& failure) {
     providers.Report(
         owner.nameSpace + ": " + failure.what() + "; the value counts as NULL; see rule R23", what);
@@ -129,6 +133,7 @@ void TCMPIOperations::TParts::TypeValues(TInstanceContent& content) {
     for (TCIMPropertyData& property : content.properties) {
       if (property.value.GetType() == declared.type &&
           property.value.IsArray() == declared.isArray) {
+        PlaceReference(property.value, content.path.nameSpace);
         continue;
       }
       if (property.name.size() != declared.name.size()) continue;
@@ -173,7 +178,16 @@ TCIMReference TCMPIOperations::TParts::Finish(TPathContent& content, const std::
 
 TPathContent TCMPIOperations::TParts::ToContent(const TCIMReference& path) const {
   const auto declaration = providers.FindClass(path.GetClassName());
-  return TPathContent::From(ConvertKeys(path, declaration.get()));
+  TPathContent content = TPathContent::From(ConvertKeys(path, declaration.get()));
+  // Providers compare names letter by letter.
+  if (declaration != nullptr) content.className = declaration->name;
+  return content;
+}
+
+TPathContent TCMPIOperations::TParts::ForService(const TService& service, TPathContent path) const {
+  const std::string& own = service.registration->className;
+  if (providers.IsA(own, path.className)) path.className = own;
+  return path;
 }
 
 }  // namespace NZEPQEL20

@@ -107,6 +107,9 @@ struct TCMPIOperations::TParts {
 
   /// `path` as a provider object with keys of the declared types.
   cmpi::TPathContent ToContent(const TCIMReference& path) const;
+  /// `path` as the provider of `service` expects it: one that is registered for a class below that
+  /// of the path knows its own class only.
+  cmpi::TPathContent ForService(const TService& service, cmpi::TPathContent path) const;
 
   std::string defaultNamespace;
   cmpi::TProviders providers;

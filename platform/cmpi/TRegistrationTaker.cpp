@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "platform/cmpi/OneLine.h"
@@ -12,6 +13,10 @@
 namespace NZEPQEL20 {
 
 namespace {
+
+bool IsNameCharacter(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+}
 
 constexpr std::size_t kMaxLine = 65536;
 constexpr char kBlanks[] = " \t\f\v\r";
@@ -111,8 +116,13 @@ std::vector<std::string> SplitWords(const std::string& text) {
 }
 
 bool IsPlainName(const std::string& text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+  return !text.empty() && std::all_of(text.begin(), text.end(), &IsNameCharacter);
+}
+
+bool IsProviderName(const std::string& text) {
+  constexpr std::string_view kMore = ".-:+@";
+  return !text.empty() && std::all_of(text.begin(), text.end(), [&](char c) {
+    return IsNameCharacter(c) || kMore.find(c) != std::string_view::npos;
   });
 }
 

@@ -53,8 +53,12 @@ std::string Trim(const std::string& text);
 /// The words of `text`, without those from the first that starts with "#".
 std::vector<std::string> SplitWords(const std::string& text);
 
-/// Whether `text` can be the name of a class or a provider: letters, digits and "_".
+/// Whether `text` can be the name of a class: letters, digits and "_".
 bool IsPlainName(const std::string& text);
+
+/// Whether `text` can be the name of a provider: what generic factories take may have "." or "-",
+/// too.
+bool IsProviderName(const std::string& text);
 
 /// What mends a type word that does not exist.
 inline constexpr char kTypeRemedy[] = "write instance, association, method, property or indication";

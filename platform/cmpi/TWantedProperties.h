@@ -6,7 +6,8 @@ namespace NZEPQEL20::cmpi {
 /// The properties that the upcall running on this thread wants, for the provider that answers it.
 ///
 /// It spares a provider the making of what the caller drops anyway, and nothing else: what does not
-/// reach the provider changes no result. That is why the operations have no place for it.
+/// reach the provider changes no result. That is why the operations have no place for it. For an
+/// instance that is to be modified it names what of it counts.
 /// A provider call starts without any.
 class TWantedProperties {
  public:

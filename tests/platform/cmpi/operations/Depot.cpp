@@ -6,8 +6,9 @@
 //   m p       methods, properties
 // What it lacks is NULL in its tables, or with "x" a function that answers "not supported"; with
 // "f" every function fails; with "q" its references are none; with "o" it enumerates no
-// association; with "i" it ignores what it is asked to leave out; with "s" its associations are
-// those of boxes to each other, otherwise those of shelves to boxes.
+// association; with "b" its boxes are crates, too; with "i" it ignores what it is asked to leave
+// out; with "s" its associations are those of boxes to each other, otherwise those of shelves to
+// boxes.
 //
 // Its tables are those of the first interface, and nothing readable lies behind them.
 #include <sys/mman.h>
@@ -124,9 +125,12 @@ CMPIStatus Cleanup(CMPIInstanceMI*, const CMPIContext*, CMPIBoolean) {
 }
 
 template <class TTake>
-void EachOfClass(const CMPIObjectPath* asked, const TTake& take) {
+void EachOfClass(const void* mi, const CMPIObjectPath* asked, const TTake& take) {
+  const std::string wanted = ClassOf(asked);
   for (const TObject& object : kObjects) {
-    if (ClassOf(asked) == object.className && IsIn(object, PlaceOf(asked))) take(object);
+    const std::string name = object.className;
+    const bool isBelow = Has(mi, 'b') && wanted == "D_Box" && name == "D_Crate";
+    if ((wanted == name || isBelow) && IsIn(object, PlaceOf(asked))) take(object);
   }
 }
 
@@ -142,7 +146,7 @@ CMPIStatus EnumerateNames(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResu
                           const CMPIObjectPath* asked) {
   const CMPIStatus status = Check(mi, 'n');
   if (status.rc != CMPI_RC_OK) return status;
-  EachOfClass(asked, [&](const TObject& object) {
+  EachOfClass(mi, asked, [&](const TObject& object) {
     result->ft->returnObjectPath(result, NewPath(PlaceOf(asked), object));
   });
   EachLinkOfClass(mi, asked, [&](const TLink& link) {
@@ -156,7 +160,7 @@ CMPIStatus Enumerate(CMPIInstanceMI* mi, const CMPIContext*, const CMPIResult* r
                      const CMPIObjectPath* asked, const char** props) {
   const CMPIStatus status = Check(mi, 'e');
   if (status.rc != CMPI_RC_OK) return status;
-  EachOfClass(asked, [&](const TObject& object) {
+  EachOfClass(mi, asked, [&](const TObject& object) {
     result->ft->returnInstance(result, NewInstance(PlaceOf(asked), object, props));
   });
   EachLinkOfClass(mi, asked, [&](const TLink& link) {

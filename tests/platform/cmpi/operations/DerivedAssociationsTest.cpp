@@ -60,7 +60,8 @@ INSTANTIATE_TEST_SUITE_P(
                     TOffer{"Depot_Rgi", "instance association"}, TOffer{"Depot_xri", "association"},
                     TOffer{"Depot_xRgi", "instance association"},
                     TOffer{"Depot_Aei", "instance association"},
-                    TOffer{"Depot_ae", "instance association"}, TOffer{"Depot_e", "instance"},
+                    TOffer{"Depot_ae", "instance association"}, TOffer{"Depot_Ri", "association"},
+                    TOffer{"Depot_xRi", "instance association"}, TOffer{"Depot_e", "instance"},
                     TOffer{"Depot_eng", "instance"}, TOffer{"Depot_ng", "instance"}));
 
 using DerivedAssociationsTest = TDepotTest;
@@ -76,6 +77,22 @@ TEST_F(DerivedAssociationsTest, EndsThatAreNoKeysAreReadFromTheInstance) {
     EXPECT_EQ(AssociatorNames(PathTo("D_Crate", "B2"), {"", "", "Lower", ""}), "");
     EXPECT_EQ(References(box, {"", "", "Upper", ""}), "D_Stacks:X2");
     EXPECT_EQ(References(box), "D_Stacks:X1 D_Stacks:X2 D_Stacks:X3");
+    m_operations.reset();
+  }
+}
+
+TEST_F(DerivedAssociationsTest, NamesThatDoNotTellTheEndsAreNoReferences) {
+  OpenWith("D_Stacks root/cimv2 Depot_sR association");
+  EXPECT_EQ(ReferenceNames(PathTo("D_Box", "B1")), "D_Stacks:X1 D_Stacks:X2 D_Stacks:X3");
+  EXPECT_EQ(StatusOf([&] { References(PathTo("D_Box", "B1")); }), 7U);
+}
+
+TEST_F(DerivedAssociationsTest, NamesAreThoseOfAssociatedObjectsWhereThereIsNothingElse) {
+  for (const char* provider : {"Depot_a", "Depot_xa"}) {
+    SCOPED_TRACE(provider);
+    OpenWith(std::string("D_Holds root/cimv2 ") + provider + " association");
+    EXPECT_EQ(AssociatorNames(PathTo("D_Shelf", "S1")), "D_Box:B1 D_Crate:B2");
+    EXPECT_EQ(StatusOf([&] { ReferenceNames(PathTo("D_Shelf", "S1")); }), 7U);
     m_operations.reset();
   }
 }

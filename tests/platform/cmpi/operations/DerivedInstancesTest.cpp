@@ -171,5 +171,13 @@ TEST_F(DerivedInstancesTest, AMethodThatIsServedOnlyElsewhereIsFoundThere) {
             "D_Box.Lift");
 }
 
+TEST_F(DerivedInstancesTest, WhoeverServesTheClassAboveHasThoseOfTheClassBelow) {
+  OpenWith("D_Box root/cimv2 Depot_beng instance");
+  EXPECT_EQ(Enumerate("D_Box"), "D_Box:B1 D_Box:B3 D_Crate:B2");
+  EXPECT_EQ(Enumerate("D_Crate"), "D_Crate:B2");
+  EXPECT_EQ(EnumerateNames("D_Crate"), "D_Crate:B2");
+  EXPECT_EQ(m_operations->GetProblems(), std::vector<std::string>());
+}
+
 }  // namespace
 }  // namespace NZEPQEL20

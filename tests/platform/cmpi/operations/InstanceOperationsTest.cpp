@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "platform/cmpi/TWantedProperties.h"
 #include "tests/platform/cmpi/operations/TWorkshopTest.h"
 
 namespace NZEPQEL20 {
@@ -108,7 +109,13 @@ TEST_F(InstanceOperationsTest, InstancesAreMadeChangedAndDeletedByTheirProvider)
             "root/cimv2:W_Bolt.Id=\"W_Bolt-1\"");
   EXPECT_EQ(GetNote(PathTo("last")), "made W_Bolt new");
   m_operations->ModifyInstance(data);
-  EXPECT_EQ(GetNote(PathTo("last")), "changed mine Note");
+  EXPECT_EQ(GetNote(PathTo("last")), "changed mine");
+  {
+    const char* names[] = {"Note", "Missing", nullptr};
+    const cmpi::TWantedProperties changed(names);
+    m_operations->ModifyInstance(data);
+  }
+  EXPECT_EQ(GetNote(PathTo("last")), "changed mine Note Missing");
   m_operations->DeleteInstance(data.path);
   EXPECT_EQ(GetNote(PathTo("last")), "deleted mine");
 }

@@ -55,6 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
                     TParameter{"List",
                                TCIMValue::Array(ECIMType::kString, {TCIMValue("1"), TCIMValue()}),
                                "List:2080 "},
+                    TParameter{"Inner", TCIMValue("instance of W_Part { };"), "Inner:1600 "},
                     TParameter{"Inner", TCIMValue::Instance(std::make_shared<TCIMInstanceData>()),
                                "Inner:1000 "},
                     TParameter{"Count", TCIMValue(), "Count:0090 "},
@@ -122,6 +123,20 @@ TEST_F(MethodOperationsTest, AClassWithoutMethodsIsNotFound) {
   const TQELException failure = Failure([&] { m_operations->InvokeMethod(tool, "Echo", none); });
   EXPECT_EQ(failure.GetCIMStatus(), 6U);
   EXPECT_NE(std::string(failure.what()).find("no provider offers methods"), std::string::npos);
+}
+
+TEST_F(MethodOperationsTest, AProviderMeetsItsOwnClassAsTheSchemaSpellsIt) {
+  struct TRow {
+    const char* asked;
+    const char* met;
+  };
+  for (const TRow& row : {TRow{"W_Part", "W_Bolt"}, TRow{"w_nut", "W_Nut"}}) {
+    TKeyMap none;
+    const TCIMReference path("root/cimv2", row.asked, {{"Id", TCIMValue("x")}});
+    m_operations->InvokeMethod(path, "Nothing", none);
+    const auto last = m_operations->GetInstance(PathTo("last"));
+    EXPECT_EQ(NoteOf(last), std::string("nothing of ") + row.met);
+  }
 }
 
 }  // namespace

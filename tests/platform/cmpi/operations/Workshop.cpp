@@ -244,7 +244,11 @@ CMPIStatus InvokeMethod(CMPIMethodMI*, const CMPIContext* context, const CMPIRes
     return Fail(CMPI_RC_ERR_METHOD_NOT_AVAILABLE, "not today");
   }
   if (std::strcmp(method, "Leave") == 0) Broker()->xft->exitThread(nullptr);
-  if (std::strcmp(method, "Nothing") == 0) return {CMPI_RC_OK, nullptr};
+  if (std::strcmp(method, "Nothing") == 0) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    last = "nothing of " + ClassOf(target);
+    return {CMPI_RC_OK, nullptr};
+  }
   if (std::strcmp(method, "Neighbours") == 0) answer = CountNeighbours(context, target);
   if (std::strcmp(method, "Instance") == 0) {
     return result->ft->returnInstance(result, NewPartInstance(target, "W_Nut", "embedded"));

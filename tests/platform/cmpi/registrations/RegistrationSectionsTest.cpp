@@ -99,7 +99,7 @@ INSTANTIATE_TEST_SUITE_P(
         TBadText{"WordsBehind", "[A] B\n", "reg:1: expected [ClassName]"},
         TBadText{"EmptyName", "[ ]\nprovider: P\n", "reg:1: \"\" is not a class name"},
         TBadText{"OddName", "[A-B]\nprovider: P\n", "reg:1: \"A-B\" is not a class name"},
-        TBadText{"OddProvider", Section("A", "", "P-Q"), "\"P-Q\" is not a provider name"},
+        TBadText{"OddProvider", Section("A", "", "P/Q"), "\"P/Q\" is not a provider name"},
         TBadText{"NothingBut", "[A]\n", "reg:1: class A: has no provider"},
         TBadText{"NoLocation", "[A]\nprovider: P\ntype: instance\nnamespace: x\n",
                  "has no location"},

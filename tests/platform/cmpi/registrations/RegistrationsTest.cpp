@@ -31,6 +31,11 @@ TEST(RegistrationsTest, ALineNamesClassNamespaceProviderLibraryAndTypes) {
   EXPECT_FALSE(read.GetEntries()[0].hasLibrary);
 }
 
+TEST(RegistrationsTest, ANameForAGenericFactoryNeedNotBeOneOfC) {
+  EXPECT_EQ(ShowAll(Read("A root/x org.acme.Leaf-1:2 l instance\n")),
+            "A root/x org.acme.Leaf-1:2 libl.so I");
+}
+
 TEST(RegistrationsTest, LinesForTheSameClassAndProviderAddTheirTypes) {
   EXPECT_EQ(ShowAll(Read("A root/x P l instance\na ROOT/X P l association property\n")),
             "A root/x P libl.so IAP");
