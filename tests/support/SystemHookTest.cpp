@@ -7,8 +7,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include "tests/support/TSystemHook.h"
 #include "tests/support/TTemporaryFolder.h"
@@ -24,14 +26,14 @@ void PrintTo(const TCall& row, std::ostream* out) {
   *out << row.name;
 }
 
-class SystemHookTest : public ::testing::TestWithParam<TCall> {
+class SystemCallTest : public ::testing::TestWithParam<TCall> {
  protected:
   bool Make() const { return GetParam().make(m_folder.GetPath()); }
 
   const TTemporaryFolder m_folder;
 };
 
-TEST_P(SystemHookTest, IsAskedInFrontOfTheCallWhileItLives) {
+TEST_P(SystemCallTest, IsAskedInFrontOfTheCallWhileItLives) {
   int asked = 0;
   {
     const TSystemHook hook(GetParam().call, [&asked] {
@@ -44,7 +46,7 @@ TEST_P(SystemHookTest, IsAskedInFrontOfTheCallWhileItLives) {
   EXPECT_EQ(asked, 1);
 }
 
-TEST_P(SystemHookTest, FailsTheCallsBehindTheGoodOnes) {
+TEST_P(SystemCallTest, FailsTheCallsBehindTheGoodOnes) {
   const TSystemHook hook(GetParam().call, TSystemHook::FailAfter(1, ENOSPC));
   EXPECT_TRUE(Make());
   for (int round = 0; round < 2; ++round) {
@@ -81,5 +83,13 @@ INSTANTIATE_TEST_SUITE_P(Calls, SystemHookTest,
                                                    return ::getrandom(&byte, 1, 0) == 1;
                                                  }}),
                          [](const auto& row) { return row.param.name; });
+
+TEST(SystemHookTest, ReachesTheCallsOfLibraries) {
+  const TTemporaryFolder folder;
+  const TSystemHook hook(TSystemHook::kReaddir, TSystemHook::FailAfter(0, EIO));
+  std::error_code error;
+  const std::filesystem::directory_iterator first(folder.GetPath(), error);
+  EXPECT_EQ(error, std::errc::io_error);
+}
 
 }  // namespace

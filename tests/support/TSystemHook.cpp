@@ -44,7 +44,9 @@ TSystemHook::TAction TSystemHook::FailAfter(std::size_t good, int error) {
   };
 }
 
-// In the place of the system's, for the program that links this.
+// In the place of the system's, for the program that links this and for the libraries that it
+// loads.
+#pragma GCC visibility push(default)
 extern "C" {
 
 int fsync(int file) {
@@ -65,3 +67,4 @@ dirent* readdir(DIR* folder) {
   return IsToFail(TSystemHook::kReaddir) ? nullptr : theRead(folder);
 }
 }
+#pragma GCC visibility pop
