@@ -56,7 +56,7 @@ TEST_P(SystemCallTest, FailsTheCallsBehindTheGoodOnes) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Calls, SystemHookTest,
+INSTANTIATE_TEST_SUITE_P(Calls, SystemCallTest,
                          ::testing::Values(TCall{"Fsync", TSystemHook::kFsync,
                                                  [](const std::string& folder) {
                                                    const int file =
