@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/schema/MofOutline.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "platform/contract/TCIMInstanceData.h"
@@ -9,14 +10,60 @@ namespace NZEPQEL20 {
 
 namespace {
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\f' || c == '\r';
+bool IsLineEnd(char c) {
+  return c == '\n' || c == '\r';
 }
 
-/// Moves `at` behind blanks and `word`; false when another word stands there.
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\f' || c == '\v' || IsLineEnd(c);
+}
+
+std::size_t FindLineEnd(const std::string& text, std::size_t at) {
+  return std::min(text.find_first_of("\r\n", at), text.size());
+}
+
+/// The place behind the comment that begins at `at`; `at` itself where none does.
+std::size_t SkipComment(const std::string& text, std::size_t at) {
+  if (text.compare(at, 2, "//") == 0) {
+    return FindLineEnd(text, at);
+  }
+  if (text.compare(at, 2, "/*") == 0) {
+    const std::size_t end = text.find("*/", at + 2);
+    return end == std::string::npos ? text.size() : end + 2;
+  }
+  return at;
+}
+
+/// The place behind the string that begins at `at`; one that is not closed ends with its line.
+std::size_t SkipString(const std::string& text, std::size_t at) {
+  for (++at; at < text.size() && !IsLineEnd(text[at]); ++at) {
+    if (text[at] == '"') {
+      return at + 1;
+    }
+    at += text[at] == '\\' && at + 1 < text.size() && !IsLineEnd(text[at + 1]) ? 1 : 0;
+  }
+  return at;
+}
+
+/// The place behind the quotation mark as a character at `at`, or behind the quote alone.
+std::size_t SkipCharacter(const std::string& text, std::size_t at) {
+  for (const char* const mark : {"'\"'", "'\\\"'"}) {
+    const std::size_t length = std::char_traits<char>::length(mark);
+    if (text.compare(at, length, mark) == 0) {
+      return at + length;
+    }
+  }
+  return at + 1;
+}
+
+/// Moves `at` behind blanks, comments and `word`; false when another word stands there.
 bool Skip(const std::string& text, std::size_t& at, const std::string& word) {
-  while (at < text.size() && IsBlank(text[at])) {
-    ++at;
+  for (std::size_t before = at + 1; before != at;) {
+    while (at < text.size() && IsBlank(text[at])) {
+      ++at;
+    }
+    before = at;
+    at = SkipComment(text, at);
   }
   if (!IsSameName(text.substr(at, word.size()), word)) {
     return false;
@@ -25,30 +72,45 @@ bool Skip(const std::string& text, std::size_t& at, const std::string& word) {
   return true;
 }
 
-/// The path behind "#pragma include" at `at`; empty when something else stands there.
-std::string GetIncluded(const std::string& text, std::size_t at) {
+/// The path behind "#pragma include" at `at`, which moves behind it; empty, and `at` is where it
+/// was, when something else stands there.
+std::string TakeIncluded(const std::string& text, std::size_t& at) {
+  std::size_t next = at;
   for (const char* word : {"#", "pragma", "include", "(", "\""}) {
-    if (!Skip(text, at, word)) {
+    if (!Skip(text, next, word)) {
       return {};
     }
   }
-  const std::size_t end = text.find_first_of("\"\n", at);
-  const bool isClosed = end != std::string::npos && text[end] == '"';
-  return isClosed ? text.substr(at, end - at) : std::string();
+  const std::size_t end = text.find_first_of("\"\r\n", next);
+  if (end == std::string::npos || text[end] != '"') {
+    return {};
+  }
+  at = end + 1;
+  return text.substr(next, end - next);
 }
 
 std::vector<std::string> FindIncludes(const std::string& text) {
   std::vector<std::string> found;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::string path = GetIncluded(text, at);
-    if (!path.empty()) {
-      found.push_back(path);
+  // Few files of a schema have one, and only those are looked through letter by letter.
+  const std::size_t last = text.rfind('#');
+  if (last == std::string::npos) {
+    return found;
+  }
+  for (std::size_t at = 0; at <= last;) {
+    const std::size_t before = at;
+    if (text[at] == '"') {
+      at = SkipString(text, at);
+    } else if (text[at] == '\'') {
+      at = SkipCharacter(text, at);
+    } else if (text[at] == '/') {
+      at = SkipComment(text, at);
+    } else if (text[at] == '#') {
+      const std::string path = TakeIncluded(text, at);
+      if (!path.empty()) {
+        found.push_back(path);
+      }
     }
-    const std::size_t end = text.find('\n', at);
-    if (end == std::string::npos) {
-      break;
-    }
-    at = end + 1;
+    at += at == before ? 1 : 0;
   }
   return found;
 }

@@ -109,6 +109,7 @@ TInstalledFiles FindInstalledFiles(const std::string& root, TMofOutlines& outlin
   TInstalledFiles files;
   const fs::path top(root);
   TSchemaTree(files.schema, files.problems).Take(top / "schema");
+  files.schema = OrderByIncludes(files.schema, outlines);
   PutShippedFirst(top / "schema", files.schema);
   if (files.schema.empty()) {
     files.problems.push_back((top / "schema").string() + ": holds no class declarations (*.mof)");

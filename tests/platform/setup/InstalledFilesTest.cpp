@@ -65,6 +65,22 @@ TEST(InstalledFilesTest, TheShippedFilesComeFirstWhateverIsBesideThem) {
   EXPECT_EQ(FindInstalledFiles(root.GetPath()).schema, expected);
 }
 
+TEST(InstalledFilesTest, AFileThatAnotherIncludesComesBehindIt) {
+  const TTemporaryFolder root;
+  const std::string inner = root.Write("schema/a.mof", "");
+  const std::string other = root.Write("schema/b.mof", "");
+  const std::string deep = root.Write("schema/in/c.mof", "/* x */ #pragma include (\"../a.mof\")");
+  const std::string outer = root.Write("schema/z.mof", "// x\r#pragma include (\"a.mof\")\r");
+  EXPECT_THAT(FindInstalledFiles(root.GetPath()).schema, ElementsAre(other, outer, deep, inner));
+}
+
+TEST(InstalledFilesTest, AShippedFileThatAnotherIncludesIsStillTheFirst) {
+  const TTemporaryFolder root;
+  const std::string own = root.Write("schema/a.mof", "#pragma include (\"cim_core.mof\")");
+  const std::string shipped = root.Write("schema/cim_core.mof", "");
+  EXPECT_THAT(FindInstalledFiles(root.GetPath()).schema, ElementsAre(shipped, own));
+}
+
 TEST(InstalledFilesTest, LinksThatLeadRoundInCirclesEnd) {
   const TTemporaryFolder root;
   const std::string file = root.Write("schema/a/x.mof", "");
