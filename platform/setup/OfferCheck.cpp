@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <utility>
 
 #include "platform/cmpi/TProviders.h"
 #include "platform/setup/NameList.h"
@@ -26,11 +27,13 @@ TServices FindKind(const TClassRepository& classes, const TServices& services, c
   return found;
 }
 
+bool HasType(const TProviderService& service, const char* wanted) {
+  return std::find(service.types.begin(), service.types.end(), wanted) != service.types.end();
+}
+
 /// Whether its instances are enumerated, or found by way of the objects that it joins.
 bool IsFound(const TProviderService& service) {
-  return std::any_of(service.types.begin(), service.types.end(), [](const std::string& type) {
-    return type == "instance" || type == "association";
-  });
+  return HasType(service, "instance") || HasType(service, "association");
 }
 
 bool IsIn(const TProviderService& service, const std::string& nameSpace) {
@@ -72,14 +75,70 @@ TProviderFinding MakeElsewhere(const TProviderPackage& package, const TServices&
           "`diagsrun --namespace " + *spaces.begin() + " list` looks there"};
 }
 
-}  // namespace
+/// Whether some folder serves `className`, or a class above it, as `type`.
+bool IsServed(const TClassRepository& classes, const TProviderPackage& package,
+              const std::vector<TProviderPackage>& installed, const std::string& className,
+              const char* type) {
+  const auto serves = [&](const TProviderService& service) {
+    return HasType(service, type) && classes.IsA(className, service.className);
+  };
+  const auto isIn = [&](const TProviderPackage& folder) {
+    return std::any_of(folder.services.begin(), folder.services.end(), serves);
+  };
+  return isIn(package) || std::any_of(installed.begin(), installed.end(), isIn);
+}
 
-std::vector<TProviderFinding> CheckOffer(const TClassRepository& classes,
-                                         const TProviderPackage& package,
+/// A kind of class that a test needs besides itself, to be registered as instance.
+struct TCompanion {
+  const char* kind;
+  const char* rule;
+  const char* loss;
+};
+constexpr TCompanion kCompanions[] = {
+    {"CIM_ConcreteJob", "T6", "no test of it can be followed"},
+    {"CIM_DiagnosticCompletionRecord", "T7", "no test of it gets a verdict"}};
+
+/// What keeps tests that are found from being run to an end.
+std::vector<TProviderFinding> CheckRun(const TClassRepository& classes,
+                                       const TProviderPackage& package, const TServices& tests,
+                                       const std::vector<TProviderPackage>& installed) {
+  std::vector<TProviderFinding> findings;
+  constexpr std::pair<const char*, const char*> kNeeds[] = {
+      {"instance", "none of their tests is found"},
+      {"method", "none of their tests can be started"}};
+  for (const auto& [type, loss] : kNeeds) {
+    std::set<std::string> without;
+    for (const TProviderService& test : tests) {
+      if (!IsServed(classes, package, installed, test.className, type)) {
+        without.insert(test.className);
+      }
+    }
+    if (without.empty()) continue;
+    findings.push_back({true, kTestRule,
+                        package.folder + ": " + ListNames(without) + ": not registered as " + type +
+                            ", so that " + loss,
+                        std::string("add the type ") + type + " to the registration"});
+  }
+  for (const TCompanion& companion : kCompanions) {
+    const TServices found = FindKind(classes, package.services, companion.kind);
+    const bool isThere =
+        std::any_of(found.begin(), found.end(),
+                    [](const TProviderService& service) { return HasType(service, "instance"); });
+    if (tests.empty() || isThere) continue;
+    findings.push_back({true, companion.rule,
+                        package.folder + ": registers tests and no subclass of " + companion.kind +
+                            " as instance, so that " + companion.loss,
+                        "register one as instance"});
+  }
+  return findings;
+}
+
+/// What keeps the tests from being found.
+std::vector<TProviderFinding> CheckLinks(const TClassRepository& classes,
+                                         const TProviderPackage& package, const TServices& tests,
                                          const std::vector<TProviderPackage>& installed,
                                          const std::string& nameSpace) {
   const TServices links = FindKind(classes, package.services, kLink);
-  const TServices tests = FindKind(classes, package.services, kTest);
   if (links.empty() && !tests.empty()) {
     if (HasLinkElsewhere(classes, package, installed)) return {};
     return {MakeNoLink(package, tests.front())};
@@ -94,6 +153,19 @@ std::vector<TProviderFinding> CheckOffer(const TClassRepository& classes,
       [&nameSpace](const TProviderService& service) { return IsIn(service, nameSpace); });
   if (found.empty() || isHere) return {};
   return {MakeElsewhere(package, found, nameSpace)};
+}
+
+}  // namespace
+
+std::vector<TProviderFinding> CheckOffer(const TClassRepository& classes,
+                                         const TProviderPackage& package,
+                                         const std::vector<TProviderPackage>& installed,
+                                         const std::string& nameSpace) {
+  const TServices tests = FindKind(classes, package.services, kTest);
+  std::vector<TProviderFinding> findings =
+      CheckLinks(classes, package, tests, installed, nameSpace);
+  if (!findings.empty()) return findings;
+  return CheckRun(classes, package, tests, installed);
 }
 
 }  // namespace NZEPQEL20::setup

@@ -17,6 +17,10 @@ constexpr char kSchema[] =
     "class A_Test : CIM_DiagnosticTest { };\n"
     "class A_Link : CIM_AvailableDiagnosticService { };\n"
     "class A_Other : CIM_AvailableDiagnosticService { };\n"
+    "class CIM_ConcreteJob { [Key] string InstanceID; };\n"
+    "class A_Job : CIM_ConcreteJob { };\n"
+    "class CIM_DiagnosticCompletionRecord { [Key] string InstanceID; };\n"
+    "class A_Record : CIM_DiagnosticCompletionRecord { };\n"
     "class A_Device { [Key] string Id; };\n";
 
 struct TOffer {
@@ -28,15 +32,17 @@ void PrintTo(const TOffer& row, std::ostream* out) {
   *out << row.name;
 }
 
-class OfferCheckTest : public TStoreTest, public testing::WithParamInterface<TOffer> {
+class OfferCheckBase : public TStoreTest {
  protected:
-  OfferCheckTest() { m_classes.LoadText(kSchema, "schema"); }
+  OfferCheckBase() { m_classes.LoadText(kSchema, "schema"); }
   std::string CheckIn(const std::string& nameSpace) const {
     return ShowAll(
         CheckOffer(m_classes, m_store.Read(m_vendor.GetPath()), m_store.List(), nameSpace));
   }
   TClassRepository m_classes;
 };
+
+class OfferCheckTest : public OfferCheckBase, public testing::WithParamInterface<TOffer> {};
 
 TEST_P(OfferCheckTest, SaysWhyNoTestWouldBeFound) {
   m_vendor.Write("x.registration", GetParam().registration);
@@ -58,7 +64,10 @@ constexpr char kElsewhere[] =
 INSTANTIATE_TEST_SUITE_P(
     Offers, OfferCheckTest,
     testing::Values(
-        TOffer{"Whole", "A_Test root/x P l instance method\nA_Link root/x P l instance\n", ""},
+        TOffer{"Whole",
+               "A_Test root/x P l instance method\nA_Link root/x P l instance\n"
+               "A_Job root/x P l instance method\nA_Record root/x P l instance\n",
+               ""},
         TOffer{"AnyNamespace", "A_Link * P l instance\n", ""},
         TOffer{"OtherCase", "a_link ROOT/X P l instance\n", ""},
         TOffer{"OneOfSeveralNamespaces", "A_Link root/y P l instance\nA_Link root/x P l instance\n",
@@ -84,8 +93,64 @@ TEST_F(OfferCheckTest, TheNamespaceThatIsLookedInIsTheOneThatWasNamed) {
   EXPECT_THAT(CheckIn("root/q"), HasSubstr("looks in root/q; "));
 }
 
+struct TPartsOffer {
+  const char* name;
+  std::string registration;  ///< Beside the class that joins tests and devices.
+  std::vector<const char*> findings;
+};
+void PrintTo(const TPartsOffer& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class PartsCheckTest : public OfferCheckBase, public testing::WithParamInterface<TPartsOffer> {};
+
+TEST_P(PartsCheckTest, SaysWhyATestCouldNotBeRunToItsEnd) {
+  m_vendor.Write("x.registration", "A_Link root/x P l instance\n" + GetParam().registration);
+  std::string expected;
+  for (const char* finding : GetParam().findings) {
+    std::string line = finding;
+    expected += "warning " + line.replace(2, 0, ": " + m_vendor.GetPath() + ':') + '\n';
+  }
+  EXPECT_EQ(CheckIn("root/x"), expected);
+}
+
+constexpr char kTestLine[] = "A_Test root/x P l instance method\n";
+constexpr char kJobLine[] = "CIM_ConcreteJob root/x P l instance\n";
+constexpr char kRecordLine[] = "A_Record root/x P l instance\n";
+constexpr char kNoJob[] =
+    "T6 registers tests and no subclass of CIM_ConcreteJob as instance, so that no test of it can "
+    "be followed; register one as instance";
+
+INSTANTIATE_TEST_SUITE_P(
+    Offers, PartsCheckTest,
+    testing::Values(
+        TPartsOffer{"Whole", std::string(kTestLine) + kJobLine + kRecordLine, {}},
+        TPartsOffer{"NoMethod",
+                    std::string("A_Test root/x P l instance\n") + kJobLine + kRecordLine,
+                    {"T1 A_Test: not registered as method, so that none of their tests can be "
+                     "started; add the type method to the registration"}},
+        TPartsOffer{"NoInstance",
+                    std::string("A_Test root/x P l method\n") + kJobLine + kRecordLine,
+                    {"T1 A_Test: not registered as instance, so that none of their tests is found; "
+                     "add the type instance to the registration"}},
+        TPartsOffer{
+            "MethodOfTheClassAbove",
+            std::string("A_Test root/x P l instance\nCIM_DiagnosticTest root/x P l instance "
+                        "method\n") +
+                kJobLine + kRecordLine,
+            {}},
+        TPartsOffer{"NoJob", std::string(kTestLine) + kRecordLine, {kNoJob}},
+        TPartsOffer{"JobAsMethod",
+                    std::string(kTestLine) + "A_Job root/x P l method\n" + kRecordLine,
+                    {kNoJob}},
+        TPartsOffer{"NoRecord",
+                    std::string(kTestLine) + kJobLine,
+                    {"T7 registers tests and no subclass of CIM_DiagnosticCompletionRecord as "
+                     "instance, so that no test of it gets a verdict; register one as instance"}}),
+    [](const auto& row) { return row.param.name; });
+
 TEST_F(OfferCheckTest, AnotherFolderMayJoinTheTestsToTheirDevices) {
-  m_vendor.Write("x.registration", "A_Test root/x P l instance method\n");
+  m_vendor.Write("x.registration", std::string(kTestLine) + kJobLine + kRecordLine);
   m_root.Write("providers/links/l.registration", "A_Link root/x Q l instance\n");
   EXPECT_EQ(CheckIn("root/x"), "");
 }
