@@ -16,8 +16,14 @@ namespace {
 /// The broker of the provider call that runs on a thread, or that the thread is attached to.
 thread_local TBroker* currentBroker = nullptr;
 
-/// What the broker of the thread was before each attachment.
-thread_local std::vector<TBroker*> brokersBefore;
+/// What a thread was attached with, and its broker before.
+struct TAttachment {
+  const CMPIContext* context;
+  TBroker* before;
+};
+
+/// Those of a thread, the innermost at the end.
+thread_local std::vector<TAttachment> attachments;
 
 /// Every broker ever made, the one taken last in front.
 struct TAllBrokers {
@@ -107,42 +113,46 @@ void TBroker::Free(void* memory) noexcept {
 }
 
 CMPIContext* TBroker::Prepare(const CMPIContext* current) {
-  const TBrokerContext* given = TBrokerContext::FromOrNull(current);
-  auto context = given == nullptr ? std::make_unique<TBrokerContext>(TBrokerContext::EntriesFor({}))
-                                  : given->Copy();
+  // One that was kept beyond its call is a shell, without entries.
+  const bool isAlive = current != nullptr && current->hdl != TBrokerContext::kEndedHandle;
+  auto context = isAlive ? TBrokerContext::From(current).Copy()
+                         : std::make_unique<TBrokerContext>(TBrokerContext::EntriesFor({}));
   context->SetLifetime(ELifetime::kPassed);
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_prepared.insert(context.get());
   return context.release();
 }
 
-TBrokerContext& TBroker::RequirePrepared(const CMPIContext* prepared) {
-  for (TBrokerContext* context : m_prepared) {
-    if (static_cast<const CMPIContext*>(context) == prepared) return *context;
+bool TBroker::FreePrepared(const CMPIContext* context) {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  for (TBrokerContext* prepared : m_prepared) {
+    if (static_cast<const CMPIContext*>(prepared) != context) continue;
+    m_prepared.erase(prepared);
+    delete prepared;
+    return true;
   }
-  throw TBrokerFault(CMPI_RC_ERR_INVALID_HANDLE, "not a context prepared for a thread");
+  return false;
 }
 
-void TBroker::Attach(const CMPIContext* prepared) {
-  {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    RequirePrepared(prepared);
+void TBroker::Attach(const CMPIContext* context) {
+  // Shells have the table, too.
+  if (context == nullptr || context->ft != &TBrokerContext::kTable) {
+    throw TBrokerFault(CMPI_RC_ERR_INVALID_HANDLE, "not a context of this broker");
   }
-  brokersBefore.push_back(currentBroker);
+  attachments.push_back({context, currentBroker});
   TScope::Open(TScope::EKind::kThread);
   currentBroker = this;
 }
 
-void TBroker::Detach(const CMPIContext* prepared) {
-  {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    TBrokerContext& context = RequirePrepared(prepared);
-    m_prepared.erase(&context);
-    delete &context;
+void TBroker::Detach(const CMPIContext* context) {
+  const bool isAttached = !attachments.empty() && attachments.back().context == context;
+  if (!FreePrepared(context) && !isAttached) {
+    throw TBrokerFault(CMPI_RC_ERR_INVALID_HANDLE,
+                       "not a context that the thread is attached with");
   }
-  if (TScope::CloseInnermost(TScope::EKind::kThread) && !brokersBefore.empty()) {
-    currentBroker = brokersBefore.back();
-    brokersBefore.pop_back();
+  if (TScope::CloseInnermost(TScope::EKind::kThread) && !attachments.empty()) {
+    currentBroker = attachments.back().before;
+    attachments.pop_back();
   }
 }
 

@@ -43,20 +43,23 @@ class TBroker {
   void* Reallocate(void* memory, std::size_t size);
   void Free(void* memory) noexcept;
 
-  /// A context for a thread to come; detaching frees it, at the latest retiring does.
+  /// A context for a thread to come; detaching frees it, at the latest retiring does. Its entries
+  /// are those of `current`, or the usual ones when that is NULL or has ended with its call.
   CMPIContext* Prepare(const CMPIContext* current);
-  /// Makes the broker that of the calling thread.
-  void Attach(const CMPIContext* prepared);
-  /// Ends the objects of the thread and frees `prepared`; a context that Prepare() did not give,
-  /// or that is detached already, is refused.
-  void Detach(const CMPIContext* prepared);
+  /// Makes the broker that of the calling thread. Any context will do, because providers skip
+  /// Prepare(): one that they cloned, or have kept since they were made.
+  void Attach(const CMPIContext* context);
+  /// Ends the objects of the thread, and frees `context` if it is of Prepare(). Any other one is
+  /// refused unless the thread was attached with it, and so is one that is detached already.
+  void Detach(const CMPIContext* context);
 
  private:
   friend class THostLease;
   friend class TCallFrame;
 
   TBroker();
-  TBrokerContext& RequirePrepared(const CMPIContext* prepared);
+  /// Whether `context` was one of Prepare() and has gone now.
+  bool FreePrepared(const CMPIContext* context);
 
   CMPIBroker m_table;
   std::mutex m_mutex;

@@ -32,7 +32,8 @@ bool TInstanceContent::Accepts(const std::string& name, const TCIMValue& value) 
 void TInstanceContent::SetProperty(const std::string& name, const TCIMValue& value) {
   if (!Accepts(name, value)) return;
   SetNamed(properties, name, value);
-  if (FindNamed(path.keys, name) != nullptr) SetNamed(path.keys, name, value);
+  // The value of a key is never NULL.
+  if (!value.IsNull() && FindNamed(path.keys, name) != nullptr) SetNamed(path.keys, name, value);
 }
 
 void TInstanceContent::SetFilter(std::vector<std::string> names, const IBrokerHost* host) {

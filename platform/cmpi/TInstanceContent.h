@@ -21,7 +21,7 @@ struct TInstanceContent {
 
   static TInstanceContent From(const TCIMInstanceData& data);
 
-  /// Sets a property unless the filter drops it; a key of the path follows.
+  /// Sets a property unless the filter drops it; a key of the path follows, to NULL never.
   void SetProperty(const std::string& name, const TCIMValue& value);
   /// Drops all but the named properties and what may be a key. `host` may be null.
   void SetFilter(std::vector<std::string> names, const IBrokerHost* host);

@@ -66,6 +66,17 @@ TEST_F(BrokerObjectsTest, ThePathOfAnInstanceFollowsItsKeyProperties) {
   EXPECT_EQ(Text(read->ft->getKey(read, "Name", nullptr).value.string), "new");
 }
 
+TEST_F(BrokerObjectsTest, AKeyPropertyThatBecomesNullLeavesThePathAsItWas) {
+  CMPIObjectPath* path = NewPath();
+  path->ft->addKey(path, "Name", Chars("old"), CMPI_chars);
+  CMPIInstance* instance = m_broker->eft->newInstance(m_broker, path, nullptr);
+  EXPECT_EQ(instance->ft->setProperty(instance, "Name", nullptr, CMPI_string).rc, CMPI_RC_OK);
+  const CMPIData data = instance->ft->getProperty(instance, "Name", nullptr);
+  EXPECT_EQ(data.state & CMPI_nullValue, CMPI_nullValue);
+  const CMPIObjectPath* read = instance->ft->getObjectPath(instance, nullptr);
+  EXPECT_EQ(Text(read->ft->getKey(read, "Name", nullptr).value.string), "old");
+}
+
 TEST_F(BrokerObjectsTest, AnInstanceWithoutKeysTakesThoseOfItsClass) {
   CMPIInstance* instance = NewInstance("T_Derived");
   SetText(instance, "Name", "n");

@@ -304,11 +304,45 @@ TEST_F(BrokerScopesTest, APreparedContextIsACopyOfTheCurrentOne) {
   EXPECT_EQ(m_broker->bft->detachThread(m_broker, prepared).rc, CMPI_RC_OK);
 }
 
-TEST_F(BrokerScopesTest, AttachingNeedsAPreparedContext) {
+/// A context as a provider has it that kept the one of an earlier call.
+CMPIContext* EndedContext() {
+  return TPassed<TBrokerContext>(TBrokerContext::EntriesFor("root/test")).Get();
+}
+
+TEST_F(BrokerScopesTest, AContextThatWasKeptBeyondItsCallPreparesAsNoneDoes) {
+  CMPIContext* kept = EndedContext();
+  EXPECT_EQ(kept->ft->getEntryCount(kept, &m_rc), 0U);
+  EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_INVALID_HANDLE);
+  CMPIContext* prepared = m_broker->bft->prepareAttachThread(m_broker, kept);
+  ASSERT_NE(prepared, nullptr);
+  EXPECT_EQ(prepared->ft->getEntry(prepared, CMPIPrincipal, nullptr).type, CMPI_string);
+  EXPECT_EQ(m_broker->bft->attachThread(m_broker, prepared).rc, CMPI_RC_OK);
+  EXPECT_EQ(m_broker->bft->detachThread(m_broker, prepared).rc, CMPI_RC_OK);
+}
+
+TEST_F(BrokerScopesTest, AThreadIsAttachedWithAContextThatNobodyPrepared) {
   TBrokerContext own(TBrokerContext::EntriesFor("root/test"));
-  EXPECT_EQ(m_broker->bft->attachThread(m_broker, &own).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  CMPIContext* current = &own;
+  CMPIContext* cloned = current->ft->clone(current, nullptr);
+  for (const CMPIContext* context : {cloned, EndedContext()}) {
+    std::thread([&] {
+      EXPECT_EQ(m_broker->bft->detachThread(m_broker, context).rc, CMPI_RC_ERR_INVALID_HANDLE);
+      EXPECT_EQ(m_broker->bft->attachThread(m_broker, context).rc, CMPI_RC_OK);
+      int alive = 0;
+      Make<TCounted>(alive);
+      EXPECT_EQ(m_broker->bft->detachThread(m_broker, context).rc, CMPI_RC_OK);
+      EXPECT_EQ(alive, 0);
+      EXPECT_EQ(m_broker->bft->detachThread(m_broker, context).rc, CMPI_RC_ERR_INVALID_HANDLE);
+    }).join();
+  }
+  EXPECT_EQ(cloned->ft->release(cloned).rc, CMPI_RC_OK) << "it stays its maker's";
+}
+
+TEST_F(BrokerScopesTest, AttachingNeedsAContext) {
+  CMPIContext foreign = {&foreign, nullptr};
+  EXPECT_EQ(m_broker->bft->attachThread(m_broker, &foreign).rc, CMPI_RC_ERR_INVALID_HANDLE);
   EXPECT_EQ(m_broker->bft->attachThread(m_broker, nullptr).rc, CMPI_RC_ERR_INVALID_HANDLE);
-  EXPECT_EQ(m_broker->bft->detachThread(m_broker, &own).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  EXPECT_EQ(m_broker->bft->detachThread(m_broker, &foreign).rc, CMPI_RC_ERR_INVALID_HANDLE);
 }
 
 TEST_F(BrokerScopesTest, ACopyOfTheBrokerWorksAsTheBroker) {
