@@ -43,7 +43,8 @@ TCallOutcome TWalk::CallFunction(
         m_what + ": " + service.provider->Describe() + " is not registered for associations",
         CMPI_RC_ERR_NOT_SUPPORTED);
   }
-  CMPIAssociationMI& mi = service.provider->GetAssociationMI(m_providers.GetBroker());
+  const auto functions = service.provider->GetAssociationMI(m_providers.GetBroker());
+  CMPIAssociationMI& mi = *functions;
   const TPassedPath given(m_parts.ToContent(m_from));
   return m_parts.Call(
       service, name, m_what, m_from.GetNamespaceName(), kind,

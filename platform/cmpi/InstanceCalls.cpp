@@ -20,7 +20,8 @@ TPathContent ClassPath(const TQuestion& question, const TProviders::TService& se
 
 TCallOutcome TCMPIOperations::TParts::CallEnumerate(const TService& service,
                                                     const TQuestion& question) {
-  CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+  const auto functions = service.provider->GetInstanceMI(providers.GetBroker());
+  CMPIInstanceMI& mi = *functions;
   const TPassedPath path(ClassPath(question, service));
   return Call(service, "enumerateInstances", question.what, question.nameSpace, EKind::kInstances,
               [&](auto* ctx, auto* result) {
@@ -33,7 +34,8 @@ TCallOutcome TCMPIOperations::TParts::CallEnumerate(const TService& service,
 
 TCallOutcome TCMPIOperations::TParts::CallEnumerateNames(const TService& service,
                                                          const TQuestion& question) {
-  CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+  const auto functions = service.provider->GetInstanceMI(providers.GetBroker());
+  CMPIInstanceMI& mi = *functions;
   const TPassedPath path(ClassPath(question, service));
   return Call(service, "enumerateInstanceNames", question.what, question.nameSpace, EKind::kPaths,
               [&](auto* ctx, auto* result) {
@@ -45,7 +47,8 @@ TCallOutcome TCMPIOperations::TParts::CallEnumerateNames(const TService& service
 
 TCallOutcome TCMPIOperations::TParts::CallGet(const TService& service, const TQuestion& question,
                                               const TPathContent& path) {
-  CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+  const auto functions = service.provider->GetInstanceMI(providers.GetBroker());
+  CMPIInstanceMI& mi = *functions;
   const TPassedPath given(path);
   TCallOutcome outcome =
       Call(service, "getInstance", question.what, question.nameSpace, EKind::kInstances,

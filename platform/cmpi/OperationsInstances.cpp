@@ -149,7 +149,8 @@ TCIMReference TCMPIOperations::CreateInstance(const std::string& nameSpace,
   const std::string& className = instance.path.GetClassName();
   const std::string what = "CreateInstance of " + nameSpace + ':' + className;
   const auto ask = [&](const TParts::TService& service) {
-    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+    const auto functions = service.provider->GetInstanceMI(providers.GetBroker());
+    CMPIInstanceMI& mi = *functions;
     const TPassedInstance given(TInstanceContent::From(instance));
     TPathContent target = m_parts->ToContent(instance.path);
     target.nameSpace = nameSpace;
@@ -174,7 +175,8 @@ void TCMPIOperations::ModifyInstance(const TCIMInstanceData& instance) {
   const std::string what = "ModifyInstance of " + path.GetPath();
   const char** const wanted = TWantedProperties::Get();
   const auto ask = [&](const TParts::TService& service) {
-    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+    const auto functions = service.provider->GetInstanceMI(providers.GetBroker());
+    CMPIInstanceMI& mi = *functions;
     const TPassedInstance given(TInstanceContent::From(instance));
     const TPassedPath target(m_parts->ForService(service, m_parts->ToContent(path)));
     return m_parts->Call(service, "modifyInstance", what, path.GetNamespaceName(), EKind::kNothing,
@@ -194,7 +196,8 @@ void TCMPIOperations::DeleteInstance(const TCIMReference& path) {
   TProviders& providers = m_parts->providers;
   const std::string what = "DeleteInstance of " + path.GetPath();
   const auto ask = [&](const TParts::TService& service) {
-    CMPIInstanceMI& mi = service.provider->GetInstanceMI(providers.GetBroker());
+    const auto functions = service.provider->GetInstanceMI(providers.GetBroker());
+    CMPIInstanceMI& mi = *functions;
     const TPassedPath target(m_parts->ForService(service, m_parts->ToContent(path)));
     return m_parts->Call(service, "deleteInstance", what, path.GetNamespaceName(), EKind::kNothing,
                          [&](auto* ctx, auto* result) {

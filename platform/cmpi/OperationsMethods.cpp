@@ -66,7 +66,8 @@ TCIMValue TCMPIOperations::InvokeMethod(const TCIMReference& path, const std::st
   const std::string& name = declared == nullptr ? method : declared->name;
   TKeyMap results;
   const auto ask = [&](const TParts::TService& service) {
-    CMPIMethodMI& mi = service.provider->GetMethodMI(providers.GetBroker());
+    const auto functions = service.provider->GetMethodMI(providers.GetBroker());
+    CMPIMethodMI& mi = *functions;
     const TPassedPath target(m_parts->ForService(service, m_parts->ToContent(path)));
     const TPassedArgs inArgs(in);
     const TPassedArgs outArgs{TNamedValues()};

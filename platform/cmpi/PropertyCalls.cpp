@@ -14,7 +14,8 @@ std::optional<TCallOutcome> TProviders::CallProperty(const char* function, const
   const auto declaration = FindClass(path.GetClassName());
   for (const TService& service :
        FindServicesOfObject(nameSpace, path.GetClassName(), ERole::kProperty)) {
-    CMPIPropertyMI& mi = service.provider->GetPropertyMI(m_broker);
+    const auto functions = service.provider->GetPropertyMI(m_broker);
+    CMPIPropertyMI& mi = *functions;
     const TPassedPath given(TPathContent::From(ConvertKeys(path, declaration.get())));
     const TCallSite site{nameSpace, service.registration->parameters,
                          service.provider->GetCallee(function)};

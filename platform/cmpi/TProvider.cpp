@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cmpi/TProvider.h"
 
+#include <exception>
 #include <iterator>
 #include <map>
 
 #include "platform/cmpi/ProviderCall.h"
+#include "platform/model/CoreLog.h"
 
 namespace NZEPQEL20::cmpi {
 
@@ -74,9 +76,12 @@ bool TProviderPart<TMI>::Begin(const char* kind, const std::string& providerName
     if (wait.IsEndless()) Refuse(kind, providerName, "are needed to make themselves");
     m_changed.wait(lock, [&] { return m_state != EState::kBusy; });
   }
-  if (m_state == EState::kEnded) Refuse(kind, providerName, "have ended");
+  if (m_isEnding) Refuse(kind, providerName, "have ended");
   if (m_state == EState::kFailed) throw TQELException(m_fault);
-  if (m_state == EState::kReady) return false;
+  if (m_state == EState::kReady) {
+    ++m_users;
+    return false;
+  }
   m_state = EState::kBusy;
   m_maker = std::this_thread::get_id();
   return true;
@@ -86,15 +91,23 @@ template <class TMI>
 void TProviderPart<TMI>::Finish(EState state) {
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_state = state;
+  // Whoever makes them needs them.
+  if (state == EState::kReady) ++m_users;
   EndWaits(this);
   m_changed.notify_all();
 }
 
 template <class TMI>
-TMI& TProviderPart<TMI>::Get(TProviderLibrary& library, const char* kind,
-                             const std::string& providerName, const TCallSite& site,
-                             TBroker& broker) {
-  if (!Begin(kind, providerName)) return *m_made;
+void TProviderPart<TMI>::Leave() noexcept {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  if (--m_users == 0 && m_isEnding) m_changed.notify_all();
+}
+
+template <class TMI>
+TInUse<TMI> TProviderPart<TMI>::Get(TProviderLibrary& library, const char* kind,
+                                    const std::string& providerName, const TCallSite& site,
+                                    TBroker& broker) {
+  if (!Begin(kind, providerName)) return TInUse<TMI>(*this);
   try {
     m_made = library.Create<TMI>(kind, providerName, site, broker);
   } catch (const TQELException& failure) {
@@ -106,19 +119,32 @@ TMI& TProviderPart<TMI>::Get(TProviderLibrary& library, const char* kind,
     throw;
   }
   Finish(EState::kReady);
-  return *m_made;
+  return TInUse<TMI>(*this);
 }
 
 template <class TMI>
-void TProviderPart<TMI>::Cleanup(const TCallSite& home, const TCallee& callee,
-                                 TBroker& broker) noexcept {
+bool TProviderPart<TMI>::WaitForUsers(std::chrono::steady_clock::time_point deadline) {
+  std::unique_lock<std::mutex> lock(m_mutex);
+  m_isEnding = true;
+  // A provider's thread may be in a call of another provider, or make it, by way of an upcall.
+  return m_changed.wait_until(lock, deadline,
+                              [&] { return m_users == 0 && m_state != EState::kBusy; });
+}
+
+template <class TMI>
+bool TProviderPart<TMI>::TakeEnded() {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  const bool isMade = m_state == EState::kReady;
+  m_state = EState::kEnded;
+  return isMade;
+}
+
+template <class TMI>
+bool TProviderPart<TMI>::Cleanup(const TCallSite& home, const TCallee& callee, TBroker& broker,
+                                 std::chrono::steady_clock::time_point deadline) noexcept {
   try {
-    {
-      const std::lock_guard<std::mutex> lock(m_mutex);
-      const bool isMade = m_state == EState::kReady;
-      m_state = EState::kEnded;
-      if (!isMade || m_made->ft->cleanup == nullptr) return;
-    }
+    if (!WaitForUsers(deadline)) return false;
+    if (!TakeEnded() || m_made->ft->cleanup == nullptr) return true;
     const TCallSite site{home.nameSpace, home.parameters, callee};
     // Its answer does not matter: the process ends.
     CallProvider(broker, site, TBrokerResult::EKind::kNothing,
@@ -127,32 +153,51 @@ void TProviderPart<TMI>::Cleanup(const TCallSite& home, const TCallee& callee,
                  });
   } catch (...) {
     // Out of memory: the provider is left as it is.
-    return;
   }
+  return true;
 }
 
-CMPIInstanceMI& TProvider::GetInstanceMI(TBroker& broker) {
+template class TProviderPart<CMPIInstanceMI>;
+template class TProviderPart<CMPIAssociationMI>;
+template class TProviderPart<CMPIMethodMI>;
+template class TProviderPart<CMPIPropertyMI>;
+
+TInUse<CMPIInstanceMI> TProvider::GetInstanceMI(TBroker& broker) {
   return m_instance.Get(m_library, "Instance", m_name, m_home, broker);
 }
 
-CMPIAssociationMI& TProvider::GetAssociationMI(TBroker& broker) {
+TInUse<CMPIAssociationMI> TProvider::GetAssociationMI(TBroker& broker) {
   return m_association.Get(m_library, "Association", m_name, m_home, broker);
 }
 
-CMPIMethodMI& TProvider::GetMethodMI(TBroker& broker) {
+TInUse<CMPIMethodMI> TProvider::GetMethodMI(TBroker& broker) {
   return m_method.Get(m_library, "Method", m_name, m_home, broker);
 }
 
-CMPIPropertyMI& TProvider::GetPropertyMI(TBroker& broker) {
+TInUse<CMPIPropertyMI> TProvider::GetPropertyMI(TBroker& broker) {
   return m_property.Get(m_library, "Property", m_name, m_home, broker);
 }
 
-void TProvider::Cleanup(TBroker& broker) noexcept {
+void TProvider::LogLeft(const char* kind) const {
+  LogToCore(ILogger::kWarning, Describe() + " is at work in its " + kind +
+                                   " functions at the end; their cleanup is not called; see rule "
+                                   "R9");
+}
+
+void TProvider::Cleanup(TBroker& broker, std::chrono::steady_clock::time_point deadline) noexcept {
   const TCallee callee = GetCallee("cleanup");
-  m_instance.Cleanup(m_home, callee, broker);
-  m_association.Cleanup(m_home, callee, broker);
-  m_method.Cleanup(m_home, callee, broker);
-  m_property.Cleanup(m_home, callee, broker);
+  const auto end = [&](auto& part, const char* kind) {
+    if (!part.Cleanup(m_home, callee, broker, deadline)) LogLeft(kind);
+  };
+  try {
+    end(m_instance, "Instance");
+    end(m_association, "Association");
+    end(m_method, "Method");
+    end(m_property, "Property");
+  } catch (const std::exception&) {
+    // Out of memory for the line: what has not ended by now is left, too.
+    return;
+  }
 }
 
 }  // namespace NZEPQEL20::cmpi

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -11,6 +13,25 @@
 
 namespace NZEPQEL20::cmpi {
 
+template <class TMI>
+class TProviderPart;
+
+/// Function objects that are in use while this lives: their provider is not told to end meanwhile.
+template <class TMI>
+class TInUse {
+ public:
+  explicit TInUse(TProviderPart<TMI>& part) : m_part(part) {}
+  ~TInUse() { m_part.Leave(); }
+  TInUse(const TInUse&) = delete;
+  TInUse& operator=(const TInUse&) = delete;
+
+  TMI& operator*() const { return *m_part.m_made; }
+  TMI* operator->() const { return m_part.m_made; }
+
+ private:
+  TProviderPart<TMI>& m_part;
+};
+
 /// Function objects of one kind of a provider: made once, when first needed.
 /// Threads: safe from several; no lock is held while the provider makes them.
 template <class TMI>
@@ -18,17 +39,25 @@ class TProviderPart {
  public:
   /// Errors: TQELException, as TProviderLibrary::Create(), the same each time; also when the
   /// provider comes back here while it makes them, on this thread or by way of another one that
-  /// waits for this, and after Cleanup().
-  TMI& Get(TProviderLibrary& library, const char* kind, const std::string& providerName,
-           const TCallSite& site, TBroker& broker);
+  /// waits for this, and as soon as Cleanup() has begun.
+  TInUse<TMI> Get(TProviderLibrary& library, const char* kind, const std::string& providerName,
+                  const TCallSite& site, TBroker& broker);
 
-  /// Ends what was made, if anything was.
-  void Cleanup(const TCallSite& home, const TCallee& callee, TBroker& broker) noexcept;
+  /// Ends what was made, if anything was, when nothing of it is in use any more. False when
+  /// something still is at `deadline`: nothing is called then.
+  bool Cleanup(const TCallSite& home, const TCallee& callee, TBroker& broker,
+               std::chrono::steady_clock::time_point deadline) noexcept;
 
  private:
+  friend class TInUse<TMI>;
+
   enum class EState { kNew, kBusy, kReady, kFailed, kEnded };
 
   bool Begin(const char* kind, const std::string& providerName);
+  void Leave() noexcept;
+  bool WaitForUsers(std::chrono::steady_clock::time_point deadline);
+  /// Whether there is anything to end; there is not any more from then on.
+  bool TakeEnded();
   void Finish(EState state);
   [[noreturn]] void Refuse(const char* kind, const std::string& providerName,
                            const char* reason) const;
@@ -36,6 +65,8 @@ class TProviderPart {
   std::mutex m_mutex;
   std::condition_variable m_changed;
   EState m_state = EState::kNew;
+  bool m_isEnding = false;
+  std::size_t m_users = 0;
   std::thread::id m_maker;
   TMI* m_made = nullptr;
   TQELException m_fault{TQELStatusCode::kFailed, ""};
@@ -58,15 +89,19 @@ class TProvider {
     return {m_name.c_str(), m_library.GetPath().c_str(), function};
   }
 
-  CMPIInstanceMI& GetInstanceMI(TBroker& broker);
-  CMPIAssociationMI& GetAssociationMI(TBroker& broker);
-  CMPIMethodMI& GetMethodMI(TBroker& broker);
-  CMPIPropertyMI& GetPropertyMI(TBroker& broker);
+  TInUse<CMPIInstanceMI> GetInstanceMI(TBroker& broker);
+  TInUse<CMPIAssociationMI> GetAssociationMI(TBroker& broker);
+  TInUse<CMPIMethodMI> GetMethodMI(TBroker& broker);
+  TInUse<CMPIPropertyMI> GetPropertyMI(TBroker& broker);
 
-  /// Tells every part that was made that the process ends.
-  void Cleanup(TBroker& broker) noexcept;
+  /// Tells every part that was made that the process ends, one after the other. Each is not called
+  /// any more from then on; one with calls under way that have not come back by `deadline` is left
+  /// as it is, with a line in the log.
+  void Cleanup(TBroker& broker, std::chrono::steady_clock::time_point deadline) noexcept;
 
  private:
+  void LogLeft(const char* kind) const;
+
   const std::string m_name;
   TProviderLibrary& m_library;
   const TCallSite m_home;

@@ -96,7 +96,8 @@ void TProviders::ReportUndeclared() {
 }
 
 TProviders::~TProviders() {
-  for (auto& [key, provider] : m_providers) provider->Cleanup(m_broker);
+  const auto deadline = std::chrono::steady_clock::now() + kEndPatience;
+  for (auto& [key, provider] : m_providers) provider->Cleanup(m_broker, deadline);
   m_broker.Retire();
 }
 

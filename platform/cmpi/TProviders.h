@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -35,6 +36,10 @@ class TProviders : public IBrokerHost {
 
   /// How many problems are kept: a provider may word each of its failures anew.
   static constexpr std::size_t kMaxProblems = 1000;
+
+  /// How long the end waits, for all providers together, for calls that have not come back. Less
+  /// than a host should wait for the end: who is next gets its cleanup before the host leaves.
+  static constexpr std::chrono::seconds kEndPatience{15};
 
   TProviders(std::shared_ptr<const TClassRepository> classes, TRegistrations registrations,
              ICIMOperations& operations);

@@ -45,7 +45,8 @@ std::optional<TProviderFinding> ProbeInstances(const cmpi::TProviders& providers
                                                const std::string& nameSpace) {
   const TRegistration& entry = *service.registration;
   cmpi::TBroker& broker = providers.GetBroker();
-  CMPIInstanceMI& mi = service.provider->GetInstanceMI(broker);
+  const auto functions = service.provider->GetInstanceMI(broker);
+  CMPIInstanceMI& mi = *functions;
   const TCallSite site = {nameSpace, entry.parameters};
   const TPassedPath path(cmpi::TPathContent{{}, nameSpace, entry.className, {}});
   TCallOutcome outcome = AskForInstances(broker, mi, site, path);

@@ -38,13 +38,13 @@ struct TKind {
 
 constexpr TKind kKinds[] = {
     {"instance", "Instance", &TRegistration::isInstance,
-     [](auto& provider, auto& broker) { return provider.GetInstanceMI(broker).ft->ftVersion; }},
+     [](auto& provider, auto& broker) { return provider.GetInstanceMI(broker)->ft->ftVersion; }},
     {"association", "Association", &TRegistration::isAssociation,
-     [](auto& provider, auto& broker) { return provider.GetAssociationMI(broker).ft->ftVersion; }},
+     [](auto& provider, auto& broker) { return provider.GetAssociationMI(broker)->ft->ftVersion; }},
     {"method", "Method", &TRegistration::isMethod,
-     [](auto& provider, auto& broker) { return provider.GetMethodMI(broker).ft->ftVersion; }},
+     [](auto& provider, auto& broker) { return provider.GetMethodMI(broker)->ft->ftVersion; }},
     {"property", "Property", &TRegistration::isProperty,
-     [](auto& provider, auto& broker) { return provider.GetPropertyMI(broker).ft->ftVersion; }},
+     [](auto& provider, auto& broker) { return provider.GetPropertyMI(broker)->ft->ftVersion; }},
     {"indication", "Indication", &TRegistration::isIndication, nullptr},
 };
 
