@@ -82,7 +82,7 @@ inline std::string TextOrEmpty(const char* text) {
 const char* RequireName(const char* text, const char* what);
 
 /// `text` as it is when it is UTF-8; otherwise each byte that is not part of a valid sequence
-/// counts as ISO 8859-1, as in MOF files. At most twice as long.
+/// counts as ISO 8859-1. At most twice as long.
 std::string ToUtf8(std::string text);
 
 }  // namespace NZEPQEL20::cmpi

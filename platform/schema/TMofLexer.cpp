@@ -73,6 +73,23 @@ void TMofLexer::SkipLineEnd() {
   m_column = 1;
 }
 
+std::size_t TMofLexer::GetWideBlank() const {
+  if (static_cast<unsigned char>(At()) < 0x80) {
+    return 0;
+  }
+  // Files that were put together have the mark amid the text.
+  for (const std::string_view blank : {"\xEF\xBB\xBF", "\xC2\xA0"}) {
+    if (m_text.compare(m_next, blank.size(), blank) == 0) {
+      return blank.size();
+    }
+  }
+  return 0;
+}
+
+bool TMofLexer::IsInName() const {
+  return !IsEnd() && IsNamePart(At()) && GetWideBlank() == 0;
+}
+
 bool TMofLexer::SkipBlockComment() {
   m_next += 2;
   while (!IsEnd()) {
@@ -96,6 +113,8 @@ bool TMofLexer::SkipBlanks(TMofToken& token) {
       SkipLineEnd();
     } else if (IsBlank(c)) {
       ++m_next;
+    } else if (const std::size_t wide = GetWideBlank(); wide != 0) {
+      m_next += wide;
     } else if (c == '/' && At(1) == '/') {
       while (!IsEnd() && !IsLineEnd(m_text[m_next])) {
         ++m_next;
@@ -148,7 +167,7 @@ TMofToken TMofLexer::Next() {
 
 void TMofLexer::ReadName(TMofToken& token, EMofToken kind) {
   const std::size_t start = m_next++;
-  while (!IsEnd() && IsNamePart(At())) {
+  while (IsInName()) {
     ++m_next;
   }
   token.kind = kind;
@@ -167,7 +186,7 @@ void TMofLexer::ReadNumber(TMofToken& token) {
     const char before = m_text[m_next - 1];
     const bool isExponentSign =
         isReal && (c == '+' || c == '-') && (before == 'e' || before == 'E');
-    if (!IsNamePart(c) && c != '.' && !isExponentSign) {
+    if (!IsInName() && c != '.' && !isExponentSign) {
       break;
     }
     isReal = isReal || c == '.';

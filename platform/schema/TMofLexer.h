@@ -13,7 +13,8 @@ namespace NZEPQEL20 {
 /// Cuts a MOF text into tokens.
 ///
 /// Every call makes progress until the end, whatever the text holds: what is no MOF comes as a
-/// kBad token. Comments and white space (form feed and control-Z among it) are passed over; LF,
+/// kBad token. Comments and white space (form feed, control-Z, no-break spaces and byte order marks
+/// among it) are passed over; LF,
 /// CR LF and CR each end a line.
 class TMofLexer {
  public:
@@ -32,6 +33,10 @@ class TMofLexer {
   }
   bool IsEnd() const { return m_next >= m_text.size(); }
 
+  /// Bytes of the character at the next place, if it is one beyond ASCII that shows as nothing.
+  std::size_t GetWideBlank() const;
+  /// Whether a name goes on at the next place.
+  bool IsInName() const;
   /// False, with `token` made a bad one, for a comment that is never closed.
   bool SkipBlanks(TMofToken& token);
   bool SkipBlockComment();

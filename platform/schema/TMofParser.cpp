@@ -272,9 +272,18 @@ void TMofParser::ParsePragma() {
   if (!IsOldPragma(nameText)) {
     Warn(name.position, "unknown pragma '" + nameText.substr(0, 40) + "' is ignored");
   }
-  if (IsSymbol('(')) {
-    while (Peek().kind != EMofToken::kEnd && !IsSymbol(';') && !IsSymbol('#') && !TakeSymbol(')')) {
-      Take();
+  SkipPragma(name.position.line);
+}
+
+void TMofParser::SkipPragma(unsigned int line) {
+  m_open = {};
+  const bool isParenthesized = IsSymbol('(');
+  while (Peek().kind != EMofToken::kEnd && !IsSymbol(';') && !IsSymbol('[') &&
+         !IsDeclarationStart() && (isParenthesized || Peek().position.line == line)) {
+    const bool isClosing = IsSymbol(')');
+    Take();
+    if (isClosing && isParenthesized && m_open.parentheses == 0) {
+      return;
     }
   }
 }
@@ -282,13 +291,20 @@ void TMofParser::ParsePragma() {
 void TMofParser::ParseNamespace(const std::string& text) {
   std::string name = text;
   std::replace(name.begin(), name.end(), '\\', '/');
-  const auto isSlash = [&name](std::size_t i) { return i < name.size() && name[i] == '/'; };
-  if (isSlash(0) && isSlash(1)) {
-    const std::size_t end = name.find_first_of('/', name.find_first_not_of('/'));
+  const std::size_t scheme = name.find("://");
+  // What stands before the host, as in http://host:5988/root, has no slash itself.
+  if (scheme != std::string::npos && scheme == name.find(':') && scheme < name.find('/')) {
+    name.erase(0, scheme + 1);
+  }
+  if (name.compare(0, 2, "//") == 0) {
+    const std::size_t end = name.find('/', name.find_first_not_of('/'));
     name.erase(0, end == std::string::npos ? name.size() : end);
   }
   name.erase(0, name.find_first_not_of('/'));
-  while (!name.empty() && name.back() == '/') {
+  // Where backslashes were doubled, as in other strings, each stands for one.
+  const auto isDouble = [](char left, char right) { return left == '/' && right == '/'; };
+  name.erase(std::unique(name.begin(), name.end(), isDouble), name.end());
+  if (!name.empty() && name.back() == '/') {
     name.pop_back();
   }
   m_sink.OnNamespace(name);

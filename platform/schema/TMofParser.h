@@ -56,6 +56,9 @@ class TMofParser {
   bool TakeQualifiersOfNext();
   void ParseEnd(const std::string& what);
   void ParsePragma();
+  /// Passes over the argument of a pragma without meaning: between parentheses, or to the end of
+  /// its `line`.
+  void SkipPragma(unsigned int line);
   void ParseNamespace(const std::string& text);
 
   // Classes.

@@ -114,7 +114,7 @@ TMofSource TMofSource::FromText(const std::string& name, std::string bytes) {
   if (bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) {
     bytes.erase(0, 3);
   }
-  return {name, MendUtf8(std::move(bytes))};
+  return {name, MendUtf8(std::move(bytes), EByteText::kWindows1252)};
 }
 
 bool IsBinary(const std::string& text) {

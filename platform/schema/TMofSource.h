@@ -21,7 +21,7 @@ struct TMofSource {
   static TMofSource ReadFile(const std::string& path, TSchemaSources* sources = nullptr);
 
   /// Takes `bytes` as they come: a byte order mark is dropped, UTF-16 with one is converted, and
-  /// each byte that is not UTF-8 counts as Latin-1.
+  /// each byte that is not UTF-8 counts as Windows-1252.
   static TMofSource FromText(const std::string& name, std::string bytes);
 
   std::string name;

@@ -20,14 +20,23 @@ bool IsSameList(const std::vector<TItem>& left, const std::vector<TItem>& right,
 }
 
 bool IsSameQualifier(const TSchemaQualifier& left, const TSchemaQualifier& right) {
-  return left.name == right.name && left.value == right.value &&
-         left.toSubclass == right.toSubclass && left.isOverridable == right.isOverridable;
+  return left.value == right.value && left.toSubclass == right.toSubclass &&
+         left.isOverridable == right.isOverridable;
+}
+
+/// In whatever order: an element has none of them twice.
+bool AreSameQualifiers(const TSchemaQualifiers& left, const TSchemaQualifiers& right) {
+  return left.size() == right.size() &&
+         std::all_of(left.begin(), left.end(), [&right](const TSchemaQualifier& qualifier) {
+           const TSchemaQualifier* same = FindQualifier(right, qualifier.name.c_str());
+           return same != nullptr && IsSameQualifier(qualifier, *same);
+         });
 }
 
 bool IsSameElement(const TSchemaElement& left, const TSchemaElement& right) {
-  return left.name == right.name && left.type == right.type && left.isArray == right.isArray &&
-         left.referenceClass == right.referenceClass &&
-         IsSameList(left.qualifiers, right.qualifiers, IsSameQualifier);
+  return IsSameName(left.name, right.name) && left.type == right.type &&
+         left.isArray == right.isArray && IsSameName(left.referenceClass, right.referenceClass) &&
+         AreSameQualifiers(left.qualifiers, right.qualifiers);
 }
 
 bool IsSameProperty(const TSchemaProperty& left, const TSchemaProperty& right) {
@@ -168,8 +177,8 @@ bool HasQualifier(const TSchemaQualifiers& qualifiers, const char* name) {
 }
 
 bool IsSameClass(const TSchemaClass& left, const TSchemaClass& right) {
-  return left.name == right.name && IsSameName(left.superclass, right.superclass) &&
-         IsSameList(left.qualifiers, right.qualifiers, IsSameQualifier) &&
+  return IsSameName(left.name, right.name) && IsSameName(left.superclass, right.superclass) &&
+         AreSameQualifiers(left.qualifiers, right.qualifiers) &&
          IsSameList(left.properties, right.properties, IsSameProperty) &&
          IsSameList(left.methods, right.methods, IsSameMethod);
 }

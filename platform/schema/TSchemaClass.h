@@ -57,7 +57,8 @@ const TSchemaQualifier* FindQualifier(const TSchemaQualifiers& qualifiers, const
 /// Whether the boolean qualifier is there and TRUE.
 bool HasQualifier(const TSchemaQualifiers& qualifiers, const char* name);
 
-/// Whether both declare the same; where they stand does not matter.
+/// Whether both declare the same; where they stand, the case of names and the order of qualifiers
+/// do not matter.
 bool IsSameClass(const TSchemaClass& left, const TSchemaClass& right);
 
 /// What `subclass` says, laid over all that `declaration` has and passes on. Afterwards

@@ -2,6 +2,7 @@
 #include "platform/schema/Utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 
@@ -10,6 +11,14 @@ namespace NZEPQEL20 {
 namespace {
 
 constexpr unsigned int kReplacement = 0xFFFD;
+
+unsigned int DecodeWindows1252(unsigned char byte) {
+  constexpr std::array<unsigned int, 32> kFrom80 = {
+      0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+      0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+      0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+  return byte >= 0x80 && byte < 0xA0 ? kFrom80.at(byte - 0x80U) : byte;
+}
 
 }  // namespace
 
@@ -84,7 +93,7 @@ unsigned int DecodeUtf8(std::string_view text, std::size_t& length) {
          (byte(3) & 0x3FU);
 }
 
-std::string MendUtf8(std::string bytes) {
+std::string MendUtf8(std::string bytes, EByteText others) {
   std::string mended;
   std::size_t good = 0;
   std::size_t i = 0;
@@ -104,7 +113,8 @@ std::string MendUtf8(std::string bytes) {
     const std::size_t length = GetUtf8Length(bytes, i);
     if (length == 0) {
       mended.append(bytes, good, i - good);
-      AppendUtf8(mended, static_cast<unsigned char>(bytes[i]));
+      const auto byte = static_cast<unsigned char>(bytes[i]);
+      AppendUtf8(mended, others == EByteText::kLatin1 ? byte : DecodeWindows1252(byte));
       good = i + 1;
     }
     i += std::max<std::size_t>(length, 1);

@@ -17,7 +17,13 @@ void AppendUtf8(std::string& out, unsigned int codePoint);
 /// text.
 unsigned int DecodeUtf8(std::string_view text, std::size_t& length);
 
-/// `bytes` as valid UTF-8: a byte that belongs to no sequence is read as ISO 8859-1.
-std::string MendUtf8(std::string bytes);
+/// What a byte counts as that belongs to no sequence.
+enum class EByteText {
+  kLatin1,      ///< ISO 8859-1.
+  kWindows1252  ///< The same, with characters for most codes from 0x80 to 0x9F.
+};
+
+/// `bytes` as valid UTF-8: at most twice as long, or three times with kWindows1252.
+std::string MendUtf8(std::string bytes, EByteText others = EByteText::kLatin1);
 
 }  // namespace NZEPQEL20

@@ -166,6 +166,51 @@ TEST(MofDeviationTest, EveryEncodingAndLineEndIsRead) {
   }
 }
 
+TEST(MofDeviationTest, BytesThatAreNotUtf8AreThoseOfWindows) {
+  TClassRepository repository;
+  EXPECT_EQ(
+      LoadLines(repository, "class A_B { string p = \"\x93Q\x94 Acme\x99 5\xB0 \x80 \x81\"; };"),
+      TLines());
+  EXPECT_EQ(repository.Find("A_B")->properties.at(0).defaultValue,
+            TCIMValue("\u201CQ\u201D Acme\u2122 5\u00B0 \u20AC \xC2\x81"));
+}
+
+struct TRedeclaredRow {
+  const char* name;
+  const char* mof;
+};
+void PrintTo(const TRedeclaredRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class MofRedeclaredTest : public ::testing::TestWithParam<TRedeclaredRow> {};
+
+TEST_P(MofRedeclaredTest, IsNotTheSame) {
+  TClassRepository repository;
+  const TLines first = LoadLines(
+      repository, "class A_B { [Key, Description(\"d\")] uint8 p; uint8 f([In] uint8 q); };");
+  EXPECT_EQ(first, TLines());
+  TLines lines = LoadLines(repository, GetParam().mof);
+  const TLines late = Lines(repository.Check());
+  lines.insert(lines.end(), late.begin(), late.end());
+  EXPECT_EQ(lines.size(), 1U) << ::testing::PrintToString(lines);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, MofRedeclaredTest,
+    ::testing::Values(
+        TRedeclaredRow{"OtherValue",
+                       "class A_B { [Key, Description(\"e\")] uint8 p; uint8 f([In] uint8 q); };"},
+        TRedeclaredRow{"OtherQualifier",
+                       "class A_B { [Key, DisplayName(\"d\")] uint8 p; uint8 f([In] uint8 q); };"},
+        TRedeclaredRow{"OneLess", "class A_B { [Key] uint8 p; uint8 f([In] uint8 q); };"},
+        TRedeclaredRow{"OtherName",
+                       "class A_B { [Key, Description(\"d\")] uint8 o; uint8 f([In] uint8 q); };"},
+        TRedeclaredRow{
+            "OfParameter",
+            "class A_B { [Key, Description(\"d\")] uint8 p; uint8 f([Out] uint8 q); };"}),
+    [](const auto& row) { return row.param.name; });
+
 TEST(MofDeviationTest, FilesWithoutDeclarationsAreValid) {
   for (const char* text :
        {"", "// only a comment", "/* one\n two */\n//#pragma include (\"x\")", " \t\r\n\x1A"}) {

@@ -133,17 +133,23 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(MofInstanceTest, NamespacesAreSwitchedByPragma) {
   TClassRepository repository;
-  LoadLines(repository,
-            std::string(kClasses) +
-                "instance of A_Node { Name = \"1\"; };\n"
-                "#pragma namespace (\"//host/root/a\")\ninstance of A_Node { Name = \"2\"; };\n"
-                "#pragma namespace (\"\\\\.\\root\\b\")\ninstance of A_Node { Name = \"3\"; };\n"
-                "# pragma NAMESPACE (\"/root/c/\")\ninstance of A_Node { Name = \"4\"; };");
+  LoadLines(
+      repository,
+      std::string(kClasses) +
+          "instance of A_Node { Name = \"1\"; };\n"
+          "#pragma namespace (\"//host/root/a\")\ninstance of A_Node { Name = \"2\"; };\n"
+          "#pragma namespace (\"\\\\.\\root\\b\")\ninstance of A_Node { Name = \"3\"; };\n"
+          "# pragma NAMESPACE (\"/root/c/\")\ninstance of A_Node { Name = \"4\"; };\n"
+          "#pragma namespace (\"\\\\\\\\.\\\\root\\\\d\")\ninstance of A_Node { Name = \"5\"; };\n"
+          "#pragma namespace (\"http://host:5988/root/e\")\n"
+          "instance of A_Node { Name = \"6\"; };\n"
+          "#pragma namespace (\"root//f/\")\ninstance of A_Node { Name = \"7\"; };\n"
+          "#pragma namespace (\"//host\")\ninstance of A_Node { Name = \"8\"; };");
   TLines names;
   for (const TCIMInstanceData& instance : repository.GetInstances()) {
     names.push_back(instance.path.GetNamespaceName());
   }
-  EXPECT_EQ(names, (TLines{"", "root/a", "root/b", "root/c"}));
+  EXPECT_EQ(names, (TLines{"", "root/a", "root/b", "root/c", "root/d", "root/e", "root/f", ""}));
 }
 
 TEST(MofInstanceTest, InstancesOfUnknownClassesAreKeptWithGuessedTypes) {

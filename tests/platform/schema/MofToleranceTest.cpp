@@ -48,6 +48,20 @@ INSTANTIATE_TEST_SUITE_P(
         TAcceptedRow{"DollarInName", "class A_B$1 { };class A_B : A_B$1 { uint8 p; };"},
         TAcceptedRow{"NamesBeyondAscii",
                      "class A_\xC3\xA9 { };class A_B : A_\xC3\xA9 { uint8 p; };"},
+        TAcceptedRow{"MarkInFront",
+                     "\xEF\xBB\xBF\xEF\xBB\xBF"
+                     "class A_B { uint8 p; };"},
+        TAcceptedRow{"MarkAmidText",
+                     "class A_A { };\n\xEF\xBB\xBF"
+                     "class A_B : A_A { uint8 p; };"},
+        TAcceptedRow{"NoBreakSpaces",
+                     "class\xC2\xA0"
+                     "A_B\xC2\xA0{ uint8\xC2\xA0p = 5\xC2\xA0;\xC2\xA0};"},
+        TAcceptedRow{"NoBreakSpacesOfOneByte", "class A_B { uint8\xA0p = 5\xA0; };"},
+        TAcceptedRow{
+            "SameAgain",
+            "class A_B { [Description(\"d\"), Key] uint8 p; uint8 f([In, Out] A_B REF q); };"
+            "class a_b { [KEY, description(\"d\")] Uint8 P; uint8 F([OUT, in] a_b ref Q); };"},
         TAcceptedRow{"KeywordsAsClasses",
                      "class Class { };class Instance : Class { };class Qualifier : Instance { };"
                      "class A_B : Qualifier { uint8 p; };"},
