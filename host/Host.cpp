@@ -234,7 +234,7 @@ EExitStatus RunArguments(const std::vector<std::string>& arguments) {
 int RunHost(int argc, char** argv) noexcept {
   try {
     OpenStandardDescriptors();
-    InstallTerminateHandler();
+    InstallTerminateHandler(&NZEPQEL20::GetOwnProviderCall);
     InstallCrashHandler(&NZEPQEL20::GetOwnProviderCall);
     const TExitGuard guard;
     // Progress has to show when it is made, also through a pipe.

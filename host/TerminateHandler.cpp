@@ -26,7 +26,21 @@ const TLastWords* lastWords = nullptr;
 
 constexpr char kNotKnown[] = "; the test's outcome is not known\n";
 
-std::string GetReason() {
+std::atomic<TGetOwnCall> ownCall{nullptr};
+
+/// The provider's function that this thread is in; empty when it is in none.
+std::string DescribeOwnCall() {
+  const TGetOwnCall get = ownCall;
+  const NZEPQEL20::TProviderCallNames call =
+      get == nullptr ? NZEPQEL20::TProviderCallNames{} : get();
+  if (call.library == nullptr) return {};
+  const std::string who = call.provider == nullptr
+                              ? std::string("library ")
+                              : std::string("provider ") + call.provider + " of ";
+  return who + call.library + " (" + call.function + ')';
+}
+
+std::string GetWords() {
   const std::exception_ptr current = std::current_exception();
   if (!current) return "ended without a reason";
   try {
@@ -36,6 +50,12 @@ std::string GetReason() {
   } catch (...) {
     return "failed for a reason that it did not give";
   }
+}
+
+std::string GetReason() {
+  const std::string called = DescribeOwnCall();
+  if (called.empty()) return GetWords();
+  return called + " let an exception out that nothing can catch: " + GetWords();
 }
 
 // Only what takes no waiting: the main thread may hold the stream, and the reader may be stuck.
@@ -85,13 +105,17 @@ std::atomic<pid_t> guarded{0};
 // Children that a provider forks end as they like.
 void OnExit() {
   if (::getpid() != guarded) return;
-  EndProcess([] { return std::string("a provider's library ended the process"); },
-             "; what was under way is not known; see rule R7\n");
+  const auto getReason = [] {
+    const std::string called = DescribeOwnCall();
+    return (called.empty() ? "a provider's library" : called) + " ended the process";
+  };
+  EndProcess(getReason, "; what was under way is not known; see rule R7\n");
 }
 
 }  // namespace
 
-void InstallTerminateHandler() noexcept {
+void InstallTerminateHandler(TGetOwnCall getOwnCall) noexcept {
+  ownCall = getOwnCall;
   std::set_terminate([] { EndProcess(&GetReason, kNotKnown); });
 }
 

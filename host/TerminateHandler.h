@@ -4,12 +4,16 @@
 #include <functional>
 #include <string>
 
+#include "host/CrashHandler.h"
+
 namespace host {
 
 /// From now on, an exception that leaves a thread ends the process with kNotFinished, after one
 /// line on standard error with what it says: no abort, so no core file. The method call of a test
-/// that announces its duration is on a thread of the runner's, which lets exceptions go.
-void InstallTerminateHandler() noexcept;
+/// that announces its duration is on a thread of the runner's, which lets exceptions go. The line
+/// names the provider's function that `getOwnCall` tells of: nothing catches what leaves a library
+/// while it is being loaded, for example.
+void InstallTerminateHandler(TGetOwnCall getOwnCall) noexcept;
 
 /// While it lives, an exit() of this process, which only a provider's library would call, ends it
 /// with kNotFinished after one line on standard error: not with a status that passes for a test's.

@@ -44,6 +44,11 @@ void TRegistrationTaker::Add(TRegistration entry, const std::string& location,
     return Fail(entry.source + ": \"" + nameSpace + "\" is not a namespace",
                 "write one as root/cimv2, or *", "R2");
   }
+  if (entry.nameSpace.find_first_of(",;\\") != std::string::npos) {
+    return Fail(entry.source + ": \"" + nameSpace + "\" is not a namespace",
+                "write one with slashes, as root/cimv2; several take a line or an entry each",
+                "R2");
+  }
   const std::size_t slash = registrationFile.rfind('/');
   const std::string folder = slash == std::string::npos ? "." : registrationFile.substr(0, slash);
   const TFoundLibrary library = m_libraries.Find(location, folder);

@@ -36,7 +36,7 @@ class TerminateHandlerTest : public ::testing::TestWithParam<TEndRow> {};
 TEST_P(TerminateHandlerTest, SaysOneLineAndExitsAsNotFinished) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto endInThread = [] {
-    InstallTerminateHandler();
+    InstallTerminateHandler(nullptr);
     std::thread(GetParam().end).join();
   };
   EXPECT_EXIT(endInThread(), ::testing::ExitedWithCode(2), GetParam().line);
@@ -56,6 +56,36 @@ INSTANTIATE_TEST_SUITE_P(
                               "^diagsrun: ended without a reason; the test's outcome is not "
                               "known\n$"}),
     [](const auto& row) { return row.param.name; });
+
+NZEPQEL20::TProviderCallNames GetLoading() noexcept {
+  return {nullptr, "/x/libacme.so", "dlopen"};
+}
+NZEPQEL20::TProviderCallNames GetCalled() noexcept {
+  return {"Acme", "/x/libacme.so", "getInstance"};
+}
+
+TEST(TerminateCallTest, NamesTheLibraryThatLetTheExceptionOut) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto end = [] {
+    InstallTerminateHandler(&GetLoading);
+    std::thread([] { throw std::runtime_error("gone"); }).join();
+  };
+  EXPECT_EXIT(end(), ::testing::ExitedWithCode(2),
+              "^diagsrun: library /x/libacme.so \\(dlopen\\) let an exception out that nothing can "
+              "catch: gone; the test's outcome is not known\n$");
+}
+
+TEST(ExitGuardTest, AnExitInAProvidersFunctionNamesIt) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto endGuarded = [] {
+    InstallTerminateHandler(&GetCalled);
+    const TExitGuard guard;
+    std::exit(0);
+  };
+  EXPECT_EXIT(endGuarded(), ::testing::ExitedWithCode(2),
+              "^diagsrun: provider Acme of /x/libacme.so \\(getInstance\\) ended the process; what "
+              "was under way is not known; see rule R7\n$");
+}
 
 TEST(ExitGuardTest, AnExitWhileItLivesIsSaidAndIsNotThatOfAPass) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -109,7 +139,7 @@ TEST(TerminateHandlerMemoryTest, ATextThatNoMemoryIsLeftForStillEndsInOneLine) {
 #else
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto endInThread = [] {
-    InstallTerminateHandler();
+    InstallTerminateHandler(nullptr);
     constexpr std::size_t kHuge = std::size_t{64} << 20U;
     std::vector<char> text(kHuge, 'x');
     text.back() = '\0';
@@ -127,7 +157,7 @@ TEST(TerminateHandlerMemoryTest, ATextThatNoMemoryIsLeftForStillEndsInOneLine) {
 TEST(LastWordsTest, ComeBeforeTheLine) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto end = [] {
-    InstallTerminateHandler();
+    InstallTerminateHandler(nullptr);
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
     const TLastWordsHold hold(
         [](const std::string& reason) { return "because: " + reason + "\n"; });
@@ -139,7 +169,7 @@ TEST(LastWordsTest, ComeBeforeTheLine) {
 TEST(LastWordsTest, ThatFailAreLetGo) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto end = [] {
-    InstallTerminateHandler();
+    InstallTerminateHandler(nullptr);
     const TLastWordsHold hold([](const std::string&) -> std::string { throw std::bad_alloc(); });
     std::thread([] { throw std::runtime_error("gone"); }).join();
   };
@@ -150,7 +180,7 @@ TEST(LastWordsTest, ThatFailAreLetGo) {
 TEST(LastWordsTest, AreNotSaidWhenTheHoldIsOver) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto end = [] {
-    InstallTerminateHandler();
+    InstallTerminateHandler(nullptr);
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
     {
       const TLastWordsHold hold([](const std::string&) { return "never\n"; });
@@ -163,7 +193,7 @@ TEST(LastWordsTest, AreNotSaidWhenTheHoldIsOver) {
 
 // What was held back of standard output goes to where standard error does, so that it is seen.
 void EndWithHeldOutput(bool isLocked) {
-  InstallTerminateHandler();
+  InstallTerminateHandler(nullptr);
   ::dup2(STDERR_FILENO, STDOUT_FILENO);
   static_cast<void>(std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ));
   static_cast<void>(std::fputs("half ", stdout));
