@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 #include "platform/contract/TCIMInstanceData.h"
 
@@ -57,7 +58,7 @@ std::size_t SkipCharacter(const std::string& text, std::size_t at) {
 }
 
 /// Moves `at` behind blanks, comments and `word`; false when another word stands there.
-bool Skip(const std::string& text, std::size_t& at, const std::string& word) {
+bool Skip(const std::string& text, std::size_t& at, std::string_view word) {
   for (std::size_t before = at + 1; before != at;) {
     while (at < text.size() && IsBlank(text[at])) {
       ++at;
@@ -65,7 +66,12 @@ bool Skip(const std::string& text, std::size_t& at, const std::string& word) {
     before = at;
     at = SkipComment(text, at);
   }
-  if (!IsSameName(text.substr(at, word.size()), word)) {
+  const auto isSame = [](char letter, char spelt) {
+    return letter == (spelt >= 'A' && spelt <= 'Z' ? static_cast<char>(spelt - 'A' + 'a') : spelt);
+  };
+  if (text.size() - at < word.size() ||
+      !std::equal(word.begin(), word.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
+                  isSame)) {
     return false;
   }
   at += word.size();

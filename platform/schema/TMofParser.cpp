@@ -218,6 +218,10 @@ void TMofParser::SkipToDeclaration() {
 }
 
 bool TMofParser::TakeQualifiersOfNext() {
+  if (m_skippedLists == TMofProblems::kMaxErrors) {
+    Take();
+    return false;
+  }
   try {
     TQualifiers qualifiers = ParseQualifiers();
     if (IsDeclarationStart()) {
@@ -231,6 +235,7 @@ bool TMofParser::TakeQualifiersOfNext() {
     if (error.isFatal) {
       throw;
     }
+    ++m_skippedLists;
   }
   return false;
 }

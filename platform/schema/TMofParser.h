@@ -52,7 +52,8 @@ class TMofParser {
   void ParseDeclaration();
   bool IsDeclarationStart();
   void SkipToDeclaration();
-  /// Whether the qualifiers that are next are those of a declaration; they are kept for it.
+  /// Whether the qualifiers that are next are those of a declaration; they are kept for it. So many
+  /// faulty ones are looked at as a text may have errors.
   bool TakeQualifiersOfNext();
   void ParseEnd(const std::string& what);
   void ParsePragma();
@@ -109,8 +110,9 @@ class TMofParser {
   std::size_t m_aheadCount = 0;
   std::size_t m_taken = 0;  ///< Tokens taken so far, to see whether a step made progress.
   std::size_t m_errorCount = 0;
-  TOpen m_open;           ///< Of the feature that is being read.
-  TQualifiers m_pending;  ///< Qualifiers that were read before their class was recognised.
+  std::size_t m_skippedLists = 0;  ///< Faulty qualifiers within what is skipped.
+  TOpen m_open;                    ///< Of the feature that is being read.
+  TQualifiers m_pending;           ///< Qualifiers that were read before their class was recognised.
 };
 
 /// The type that a MOF keyword names, in any case; kNone when it names none.

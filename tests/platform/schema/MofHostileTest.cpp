@@ -78,6 +78,18 @@ TEST(MofHostileTest, AFloodOfErrorsEndsTheFile) {
   }
 }
 
+TEST(MofHostileTest, AFloodOfOpenQualifiersInWhatIsSkippedIsPassedOver) {
+  std::string text = "class { ";
+  for (int i = 0; i < 5000; ++i) {
+    text += "[a ";
+  }
+  TClassRepository repository;
+  EXPECT_EQ(LoadLines(repository, text + "\n[Version(\"1\")] class A_B { };").size(), 1U);
+  // At some time nothing is expected of what stands in brackets any more.
+  ASSERT_NE(repository.Find("A_B"), nullptr);
+  EXPECT_TRUE(repository.Find("A_B")->qualifiers.empty());
+}
+
 TEST(MofHostileTest, AFloodOfWarningsIsCounted) {
   std::string text;
   for (int i = 0; i < 6000; ++i) {
