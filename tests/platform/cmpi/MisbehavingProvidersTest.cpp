@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,6 +19,7 @@
 #include "platform/cmpi/abi/cmpi.h"
 #include "platform/contract/TQELException.h"
 #include "tests/platform/cmpi/LibraryBytes.h"
+#include "tests/support/TTemporaryFolder.h"
 
 namespace NZEPQEL20 {
 namespace {
@@ -35,15 +35,15 @@ class BAD_Other : BAD_Base { };
 class MisbehavingProvidersTest : public testing::Test {
  protected:
   void Host(const std::string& library, const std::string& other = "") {
-    const std::string file = GetFolder() + "bad.registration";
+    const std::string file = m_folder.GetPath("bad.registration");
     TRegistrations registrations;
     {
       std::ofstream out(file);
       out << "BAD_Object root/cimv2 Bad " << library << " instance association method\n";
       if (!other.empty()) out << "BAD_Other root/cimv2 Bad " << other << " instance\n";
     }
-    Link(library);
-    if (!other.empty()) Link(other);
+    Copy(library);
+    if (!other.empty()) Copy(other);
     registrations.Load(file);
     unlink(file.c_str());
     auto classes = std::make_shared<TClassRepository>();
@@ -52,21 +52,13 @@ class MisbehavingProvidersTest : public testing::Test {
     ASSERT_TRUE(m_operations->GetProblems().empty()) << m_operations->GetProblems().front();
   }
 
-  /// A folder of this process alone: tests run beside each other.
-  static std::string GetFolder() {
-    const std::string folder = testing::TempDir() + "bad-" + std::to_string(getpid()) + "/";
-    mkdir(folder.c_str(), 0700);
-    return folder;
-  }
-
-  void TearDown() override { std::filesystem::remove_all(GetFolder()); }
-
-  /// Libraries lie beside their registration.
-  static void Link(const std::string& library) {
-    const std::string link = GetFolder() + "lib" + library + ".so";
-    unlink(link.c_str());
-    const std::string target = std::string(DIAGS_BAD_DIR) + "/lib" + library + ".so";
-    ASSERT_EQ(symlink(target.c_str(), link.c_str()), 0) << std::strerror(errno);
+  /// Libraries lie beside their registration. A copy knows nothing of what others have done.
+  void Copy(const std::string& library) {
+    const std::string source = std::string(DIAGS_BAD_DIR) + "/lib" + library + ".so";
+    const std::string target = m_folder.GetPath("lib" + library + ".so");
+    // One that is loaded must not change.
+    std::filesystem::remove(target);
+    if (library != "missing") std::filesystem::copy_file(source, target);
   }
 
   std::vector<TCIMInstanceData> Enumerate(const std::string& className = "BAD_Object") {
@@ -78,6 +70,7 @@ class MisbehavingProvidersTest : public testing::Test {
     return found;
   }
 
+  const TTemporaryFolder m_folder;
   std::unique_ptr<TCMPIOperations> m_operations;
 };
 
@@ -118,18 +111,18 @@ TEST_F(MisbehavingProvidersTest, AProviderNameThatTheFactoryDoesNotKnowIsAReason
     EXPECT_EQ(failure.GetCIMStatus(), static_cast<unsigned int>(CMPI_RC_ERR_FAILED));
   }
   EXPECT_THAT(m_operations->GetProblems(),
-              testing::ElementsAre("provider Bad in " + GetFolder() +
-                                   "libfactoryunknown.so: its Instance functions were refused: no "
-                                   "provider of that name; see rule R4"));
+              testing::ElementsAre("provider Bad in " + m_folder.GetPath("libfactoryunknown.so") +
+                                   ": its Instance functions were refused: no provider of that "
+                                   "name; see rule R4"));
 }
 
 TEST_F(MisbehavingProvidersTest, ManyUndeclaredClassesAreOneLineWithTheirNumber) {
-  const std::string file = GetFolder() + "bad.registration";
+  const std::string file = m_folder.GetPath("bad.registration");
   std::ofstream out(file);
   for (int i = 0; i < 5000; ++i) out << "BAD_No" << i << " root/cimv2/ Bad nodone instance\n";
   out << "BAD_Object root/cimv2/ Bad nodone instance\n";
   out.close();
-  Link("nodone");
+  Copy("nodone");
   TRegistrations registrations;
   registrations.Load(file);
   auto classes = std::make_shared<TClassRepository>();
@@ -144,7 +137,7 @@ TEST_F(MisbehavingProvidersTest, ManyUndeclaredClassesAreOneLineWithTheirNumber)
 
 TEST_F(MisbehavingProvidersTest, ALibraryThatIsCutOffIsAReasonWhileOthersGoOn) {
   Host("twice", "nodone");
-  const std::string library = GetFolder() + "libtwice.so";
+  const std::string library = m_folder.GetPath("libtwice.so");
   const std::string whole = ReadBytes(library);
   const std::size_t half = FindLoadedEnd(whole) / 2;
   unlink(library.c_str());
@@ -367,7 +360,7 @@ TEST_F(MisbehavingProvidersTest, AResultThatIsKeptBeyondItsCallIsRefused) {
 TEST_F(MisbehavingProvidersTest, TheEndCleansEveryProviderUpOnce) {
   Host("nodone");
   Enumerate();
-  const std::string path = std::string(DIAGS_BAD_DIR) + "/libnodone.so";
+  const std::string path = m_folder.GetPath("libnodone.so");
   void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
   ASSERT_NE(library, nullptr);
   int (*cleanups)() = nullptr;
@@ -443,18 +436,23 @@ TEST_F(ManyInstancesTest, TensOfThousandsArriveEachInItsPlaceAndLeaveNothingBehi
 // Sixteen times as many take sixteen times as long and as much memory; with any search through
 // those that came before, the time would go towards 256 times as long. A step of such a search
 // takes some nanoseconds, an instance some ten thousand: with thousands of steps for each it cannot
-// be missed.
+// be missed. Whatever else the machine does can slow either down, but not in every round.
 TEST_F(ManyInstancesTest, TimeAndMemoryGrowNoFasterThanTheirNumber) {
   constexpr int kFew = 2'000;
   constexpr int kTimes = 16;
+  constexpr int kRounds = 5;
   // Twice what an instance of two texts takes while it waits.
   constexpr std::size_t kMostForEach = 1024;
   Host("million");
   EnumerateMany(kFew);
-  const TOutcome few = EnumerateMany(kFew);
-  const TOutcome many = EnumerateMany(kFew * kTimes);
-  EXPECT_LT(many.seconds, 3 * kTimes * few.seconds);
-  EXPECT_LT(many.held, kMostForEach * kFew * kTimes);
+  bool isInTime = false;
+  for (int round = 0; round < kRounds && !isInTime; ++round) {
+    const TOutcome few = EnumerateMany(kFew);
+    const TOutcome many = EnumerateMany(kFew * kTimes);
+    isInTime = many.seconds < 3 * kTimes * few.seconds;
+    EXPECT_LT(many.held, kMostForEach * kFew * kTimes);
+  }
+  EXPECT_TRUE(isInTime);
 }
 
 }  // namespace

@@ -73,13 +73,14 @@ TEST_F(LibraryLoadingTest, ASiblingThatGoesByAnotherNameIsExplained) {
 }
 
 TEST_F(LibraryLoadingTest, ASiblingThatAnotherVendorBroughtIsNamedUnlessItIsTheSame) {
-  const auto write = [this](const std::string& vendor, const std::string& end) {
-    // A name that no other test has: what is loaded stays.
+  // A name that no other test has, nor another round of this one: what is loaded stays.
+  static int round = 1000;
+  const std::string soname = "libvendorTwo" + std::to_string(round++) + ".so0";
+  const auto write = [&](const std::string& vendor, const std::string& end) {
     for (const char* name : {"libneedscommon.so", "libvendorCommon.so.0"}) {
       std::string bytes = ReadLibrary(name);
-      bytes.replace(bytes.find("libvendorCommon.so.0"), 20, "libvendorTwofold.so0");
-      const std::string file =
-          std::string(name) == "libneedscommon.so" ? "/libx.so" : "/libvendorTwofold.so0";
+      bytes.replace(bytes.find("libvendorCommon.so.0"), soname.size(), soname);
+      const std::string file = std::string(name) == "libneedscommon.so" ? "/libx.so" : "/" + soname;
       m_vendor.Write(vendor + file, bytes + end);
     }
     return LoadLibrary(m_vendor.GetPath(vendor + "/libx.so"), m_vendor.GetPath(vendor));
@@ -90,9 +91,8 @@ TEST_F(LibraryLoadingTest, ASiblingThatAnotherVendorBroughtIsNamedUnlessItIsTheS
   EXPECT_EQ(write("b", "").doubt, "");
   const TLoadedLibrary third = write("c", "another build");
   EXPECT_NE(third.handle, nullptr) << third.reason;
-  EXPECT_EQ(third.doubt, "gets " + m_vendor.GetPath("a/libvendorTwofold.so0") +
-                             " of another vendor for libvendorTwofold.so0, and not its own " +
-                             m_vendor.GetPath("c/libvendorTwofold.so0") +
+  EXPECT_EQ(third.doubt, "gets " + m_vendor.GetPath("a/" + soname) + " of another vendor for " +
+                             soname + ", and not its own " + m_vendor.GetPath("c/" + soname) +
                              "; give that another soname; see rule R15");
 }
 
