@@ -44,6 +44,17 @@ std::string ReadMessage(const CMPIString* message) {
   }
 }
 
+/// Says that a provider threw, in its own `words` if it has any; `what()` may answer with NULL.
+/// Without memory for all of it the message stays shorter.
+void DescribeThrown(std::string& message, const char* words) noexcept {
+  try {
+    message = "the provider threw an exception";
+    if (words != nullptr) message += std::string(": ") + ToUtf8(words);
+  } catch (...) {
+    return;
+  }
+}
+
 void Run(TCallOutcome& outcome, const TProviderFunction& function, const CMPIContext* context,
          const CMPIResult* result) {
   try {
@@ -52,10 +63,10 @@ void Run(TCallOutcome& outcome, const TProviderFunction& function, const CMPICon
     if (outcome.code != CMPI_RC_OK) outcome.message = ReadMessage(status.msg);
   } catch (const std::exception& failure) {
     outcome.code = CMPI_RC_ERR_FAILED;
-    outcome.message = std::string("the provider threw an exception: ") + ToUtf8(failure.what());
+    DescribeThrown(outcome.message, failure.what());
   } catch (...) {
     outcome.code = CMPI_RC_ERR_FAILED;
-    outcome.message = "the provider threw an exception";
+    DescribeThrown(outcome.message, nullptr);
   }
 }
 

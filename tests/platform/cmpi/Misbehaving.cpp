@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -24,6 +25,11 @@ namespace {
 const CMPIBroker* theBroker = nullptr;
 const CMPIResult* theLateResult = nullptr;
 int theCleanups = 0;
+
+/// An exception that has no words.
+struct TWordless : std::exception {
+  const char* what() const noexcept override { return nullptr; }
+};
 
 CMPIString* Text(const char* text) {
   return theBroker->eft->newString(theBroker, text, nullptr);
@@ -190,6 +196,7 @@ CMPIStatus EnumerateInstances(CMPIInstanceMI*, const CMPIContext* context, const
   if (DIAGS_IS("others")) ReturnOthers(result, request);
   if (DIAGS_IS("million")) return ReturnMany(result, request);
   if (DIAGS_IS("keeps") && theKept.path != nullptr) return UseKept();
+  if (DIAGS_IS("throwsnull")) throw TWordless();
   if (DIAGS_IS("throws")) throw std::runtime_error("out of luck");
   if (DIAGS_IS("code")) return {CMPI_RC_ERR_ACCESS_DENIED, Text("not for you")};
   if (DIAGS_IS("oddcode")) return {static_cast<CMPIrc>(4711), nullptr};

@@ -151,23 +151,22 @@ TEST_F(MisbehavingProvidersTest, ALibraryThatIsCutOffIsAReasonWhileOthersGoOn) {
   EXPECT_EQ(Enumerate("BAD_Base").size(), 1U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Libraries, FaultyProviderTest,
-                         testing::Values(TFaultRow{"notalibrary", "cannot be loaded"},
-                                         TFaultRow{"missing", "cannot be loaded"},
-                                         TFaultRow{"unresolved", "DiagsSymbolThatNobodyHas"},
-                                         TFaultRow{"noentry", "neither Bad_Create_InstanceMI nor"},
-                                         TFaultRow{"nulltable", "no function table"},
-                                         TFaultRow{"nullslots", "CIM_ERR_NOT_SUPPORTED"},
-                                         TFaultRow{"factorythrows", "factory on strike"},
-                                         TFaultRow{"factorynull", "were not made"},
-                                         TFaultRow{"factoryrefuses", "no hardware here"},
-                                         TFaultRow{"factoryunknown", "no provider of that name"},
-                                         TFaultRow{"throws", "out of luck"},
-                                         TFaultRow{"throwsall", "out of luck in enumerateInst"},
-                                         TFaultRow{"codes", "not for you: enumerateInstances"},
-                                         TFaultRow{"code", "not for you"},
-                                         TFaultRow{"oddcode", "CMPI status 4711"}),
-                         [](const auto& row) { return std::string(row.param.library); });
+INSTANTIATE_TEST_SUITE_P(
+    Libraries, FaultyProviderTest,
+    testing::Values(
+        TFaultRow{"notalibrary", "cannot be loaded"}, TFaultRow{"missing", "cannot be loaded"},
+        TFaultRow{"unresolved", "DiagsSymbolThatNobodyHas"},
+        TFaultRow{"noentry", "neither Bad_Create_InstanceMI nor"},
+        TFaultRow{"nulltable", "no function table"},
+        TFaultRow{"nullslots", "CIM_ERR_NOT_SUPPORTED"},
+        TFaultRow{"factorythrows", "factory on strike"}, TFaultRow{"factorynull", "were not made"},
+        TFaultRow{"factoryrefuses", "no hardware here"},
+        TFaultRow{"factoryunknown", "no provider of that name"}, TFaultRow{"throws", "out of luck"},
+        TFaultRow{"throwsnull", ": the provider threw an exception"},
+        TFaultRow{"throwsall", "out of luck in enumerateInst"},
+        TFaultRow{"codes", "not for you: enumerateInstances"}, TFaultRow{"code", "not for you"},
+        TFaultRow{"oddcode", "CMPI status 4711"}),
+    [](const auto& row) { return std::string(row.param.library); });
 
 struct TCountRow {
   const char* library;
