@@ -13,14 +13,20 @@ thread_local TScope* currentScope = nullptr;
 class TThreadScope {
  public:
   TThreadScope() : m_scope(std::make_unique<TScope>(TScope::EKind::kThread)) {}
-  ~TThreadScope() { m_scope.reset(); }
-  /// Anew when the thread is ending and has destroyed its scope already; that one stays, because
-  /// nothing runs after it that could end it.
-  TScope& Get() { return m_scope != nullptr ? *m_scope : *new TScope(TScope::EKind::kThread); }
+  ~TThreadScope() { isGone = true; }
+  TThreadScope(const TThreadScope&) = delete;
+  TThreadScope& operator=(const TThreadScope&) = delete;
+
+  TScope& Get() { return *m_scope; }
+
+  /// Objects may be made on a thread that is ending and has destroyed its scope already.
+  static thread_local bool isGone;
 
  private:
   std::unique_ptr<TScope> m_scope;
 };
+
+thread_local bool TThreadScope::isGone = false;
 
 }  // namespace
 
@@ -52,6 +58,10 @@ TScope::~TScope() {
 }
 
 TScope& TScope::Current() {
+  if (currentScope == nullptr && TThreadScope::isGone) {
+    // It stays: nothing runs after this that could end it.
+    return *new TScope(EKind::kThread);
+  }
   if (currentScope == nullptr) {
     thread_local TThreadScope threadScope;
     currentScope = &threadScope.Get();

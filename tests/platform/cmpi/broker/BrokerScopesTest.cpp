@@ -4,6 +4,8 @@
 // of the other builds tell.
 #include <malloc.h>
 
+#include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 
@@ -217,16 +219,26 @@ TEST_F(BrokerScopesTest, MemoryThatTheBrokerDoesNotKnowIsLeftAlone) {
   EXPECT_EQ(mft.cmpiCalloc(m_broker, ~std::size_t{0}, 16), nullptr);
 }
 
-TEST_F(BrokerScopesTest, ObjectsCanBeFreedEarly) {
+TEST_F(BrokerScopesTest, WhatIsFreedEarlyIsGoneAtOnce) {
   const CMPIBrokerMemFT& mft = *m_broker->mft;
-  mft.freeString(m_broker, NewString("x"));
-  mft.freeInstance(m_broker, NewInstance());
-  mft.freeObjectPath(m_broker, NewPath());
-  mft.freeArgs(m_broker, m_broker->eft->newArgs(m_broker, nullptr));
-  mft.freeArray(m_broker, m_broker->eft->newArray(m_broker, 1, CMPI_uint8, nullptr));
-  mft.freeDateTime(m_broker, m_broker->eft->newDateTime(m_broker, nullptr));
+  const auto expectGone = [&](auto* object, const auto& free) {
+    free(m_broker, object);
+    EXPECT_EQ(object->ft->release(object).rc, CMPI_RC_ERR_INVALID_HANDLE);
+  };
+  expectGone(NewString("x"), mft.freeString);
+  expectGone(NewInstance(), mft.freeInstance);
+  expectGone(NewPath(), mft.freeObjectPath);
+  expectGone(m_broker->eft->newArgs(m_broker, nullptr), mft.freeArgs);
+  expectGone(m_broker->eft->newArray(m_broker, 1, CMPI_uint8, nullptr), mft.freeArray);
+  expectGone(m_broker->eft->newDateTime(m_broker, nullptr), mft.freeDateTime);
+}
+
+TEST_F(BrokerScopesTest, FreeingNothingDoesNothing) {
+  const CMPIBrokerMemFT& mft = *m_broker->mft;
+  CMPIString* other = NewString("x");
   mft.freeSelectExp(m_broker, nullptr);
   mft.freeString(m_broker, nullptr);
+  EXPECT_EQ(Text(other), "x");
 }
 
 TEST_F(BrokerScopesTest, AResultRefusesWhatComesAfterItsCall) {
@@ -270,6 +282,32 @@ TEST_F(BrokerScopesTest, AThreadNobodyToldTheBrokerOfCanMakeObjects) {
   }).join();
   EXPECT_EQ(text, "red");
   EXPECT_EQ(alive, 0) << "the end of the thread ends its objects";
+}
+
+/// Acts when its thread ends.
+struct TAtThreadEnd {
+  ~TAtThreadEnd() {
+    if (act) act();
+  }
+  std::function<void()> act;
+};
+
+TEST_F(BrokerScopesTest, AThreadThatIsEndingCanStillMakeObjects) {
+  std::thread([&] {
+    // Made before the thread's scope, it ends after that.
+    thread_local TAtThreadEnd late;
+    late.act = [&] {
+      EXPECT_EQ(m_alive, 0) << "the thread's scope has gone";
+      const std::unique_ptr<TScope> scope(&TScope::Current());
+      Make<TCounted>(m_alive);
+      Make<TCounted>(m_alive);
+      EXPECT_EQ(m_alive, 2);
+      EXPECT_EQ(&TScope::Current(), scope.get());
+    };
+    Make<TCounted>(m_alive);
+    EXPECT_EQ(m_alive, 1);
+  }).join();
+  EXPECT_EQ(m_alive, 0);
 }
 
 TEST_F(BrokerScopesTest, AnObjectReleasedOnAnotherThreadStaysUntilItsCallEnds) {
