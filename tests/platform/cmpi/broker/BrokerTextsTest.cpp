@@ -201,8 +201,12 @@ TEST_F(BrokerKeysTest, AnInstanceIsCreatedUnderTheKeysOfThePathBesideIt) {
 }
 
 TEST_F(BrokerKeysTest, AnArrayOfACountThatNobodyMeantIsRefused) {
-  EXPECT_EQ(m_broker->eft->newArray(m_broker, 0xFFFFFFFFU, CMPI_string, &m_rc), nullptr);
-  EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_SERVER_LIMITS_EXCEEDED);
+  constexpr CMPICount kMost = 1024 * 1024;
+  for (const CMPICount count : {kMost + 1, CMPICount{0xFFFFFFFF}}) {
+    EXPECT_EQ(m_broker->eft->newArray(m_broker, count, CMPI_string, &m_rc), nullptr);
+    EXPECT_EQ(m_rc.rc, CMPI_RC_ERR_SERVER_LIMITS_EXCEEDED) << count;
+  }
+  EXPECT_NE(m_broker->eft->newArray(m_broker, kMost, CMPI_uint8, &m_rc), nullptr);
 }
 
 TEST_F(BrokerKeysTest, ACallsContextHasTheParametersOfItsRegistration) {
