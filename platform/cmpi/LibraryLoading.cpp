@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -75,13 +74,6 @@ class TTakenFiles {
   std::mutex m_mutex;
   std::set<std::string> m_paths;
 };
-
-bool HasSameBytes(const std::string& left, const std::string& right) {
-  std::ifstream first(left, std::ios::binary);
-  std::ifstream second(right, std::ios::binary);
-  using TBytes = std::istreambuf_iterator<char>;
-  return std::equal(TBytes(first), TBytes(), TBytes(second), TBytes());
-}
 
 /// Where the library that goes by `name` was loaded from; empty when there is none.
 std::string FindLoaded(const std::string& name) {
@@ -186,7 +178,7 @@ class TSiblingLoader {
                  const std::vector<std::string>& files) {
     if (!TTakenFiles::Get().Has(loaded)) return;
     const bool isSame = std::any_of(files.begin(), files.end(), [&](const std::string& file) {
-      return file == loaded || HasSameBytes(file, loaded);
+      return file == loaded || IsSameFile(file, loaded);
     });
     if (isSame) return;
     m_loaded.doubt = "gets " + loaded + " of another vendor for " + name + ", and not its own " +

@@ -6,17 +6,11 @@
 
 #include "platform/cmpi/TProviders.h"
 #include "platform/contract/TCIMInstanceData.h"
+#include "platform/schema/TMofQualifierTable.h"
 
 namespace NZEPQEL20::cmpi {
 
 namespace {
-
-std::string ToLower(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
 
 /// A key's value as text; numbers of all widths, and numbers that arrived as texts, look the same.
 std::string ValueText(const TCIMValue& value) {
@@ -51,9 +45,9 @@ bool IsSameKind(const IBrokerHost& host, const std::string& left, const std::str
 std::string GetIdentity(const TCIMReference& path, const std::string& nameSpace) {
   std::string place = path.GetNamespaceName().empty() ? nameSpace : path.GetNamespaceName();
   place.erase(0, place.find_first_not_of('/'));
-  std::string identity = ToLower(place + ':' + path.GetClassName());
+  std::string identity = FoldName(place + ':' + path.GetClassName());
   std::map<std::string, std::string> keys;
-  for (const auto& [name, value] : path.GetKeys()) keys[ToLower(name)] = ValueText(value);
+  for (const auto& [name, value] : path.GetKeys()) keys[FoldName(name)] = ValueText(value);
   for (const auto& [name, text] : keys) {
     // The length keeps a text with separators in it from looking like two keys.
     identity.append(",").append(name).append("=").append(std::to_string(text.size()));

@@ -147,13 +147,13 @@ class TPegasusReader {
     TRegistration entry;
     entry.className = GetText(capabilities, "ClassName");
     entry.providerName = GetText(capabilities, "ProviderName");
-    m_module = GetText(capabilities, "ProviderModuleName");
+    const std::string module = GetText(capabilities, "ProviderModuleName");
     entry.source = m_file + ": PG_ProviderCapabilities \"" + GetText(capabilities, "CapabilityID") +
                    "\" of class " + entry.className;
-    const auto provider = m_providers.find({m_module, entry.providerName});
+    const auto provider = m_providers.find({module, entry.providerName});
     if (provider != m_providers.end()) provider->second = true;
-    if (!HasNames(entry) || !HasModule(entry) || !MarkTypes(entry, capabilities)) return;
-    AddAll(entry, capabilities);
+    if (!HasNames(entry) || !HasModule(entry, module) || !MarkTypes(entry, capabilities)) return;
+    AddAll(entry, capabilities, GetText(*m_modules[module], "Location"));
   }
 
   void Fail(const TRegistration& entry, const std::string& reason, const std::string& remedy) {
@@ -170,27 +170,27 @@ class TPegasusReader {
     return false;
   }
 
-  bool HasModule(const TRegistration& entry) {
-    if (m_providers.find({m_module, entry.providerName}) == m_providers.end()) {
+  bool HasModule(const TRegistration& entry, const std::string& name) {
+    if (m_providers.find({name, entry.providerName}) == m_providers.end()) {
       Fail(entry,
-           "there is no PG_Provider \"" + entry.providerName + "\" of module \"" + m_module + "\"",
+           "there is no PG_Provider \"" + entry.providerName + "\" of module \"" + name + "\"",
            "add the instance, or mend ProviderModuleName and ProviderName");
       return false;
     }
-    const auto module = m_modules.find(m_module);
+    const auto module = m_modules.find(name);
     if (module == m_modules.end()) {
-      Fail(entry, "there is no PG_ProviderModule \"" + m_module + "\"",
+      Fail(entry, "there is no PG_ProviderModule \"" + name + "\"",
            "add the instance, or mend ProviderModuleName");
       return false;
     }
     const std::string interfaceType = GetText(*module->second, "InterfaceType");
     if (!IsSameName(interfaceType, "CMPI")) {
-      m_unhosted.push_back(entry.source + ": module \"" + m_module + "\" has the interface \"" +
+      m_unhosted.push_back(entry.source + ": module \"" + name + "\" has the interface \"" +
                            interfaceType + "\", and only CMPI is hosted");
       return false;
     }
     if (!GetText(*module->second, "Location").empty()) return true;
-    Fail(entry, "module \"" + m_module + "\" has no Location", "set it to the library's name");
+    Fail(entry, "module \"" + name + "\" has no Location", "set it to the library's name");
     return false;
   }
 
@@ -218,10 +218,10 @@ class TPegasusReader {
     return isDriven;
   }
 
-  void AddAll(TRegistration entry, const TCIMInstanceData& capabilities) {
+  void AddAll(TRegistration entry, const TCIMInstanceData& capabilities,
+              const std::string& location) {
     const std::vector<std::string> nameSpaces = GetTexts(capabilities, "Namespaces");
     if (nameSpaces.empty()) return Fail(entry, "has no Namespaces", "name at least one");
-    const std::string location = GetText(*m_modules[m_module], "Location");
     for (const std::string& nameSpace : nameSpaces) {
       entry.nameSpace = nameSpace;
       m_taker.Add(entry, location, m_file);
@@ -234,7 +234,6 @@ class TPegasusReader {
   std::map<std::string, const TCIMInstanceData*> m_modules;
   std::map<std::pair<std::string, std::string>, bool> m_providers;  ///< Whether it serves a class.
   std::vector<const TCIMInstanceData*> m_capabilities;
-  std::string m_module;
   std::vector<std::string> m_unhosted;  ///< What is said of classes of other interfaces.
   bool m_hasHosted = false;
 };

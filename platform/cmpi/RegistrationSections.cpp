@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The form with a section for each class, as sfcb reads it.
-#include <algorithm>
 #include <map>
+#include <tuple>
 #include <utility>
 
 #include "platform/cmpi/TRegistrationTaker.h"
 #include "platform/contract/TCIMInstanceData.h"
+#include "platform/schema/TMofQualifierTable.h"
 
 namespace NZEPQEL20 {
 
@@ -159,9 +160,7 @@ class TSectionReader {
   bool IsOneOfAKind(const TRegistration& entry) {
     const auto types = std::make_tuple(entry.isInstance, entry.isAssociation, entry.isMethod,
                                        entry.isProperty, entry.isIndication);
-    std::string pair = entry.className + ' ' + entry.providerName;
-    std::transform(pair.begin(), pair.end(), pair.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    const std::string pair = FoldName(entry.className + ' ' + entry.providerName);
     const auto [known, isNew] = m_types.emplace(pair, std::make_pair(types, entry.source));
     if (isNew || known->second.first == types) return true;
     Fault("provider " + entry.providerName + " is registered for it with other types at " +
@@ -183,7 +182,6 @@ class TSectionReader {
     if (!IsOneOfAKind(entry)) return;
     WarnOfUnused();
     entry.parameters = m_section.Get("parameters");
-    entry.neverUnload = IsSameName(m_section.Get("unload"), "never");
     const std::string location = SplitWords(m_section.Get("location")).front();
     for (const std::string& nameSpace : SplitWords(m_section.Get("namespace"))) {
       entry.nameSpace = nameSpace;

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include "platform/schema/TDescriptor.h"
 
@@ -217,10 +218,9 @@ class TElfFile::TReader {
     const std::uint64_t size = std::min(texts->size, FindEntry(DT_STRSZ).value_or(0));
     m_texts = m_file.ReadTable<char>(texts->offset, size);
     for (const ElfW(Dyn) & entry : m_dynamic) {
-      if (entry.d_tag != DT_NEEDED && entry.d_tag != DT_SONAME) continue;
-      const std::string text = GetText(entry.d_un.d_val);
-      if (entry.d_tag == DT_SONAME) m_elf.m_soname = text;
-      if (entry.d_tag == DT_NEEDED && !text.empty()) m_elf.m_needed.push_back(text);
+      if (entry.d_tag != DT_NEEDED) continue;
+      std::string text = GetText(entry.d_un.d_val);
+      if (!text.empty()) m_elf.m_needed.push_back(std::move(text));
     }
     return {};
   }

@@ -30,8 +30,6 @@ class TElfFile {
   bool HasAllSymbols() const { return m_hasAllSymbols; }
   /// Names of the libraries that it needs.
   const std::vector<std::string>& GetNeeded() const { return m_needed; }
-  /// The name that it goes by; empty when it has none.
-  const std::string& GetSoname() const { return m_soname; }
 
  private:
   class TReader;
@@ -40,7 +38,6 @@ class TElfFile {
   std::vector<std::string> m_symbols;
   bool m_hasAllSymbols = false;
   std::vector<std::string> m_needed;
-  std::string m_soname;
 };
 
 }  // namespace NZEPQEL20

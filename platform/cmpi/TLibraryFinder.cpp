@@ -14,11 +14,6 @@ std::string GetName(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
 
-std::string GetFolderOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "." : path.substr(0, slash);
-}
-
 bool StartsWith(const std::string& text, const std::string& start) {
   return text.compare(0, start.size(), start) == 0;
 }

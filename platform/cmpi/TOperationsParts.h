@@ -33,7 +33,6 @@ inline bool IsRefusal(const TQELException& failure) {
 class TWorstFailure {
  public:
   void Add(const TQELException& failure);
-  bool IsEmpty() const { return !m_failure; }
   /// Errors: the failure, if there was any.
   void ThrowIfAny() const;
 

@@ -80,7 +80,6 @@ class TProvider {
       : m_name(std::move(name)), m_library(library), m_home(std::move(home)) {}
 
   const std::string& GetName() const { return m_name; }
-  TProviderLibrary& GetLibrary() const { return m_library; }
   /// "provider NAME (FILE)" for messages.
   std::string Describe() const { return "provider " + m_name + " (" + m_library.GetPath() + ')'; }
 

@@ -39,12 +39,6 @@ void Log(const std::string& text) {
 /// Undeclared classes of one registration file that are told one by one.
 constexpr std::size_t kMaxUndeclared = 3;
 
-std::string WithoutSlashes(const std::string& nameSpace) {
-  const std::size_t start = nameSpace.find_first_not_of('/');
-  if (start == std::string::npos) return {};
-  return nameSpace.substr(start, nameSpace.find_last_not_of('/') + 1 - start);
-}
-
 }  // namespace
 
 bool IsServedIn(const TRegistration& registration, const std::string& nameSpace) {
@@ -52,7 +46,7 @@ bool IsServedIn(const TRegistration& registration, const std::string& nameSpace)
 }
 
 bool IsSameNamespace(const std::string& left, const std::string& right) {
-  return IsSameName(left, right) || IsSameName(WithoutSlashes(left), WithoutSlashes(right));
+  return IsSameName(left, right) || IsSameName(TrimSlashes(left), TrimSlashes(right));
 }
 
 TProviders::TProviders(std::shared_ptr<const TClassRepository> classes,

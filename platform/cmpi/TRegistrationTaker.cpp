@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/cmpi/OneLine.h"
+#include "platform/cmpi/VendorFiles.h"
 #include "platform/contract/TCIMInstanceData.h"
 
 namespace NZEPQEL20 {
@@ -20,12 +21,6 @@ bool IsNameCharacter(char c) {
 
 constexpr std::size_t kMaxLine = 65536;
 constexpr char kBlanks[] = " \t\f\v\r";
-
-std::string TrimSlashes(const std::string& text) {
-  const std::size_t start = text.find_first_not_of('/');
-  if (start == std::string::npos) return {};
-  return text.substr(start, text.find_last_not_of('/') + 1 - start);
-}
 
 }  // namespace
 
@@ -49,9 +44,7 @@ void TRegistrationTaker::Add(TRegistration entry, const std::string& location,
                 "write one with slashes, as root/cimv2; several take a line or an entry each",
                 "R2");
   }
-  const std::size_t slash = registrationFile.rfind('/');
-  const std::string folder = slash == std::string::npos ? "." : registrationFile.substr(0, slash);
-  const TFoundLibrary library = m_libraries.Find(location, folder);
+  const TFoundLibrary library = m_libraries.Find(location, GetFolderOf(registrationFile));
   if (location.find('/') != std::string::npos) {
     Warn(entry.source + ": library \"" + location + "\" is a path; " + library.path +
              " is meant here",

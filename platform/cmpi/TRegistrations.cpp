@@ -13,6 +13,7 @@
 #include "platform/contract/TCIMInstanceData.h"
 #include "platform/contract/TQELException.h"
 #include "platform/schema/TMofOutlines.h"
+#include "platform/schema/TMofQualifierTable.h"
 #include "platform/schema/TMofSource.h"
 
 namespace NZEPQEL20 {
@@ -20,11 +21,6 @@ namespace NZEPQEL20 {
 namespace {
 
 using EForm = TRegistrations::EForm;
-
-std::string GetFolderOf(const std::string& file) {
-  const std::size_t slash = file.rfind('/');
-  return slash == std::string::npos ? "." : file.substr(0, slash);
-}
 
 /// What the first line that is no comment looks like.
 EForm FindTextForm(const std::string& text, const std::string& file) {
@@ -44,10 +40,8 @@ EForm FindForm(const std::string& text, const std::string& file) {
 /// What an entry is known by: the same for all that say something of one class and provider.
 std::string MakeKey(const TRegistration& entry) {
   constexpr char kSeparator = '\x1F';
-  std::string key = entry.className + kSeparator + entry.nameSpace;
-  std::transform(key.begin(), key.end(), key.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-  return key + kSeparator + entry.providerName + kSeparator + entry.library;
+  return FoldName(entry.className + kSeparator + entry.nameSpace) + kSeparator +
+         entry.providerName + kSeparator + entry.library;
 }
 
 /// Errors: TQELException with the reason, as TMofSource::ReadFile().
@@ -65,6 +59,12 @@ std::string ReadBounded(const std::string& file) {
 }
 
 }  // namespace
+
+std::string TrimSlashes(const std::string& nameSpace) {
+  const std::size_t start = nameSpace.find_first_not_of('/');
+  if (start == std::string::npos) return {};
+  return nameSpace.substr(start, nameSpace.find_last_not_of('/') + 1 - start);
+}
 
 std::string TRegistrationProblem::ToString() const {
   return text + "; " + remedy + "; see rule " + rule;
@@ -154,7 +154,6 @@ void TRegistrations::Add(const TRegistration& entry) {
   known.isMethod = known.isMethod || entry.isMethod;
   known.isProperty = known.isProperty || entry.isProperty;
   known.isIndication = known.isIndication || entry.isIndication;
-  known.neverUnload = known.neverUnload || entry.neverUnload;
   if (known.parameters.empty()) known.parameters = entry.parameters;
 }
 

@@ -17,19 +17,21 @@ struct TRegistration {
   std::string className;
   std::string nameSpace;  ///< "*" stands for any.
   std::string providerName;
-  std::string library;       ///< Path of the library file.
-  std::string folder;        ///< The vendor's folder: where the library's siblings are.
-  std::string file;          ///< The registration file that says so.
-  std::string source;        ///< `file:line`, or the file and the object in it, for messages.
-  std::string parameters;    ///< The provider's own words; empty when there are none.
-  bool neverUnload = false;  ///< The provider asks to stay loaded.
-  bool hasLibrary = true;    ///< Whether the library file is there.
+  std::string library;     ///< Path of the library file.
+  std::string folder;      ///< The vendor's folder: where the library's siblings are.
+  std::string file;        ///< The registration file that says so.
+  std::string source;      ///< `file:line`, or the file and the object in it, for messages.
+  std::string parameters;  ///< The provider's own words; empty when there are none.
+  bool hasLibrary = true;  ///< Whether the library file is there.
   bool isInstance = false;
   bool isAssociation = false;
   bool isMethod = false;
   bool isProperty = false;
   bool isIndication = false;
 };
+
+/// `nameSpace` without the slashes that some write at either end.
+std::string TrimSlashes(const std::string& nameSpace);
 
 /// One thing that is wrong with a registration.
 struct TRegistrationProblem {

@@ -34,7 +34,6 @@ class TBrokerObject {
   /// Threads: from another thread than the scope's, the object stays until the scope ends.
   void Release() noexcept;
 
-  ELifetime GetLifetime() const { return m_lifetime; }
   void SetLifetime(ELifetime lifetime) { m_lifetime = lifetime; }
 
  private:

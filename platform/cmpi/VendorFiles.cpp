@@ -132,6 +132,11 @@ TVendorFiles ListVendorFiles(const std::string& folder, unsigned int depth) {
   return found;
 }
 
+std::string GetFolderOf(const std::string& file) {
+  const std::size_t slash = file.rfind('/');
+  return slash == std::string::npos ? "." : file.substr(0, slash);
+}
+
 bool IsLibraryName(const std::string& file) {
   const std::string name = fs::path(file).filename().string();
   const std::size_t place = name.rfind(".so");

@@ -20,6 +20,9 @@ inline constexpr unsigned int kMaxVendorDepth = 8;
 /// files is bounded; what is deeper than kMaxVendorDepth is a problem.
 TVendorFiles ListVendorFiles(const std::string& folder, unsigned int depth = kMaxVendorDepth);
 
+/// The folder that `file` is named in; "." when it is named without one.
+std::string GetFolderOf(const std::string& file);
+
 /// Whether the name is that of a shared library: `x.so`, `x.so.1.2`.
 bool IsLibraryName(const std::string& file);
 /// Whether the name ends in `.mof`, in any case.

@@ -44,7 +44,6 @@ TEST(DamagedLibraryTest, WhatFollowsTheSegmentsMayBeMissing) {
   const std::string path = vendor.Write("libstripped.so", whole.substr(0, FindLoadedEnd(whole)));
   const TElfFile elf(path);
   EXPECT_EQ(elf.GetFault(), "");
-  EXPECT_EQ(elf.GetSoname(), "libvendorCommon.so.0");
   EXPECT_TRUE(elf.HasAllSymbols());
   EXPECT_THAT(elf.GetSymbols(), Contains("VendorCommon"));
   EXPECT_NE(LoadLibrary(path, vendor.GetPath()).handle, nullptr);

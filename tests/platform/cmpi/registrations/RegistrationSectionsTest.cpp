@@ -35,7 +35,6 @@ TEST(RegistrationSectionsTest, ASectionRegistersAClassInEachOfItsNamespaces) {
   EXPECT_EQ(ShowAll(read),
             "A_B root/cimv2 AcmeProvider libacme.so IM, A_B root/acme AcmeProvider libacme.so IM");
   EXPECT_EQ(read.GetEntries()[0].parameters, "speed=9 # all of it");
-  EXPECT_TRUE(read.GetEntries()[1].neverUnload);
   EXPECT_THAT(read.GetEntries()[0].source, ::testing::EndsWith("acme.reg:2"));
 }
 
