@@ -158,7 +158,7 @@ TWalk::TInstances TWalk::GetEach(const TNames& names, const char** wanted) {
       }
       // It may have gone since it was named.
       if (failure.GetCIMStatus() == CMPI_RC_ERR_NOT_FOUND) continue;
-      m_providers.Report(failure.what());
+      m_providers.ReportFailure(failure);
       failed.Add(failure);
     }
   }

@@ -8,6 +8,7 @@
 #include "platform/cmpi/ObjectIdentity.h"
 #include "platform/cmpi/TAssociationWalk.h"
 #include "platform/cmpi/TNoDerivation.h"
+#include "platform/cmpi/TUnasked.h"
 
 namespace NZEPQEL20 {
 
@@ -107,6 +108,7 @@ TCallOutcome TCMPIOperations::TParts::AskOrDerive(const TService& service,
       failed.Add(failure);
     }
   }
+  const TUnasked unasked(hasAnswered);
   try {
     return Derive(service, question, askAbout);
   } catch (const TQELException& failure) {
@@ -139,7 +141,7 @@ TCallOutcome TCMPIOperations::TParts::Derive(const TService& service, const TQue
         askAbout(walk, outcome);
         hasSucceeded = true;
       } catch (const TQELException& failure) {
-        // The walk has reported it.
+        // The walk has told it.
         failed.Add(failure);
       }
     }

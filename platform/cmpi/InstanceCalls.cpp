@@ -87,7 +87,7 @@ TCallOutcome TCMPIOperations::TParts::AskEnumerate(const TService& service,
     } catch (const TQELException& failure) {
       // It may have gone since it was named.
       if (failure.GetCIMStatus() == CMPI_RC_ERR_NOT_FOUND) continue;
-      providers.Report(failure.what());
+      providers.ReportFailure(failure);
       if (!failed) failed = failure;
     }
   }

@@ -118,7 +118,7 @@ void TWalk::AskGroups(const std::function<std::vector<TResult>(TGroup&)>& ask,
       results = ask(group);
     } catch (const TQELException& failure) {
       if (failure.GetCIMStatus() != CMPI_RC_ERR_NOT_FOUND) {
-        m_providers.Report(failure.what());
+        m_providers.ReportFailure(failure);
         failed.Add(failure);
         continue;
       }

@@ -69,7 +69,7 @@ void TCMPIOperations::TParts::AskAll(const TServices& services, const TAsk& ask,
       outcome = ask(service);
     } catch (const TQELException& failure) {
       if (failure.GetCIMStatus() != CMPI_RC_ERR_NOT_FOUND) {
-        providers.Report(failure.what());
+        providers.ReportFailure(failure);
         failed.Add(failure);
         continue;
       }
@@ -89,7 +89,7 @@ TCallOutcome TCMPIOperations::TParts::AskFirst(const TServices& services, const 
     } catch (const TQELException& failure) {
       const bool isElsewhere = SaysNothingIsThere(failure);
       // Whoever asks may say no more than that nothing came. A provider's own question is its own.
-      if (!isElsewhere && !TScope::IsInCall()) providers.Report(failure.what());
+      if (!isElsewhere && !TScope::IsInCall()) providers.ReportFailure(failure);
       if (!isElsewhere && !isReading) throw;
       failed.Add(failure);
     }

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "platform/cmpi/OneLine.h"
+#include "platform/cmpi/TUnasked.h"
 #include "platform/model/CoreLog.h"
 
 namespace NZEPQEL20::cmpi {
@@ -221,6 +222,19 @@ void TProviders::Report(const std::string& words, const std::string& subject) {
     m_problems.push_back(isLast ? "there are more problems; they are not told" : problem);
   }
   Log(problem);
+}
+
+void TProviders::ReportFailure(const TQELException& failure) {
+  if (!TUnasked::Holds()) {
+    Report(failure.what());
+    return;
+  }
+  const std::string line = ToOneLine(failure.what());
+  {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_logged.size() >= kMaxProblems || !m_logged.insert(line).second) return;
+  }
+  Log(line);
 }
 
 std::vector<std::string> TProviders::GetProblems() const {

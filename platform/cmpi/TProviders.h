@@ -85,6 +85,9 @@ class TProviders : public IBrokerHost {
   /// Keeps and logs `problem` unless that was done before, or too many are kept. Of those with the
   /// same `subject` only the first is told.
   void Report(const std::string& problem, const std::string& subject = {});
+  /// The same for what a provider failed at; where TUnasked holds it is logged alone, as often as
+  /// problems are kept.
+  void ReportFailure(const TQELException& failure);
   std::vector<std::string> GetProblems() const;
 
  private:
@@ -113,6 +116,7 @@ class TProviders : public IBrokerHost {
   mutable std::mutex m_mutex;
   std::vector<std::string> m_problems;
   std::set<std::string> m_reported;
+  std::set<std::string> m_logged;
   TBroker& m_broker;
 };
 

@@ -5,10 +5,10 @@
 //   a A r R   associators, associatorNames, references, referenceNames
 //   m p       methods, properties
 // What it lacks is NULL in its tables, or with "x" a function that answers "not supported"; with
-// "f" every function fails; with "q" its references are none; with "o" it enumerates no
-// association; with "b" its boxes are crates, too; with "i" it ignores what it is asked to leave
-// out; with "s" its associations are those of boxes to each other, otherwise those of shelves to
-// boxes.
+// "f" every function fails; with "q" its references are none, with "u" they fail; with "o" it
+// enumerates no association; with "b" its boxes are crates, too; with "i" it ignores what it is
+// asked to leave out; with "s" its associations are those of boxes to each other, otherwise those
+// of shelves to boxes.
 //
 // Its tables are those of the first interface, and nothing readable lies behind them.
 #include <sys/mman.h>
@@ -115,7 +115,9 @@ CMPIStatus Fail(CMPIrc code, const char* message) {
 
 // Why a function with `letter` does not answer.
 CMPIStatus Check(const void* mi, char letter) {
-  if (Has(mi, 'f')) return Fail(CMPI_RC_ERR_FAILED, "the depot burns");
+  const bool isReference = letter == 'r' || letter == 'R';
+  if (Has(mi, 'f') || (Has(mi, 'u') && isReference))
+    return Fail(CMPI_RC_ERR_FAILED, "the depot burns");
   if (!Has(mi, letter)) return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
   return {CMPI_RC_OK, nullptr};
 }

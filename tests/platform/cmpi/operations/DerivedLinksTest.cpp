@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/platform/cmpi/operations/TDepotTest.h"
+#include "tests/platform/cmpi/operations/TKeptLog.h"
 
 namespace NZEPQEL20 {
 namespace {
@@ -68,7 +69,30 @@ INSTANTIATE_TEST_SUITE_P(All, NoLinksTest,
                          testing::Values(TLinkOffer{"Depot_oenrR", "instance"},
                                          TLinkOffer{"Depot_oen", "instance association"},
                                          TLinkOffer{"Depot_oenx", "instance association"},
-                                         TLinkOffer{"Depot_oenrRq", "instance association"}));
+                                         TLinkOffer{"Depot_oenrRq", "instance association"},
+                                         TLinkOffer{"Depot_oenrRu", "instance association"}));
+
+TEST_F(DerivedLinksTest, WhatFailsWithoutHavingBeenAskedIsForTheLog) {
+  TKeptLog log("the depot burns");
+  OpenLinks({"Depot_oenrRu", "instance association"});
+  Enumerate("D_Holds");
+  EXPECT_FALSE(log.lines.empty());
+  const std::size_t count = log.lines.size();
+  Enumerate("D_Holds");
+  EXPECT_EQ(log.lines.size(), count) << "each once";
+  // Now somebody asks.
+  EXPECT_EQ(StatusOf([&] { References(PathTo("D_Shelf", "S1")); }), 1U);
+  EXPECT_EQ(m_operations->GetProblems().size(), 1U);
+}
+
+TEST_F(DerivedLinksTest, AnEndThatFailsWithoutHavingBeenAskedIsForTheLog) {
+  TKeptLog log("the depot burns");
+  Open({"D_Shelf root/cimv2 Depot_f instance", "D_Box root/cimv2 Depot_f instance",
+        "D_Holds root/cimv2 Depot_oenr instance association"});
+  EXPECT_EQ(Enumerate("D_Holds"), "");
+  EXPECT_FALSE(log.lines.empty());
+  EXPECT_EQ(m_operations->GetProblems(), std::vector<std::string>());
+}
 
 TEST_F(DerivedLinksTest, BothEndsOfOneClassGiveEachAssociationOnce) {
   OpenWith("D_Stacks root/cimv2 Depot_sr association");
