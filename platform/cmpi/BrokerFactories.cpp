@@ -16,6 +16,7 @@
 #include "platform/cmpi/TBrokerSelectCond.h"
 #include "platform/cmpi/TBrokerSelectExp.h"
 #include "platform/cmpi/TBrokerString.h"
+#include "platform/cmpi/TCancellationPoint.h"
 #include "platform/cmpi/THostLease.h"
 #include "platform/cmpi/Values.h"
 #include "platform/model/CoreLog.h"
@@ -318,8 +319,8 @@ const CMPIBrokerEncFT kBrokerEncTable = {kBrokerVersion,
                                          IsOfType,
                                          GetType,
                                          GetMessage,
-                                         LogMessage,
-                                         Trace,
+                                         kCancellable<LogMessage>,
+                                         kCancellable<Trace>,
                                          NewError,
                                          OpenMessageFile,
                                          CloseMessageFile,

@@ -10,6 +10,7 @@
 #include "platform/cmpi/TBrokerPath.h"
 #include "platform/cmpi/TBrokerSelectExp.h"
 #include "platform/cmpi/TBrokerString.h"
+#include "platform/cmpi/TCancellationPoint.h"
 #include "platform/cmpi/THostLease.h"
 #include "platform/cmpi/TWantedProperties.h"
 #include "platform/cmpi/Values.h"
@@ -349,17 +350,29 @@ constexpr unsigned int kCapabilities =
 
 }  // namespace
 
-const CMPIBrokerFT kBrokerTable = {kCapabilities,       kBrokerVersion,
-                                   "diagsrunner",       PrepareAttachThread,
-                                   AttachThread,        DetachThread,
-                                   DeliverIndication,   EnumerateInstanceNames,
-                                   GetInstance,         CreateInstance,
-                                   ModifyInstance,      DeleteInstance,
-                                   ExecQuery,           EnumerateInstances,
-                                   Associators,         AssociatorNames,
-                                   References,          ReferenceNames,
-                                   InvokeMethod,        SetProperty,
-                                   GetProperty,         EnumerateInstancesFiltered,
-                                   AssociatorsFiltered, ReferencesFiltered};
+const CMPIBrokerFT kBrokerTable = {kCapabilities,
+                                   kBrokerVersion,
+                                   "diagsrunner",
+                                   PrepareAttachThread,
+                                   AttachThread,
+                                   DetachThread,
+                                   DeliverIndication,
+                                   kCancellable<EnumerateInstanceNames>,
+                                   kCancellable<GetInstance>,
+                                   kCancellable<CreateInstance>,
+                                   kCancellable<ModifyInstance>,
+                                   kCancellable<DeleteInstance>,
+                                   kCancellable<ExecQuery>,
+                                   kCancellable<EnumerateInstances>,
+                                   kCancellable<Associators>,
+                                   kCancellable<AssociatorNames>,
+                                   kCancellable<References>,
+                                   kCancellable<ReferenceNames>,
+                                   kCancellable<InvokeMethod>,
+                                   kCancellable<SetProperty>,
+                                   kCancellable<GetProperty>,
+                                   kCancellable<EnumerateInstancesFiltered>,
+                                   kCancellable<AssociatorsFiltered>,
+                                   kCancellable<ReferencesFiltered>};
 
 }  // namespace NZEPQEL20::cmpi
