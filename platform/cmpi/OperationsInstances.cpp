@@ -32,6 +32,13 @@ bool IsForOther(const TProviders& providers, const TProviders::TServices& all,
   return false;
 }
 
+/// Whether `found` is no `wanted`, and comes of a provider that was asked because it serves a class
+/// above that.
+bool IsAbove(const TProviders& providers, const TProviders::TService& asked,
+             const std::string& wanted, const std::string& found) {
+  return !providers.IsA(asked.registration->className, wanted) && !providers.IsA(found, wanted);
+}
+
 /// Tells of an object that is left out, unless the provider gives it where it is asked for.
 void TellStray(TProviders& providers, const TProviders::TService& asked,
                const std::string& className) {
@@ -89,7 +96,7 @@ void TCMPIOperations::EnumerateInstances(const std::string& nameSpace, const std
         continue;
       }
       TCIMInstanceData data = m_parts->Finish(content, nameSpace, service.registration->className);
-      if (!providers.IsA(data.path.GetClassName(), className)) continue;
+      if (IsAbove(providers, service, className, data.path.GetClassName())) continue;
       if (seen.IsNew(data.path) && !sink(std::move(data))) return false;
     }
     return true;
@@ -115,7 +122,7 @@ std::vector<TCIMReference> TCMPIOperations::EnumerateInstanceNames(const std::st
         continue;
       }
       TCIMReference name = m_parts->Finish(path, nameSpace, service.registration->className);
-      if (!providers.IsA(name.GetClassName(), className)) continue;
+      if (IsAbove(providers, service, className, name.GetClassName())) continue;
       if (seen.IsNew(name)) found.push_back(std::move(name));
     }
     return true;
