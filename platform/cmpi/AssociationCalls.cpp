@@ -26,6 +26,7 @@ void Keep(std::vector<TResult>& results, const TPasses& passes) {
 
 std::vector<TCIMReference> NamesOf(const std::vector<TCIMInstanceData>& instances) {
   std::vector<TCIMReference> names;
+  names.reserve(instances.size());
   for (const TCIMInstanceData& data : instances) names.push_back(data.path);
   return names;
 }
