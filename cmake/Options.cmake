@@ -13,8 +13,8 @@ target_include_directories(diags_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(diags_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
     $<$<BOOL:${DIAGSRUNNER_WERROR}>:-Werror>)
-# What tests are made of is neither watched by the fuzzer nor checked for undefined behaviour: of all
-# their objects that would be the better part of the time to compile.
+# What tests are made of is neither watched by the fuzzer nor checked for undefined behaviour: it
+# never ships, and would take a good deal longer to compile.
 define_property(TARGET PROPERTY DIAGS_IS_TEST INITIALIZE_FROM_VARIABLE DIAGS_IS_TEST)
 set(is_test $<BOOL:$<TARGET_PROPERTY:DIAGS_IS_TEST>>)
 # The fuzzer's engine is linked into the fuzz targets alone; every other object is only watched.

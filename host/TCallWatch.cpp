@@ -22,8 +22,7 @@ namespace {
 using NZEPQEL20::TProviderCallUnderWay;
 
 std::string DescribeCalled(const TProviderCallUnderWay& call) {
-  return call.provider.empty() ? "library " + call.library
-                               : "provider " + call.provider + " of " + call.library;
+  return DescribeProvider(call.provider, call.library);
 }
 
 // In one piece where the system lets it: the other threads write, too.

@@ -34,10 +34,8 @@ std::string DescribeOwnCall() {
   const NZEPQEL20::TProviderCallNames call =
       get == nullptr ? NZEPQEL20::TProviderCallNames{} : get();
   if (call.library == nullptr) return {};
-  const std::string who = call.provider == nullptr
-                              ? std::string("library ")
-                              : std::string("provider ") + call.provider + " of ";
-  return who + call.library + " (" + call.function + ')';
+  const char* const provider = call.provider == nullptr ? "" : call.provider;
+  return DescribeProvider(provider, call.library) + " (" + call.function + ')';
 }
 
 std::string GetWords() {

@@ -126,4 +126,8 @@ bool ContainsNoCase(const std::string& text, const std::string& part) {
   return std::search(text.begin(), text.end(), part.begin(), part.end(), isSame) != text.end();
 }
 
+std::string DescribeProvider(const std::string& provider, const std::string& library) {
+  return provider.empty() ? "library " + library : "provider " + provider + " of " + library;
+}
+
 }  // namespace host

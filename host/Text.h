@@ -28,4 +28,8 @@ std::string Trim(const std::string& text);
 /// Whether `text` contains `part`; ASCII letters compare without case.
 bool ContainsNoCase(const std::string& text, const std::string& part);
 
+/// Whom a call to a provider's library is made to: "provider P of L", or "library L" while it is
+/// loaded and `provider` is empty.
+std::string DescribeProvider(const std::string& provider, const std::string& library);
+
 }  // namespace host

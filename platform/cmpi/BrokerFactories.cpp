@@ -27,7 +27,7 @@ namespace NZEPQEL20::cmpi {
 namespace {
 
 /// Elements of an array: a count that a provider never initialised must not take all memory. This
-/// many take some ten megabytes.
+/// many take tens of megabytes.
 constexpr CMPICount kMaxArray = 1024U * 1024U;
 
 CMPIInstance* NewInstance(const CMPIBroker*, const CMPIObjectPath* path, CMPIStatus* rc) noexcept {

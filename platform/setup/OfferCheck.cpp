@@ -40,12 +40,16 @@ bool IsIn(const TProviderService& service, const std::string& nameSpace) {
   return service.nameSpace == "*" || cmpi::IsSameNamespace(service.nameSpace, nameSpace);
 }
 
+/// Whether `other` is neither the folder itself nor what it is installed in place of.
+bool IsAnother(const TProviderPackage& package, const TProviderPackage& other) {
+  return other.name != package.name && other.folder != package.folder;
+}
+
 /// Whether another folder joins tests to devices; it may do so for those of this one.
 bool HasLinkElsewhere(const TClassRepository& classes, const TProviderPackage& package,
                       const std::vector<TProviderPackage>& installed) {
   return std::any_of(installed.begin(), installed.end(), [&](const TProviderPackage& other) {
-    return other.name != package.name && other.folder != package.folder &&
-           !FindKind(classes, other.services, kLink).empty();
+    return IsAnother(package, other) && !FindKind(classes, other.services, kLink).empty();
   });
 }
 
@@ -85,23 +89,16 @@ bool IsServed(const TClassRepository& classes, const TProviderPackage& package,
   const auto isIn = [&](const TProviderPackage& folder) {
     return std::any_of(folder.services.begin(), folder.services.end(), serves);
   };
-  return isIn(package) || std::any_of(installed.begin(), installed.end(), isIn);
+  return isIn(package) ||
+         std::any_of(installed.begin(), installed.end(), [&](const TProviderPackage& other) {
+           return IsAnother(package, other) && isIn(other);
+         });
 }
 
-/// A kind of class that a test needs besides itself, to be registered as instance.
-struct TCompanion {
-  const char* kind;
-  const char* rule;
-  const char* loss;
-};
-constexpr TCompanion kCompanions[] = {
-    {"CIM_ConcreteJob", "T6", "no test of it can be followed"},
-    {"CIM_DiagnosticCompletionRecord", "T7", "no test of it gets a verdict"}};
-
-/// What keeps tests that are found from being run to an end.
-std::vector<TProviderFinding> CheckRun(const TClassRepository& classes,
-                                       const TProviderPackage& package, const TServices& tests,
-                                       const std::vector<TProviderPackage>& installed) {
+/// Tests that lack a type in the registration.
+std::vector<TProviderFinding> CheckTypes(const TClassRepository& classes,
+                                         const TProviderPackage& package, const TServices& tests,
+                                         const std::vector<TProviderPackage>& installed) {
   std::vector<TProviderFinding> findings;
   constexpr std::pair<const char*, const char*> kNeeds[] = {
       {"instance", "none of their tests is found"},
@@ -119,12 +116,29 @@ std::vector<TProviderFinding> CheckRun(const TClassRepository& classes,
                             ", so that " + loss,
                         std::string("add the type ") + type + " to the registration"});
   }
+  return findings;
+}
+
+/// A kind of class that a test needs besides itself, to be registered as instance.
+struct TCompanion {
+  const char* kind;
+  const char* rule;
+  const char* loss;
+};
+constexpr TCompanion kCompanions[] = {
+    {"CIM_ConcreteJob", "T6", "no test of it can be followed"},
+    {"CIM_DiagnosticCompletionRecord", "T7", "no test of it gets a verdict"}};
+
+/// What has to be registered beside tests so that they can be run to their end.
+std::vector<TProviderFinding> CheckCompanions(const TClassRepository& classes,
+                                              const TProviderPackage& package) {
+  std::vector<TProviderFinding> findings;
   for (const TCompanion& companion : kCompanions) {
     const TServices found = FindKind(classes, package.services, companion.kind);
     const bool isThere =
         std::any_of(found.begin(), found.end(),
                     [](const TProviderService& service) { return HasType(service, "instance"); });
-    if (tests.empty() || isThere) continue;
+    if (isThere) continue;
     findings.push_back({true, companion.rule,
                         package.folder + ": registers tests and no subclass of " + companion.kind +
                             " as instance, so that " + companion.loss,
@@ -164,8 +178,12 @@ std::vector<TProviderFinding> CheckOffer(const TClassRepository& classes,
   const TServices tests = FindKind(classes, package.services, kTest);
   std::vector<TProviderFinding> findings =
       CheckLinks(classes, package, tests, installed, nameSpace);
-  if (!findings.empty()) return findings;
-  return CheckRun(classes, package, tests, installed);
+  if (!findings.empty() || tests.empty()) return findings;
+  findings = CheckTypes(classes, package, tests, installed);
+  for (TProviderFinding& finding : CheckCompanions(classes, package)) {
+    findings.push_back(std::move(finding));
+  }
+  return findings;
 }
 
 }  // namespace NZEPQEL20::setup

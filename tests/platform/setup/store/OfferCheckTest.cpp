@@ -2,6 +2,8 @@
 // Whether discovery would find the tests of a folder.
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "platform/setup/OfferCheck.h"
 #include "tests/platform/setup/store/TStoreTest.h"
 
@@ -148,6 +150,14 @@ INSTANTIATE_TEST_SUITE_P(
                     {"T7 registers tests and no subclass of CIM_DiagnosticCompletionRecord as "
                      "instance, so that no test of it gets a verdict; register one as instance"}}),
     [](const auto& row) { return row.param.name; });
+
+TEST_F(OfferCheckTest, TheVersionThatIsReplacedHelpsNoTest) {
+  const std::string rest = std::string("A_Link root/x P l instance\n") + kJobLine + kRecordLine;
+  const std::string name = std::filesystem::path(m_vendor.GetPath()).filename().string();
+  m_root.Write("providers/" + name + "/x.registration", rest + kTestLine);
+  m_vendor.Write("x.registration", rest + "A_Test root/x P l instance\n");
+  EXPECT_THAT(CheckIn("root/x"), HasSubstr("A_Test: not registered as method"));
+}
 
 TEST_F(OfferCheckTest, AnotherFolderMayJoinTheTestsToTheirDevices) {
   m_vendor.Write("x.registration", std::string(kTestLine) + kJobLine + kRecordLine);
